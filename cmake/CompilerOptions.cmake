@@ -1,0 +1,24 @@
+# What every target of the project is compiled with. Link morvane_options to get it.
+
+add_library(morvane_options INTERFACE)
+target_compile_features(morvane_options INTERFACE cxx_std_20)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+target_compile_options(morvane_options INTERFACE
+    -Werror -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wcast-qual
+    -Wcast-align -Wformat=2 -Wundef -Wunused -Wdouble-promotion
+    -Wimplicit-fallthrough -fstack-protector-strong)
+target_compile_options(morvane_options INTERFACE
+    $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast;-Wnon-virtual-dtor;-Woverloaded-virtual>
+    $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond;-Wduplicated-branches;-Wlogical-op>)
+target_compile_definitions(morvane_options INTERFACE _GNU_SOURCE)
+target_link_options(morvane_options INTERFACE -Wl,-z,relro -Wl,-z,now -Wl,--as-needed)
+
+option(MORVANE_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
+if(MORVANE_SANITIZE)
+    set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_compile_options(morvane_options INTERFACE ${sanitizers})
+    target_compile_definitions(morvane_options INTERFACE _GLIBCXX_ASSERTIONS)
+    target_link_options(morvane_options INTERFACE ${sanitizers})
+endif()

@@ -1,0 +1,50 @@
+#include "text/cursor.h"
+
+#include <algorithm>
+
+namespace morvane {
+
+std::string_view trimSpace(std::string_view text) {
+    while (!text.empty() && isSpace(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isSpace(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
+
+bool Cursor::skipSpace() {
+    while (!atEnd() && isSpace(line_.text[position_]))
+        ++position_;
+    return !atEnd();
+}
+
+bool Cursor::accept(std::string_view expected) {
+    if (!sees(expected))
+        return false;
+    position_ += expected.size();
+    return true;
+}
+
+bool Cursor::accept(char expected) {
+    return accept(std::string_view(&expected, 1));
+}
+
+std::string_view Cursor::peekWord(std::string_view delimiters) const {
+    const auto text = rest();
+    const auto end = std::find_if(text.begin(), text.end(), [delimiters](char c) {
+        return isSpace(c) || delimiters.find(c) != std::string_view::npos;
+    });
+    return text.substr(0, static_cast<std::size_t>(end - text.begin()));
+}
+
+std::string_view Cursor::word(std::string_view delimiters) {
+    const auto found = peekWord(delimiters);
+    position_ += found.size();
+    return found;
+}
+
+void Cursor::advance(std::size_t count) {
+    position_ = std::min(position_ + count, line_.text.size());
+}
+
+} // namespace morvane

@@ -1,0 +1,55 @@
+#include "text/number.h"
+
+#include "text/cursor.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+
+namespace morvane {
+
+namespace {
+
+// `strtoll` has 64 bits on every architecture, where `strtol` has what the machine's `long` has.
+NumberPrefix signedPrefix(const std::string& text, int base) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    char* end = nullptr;
+    const long long value = std::strtoll(text.c_str(), &end, base);
+    return {static_cast<std::int32_t>(std::clamp<long long>(value, Limits::min(), Limits::max())),
+            static_cast<std::size_t>(end - text.c_str())};
+}
+
+} // namespace
+
+NumberPrefix numberPrefix(std::string_view text) {
+    return signedPrefix(std::string(text), 0);
+}
+
+std::optional<std::int32_t> wholeNumber(std::string_view text) {
+    const auto number = numberPrefix(text);
+    if (number.length != text.size())
+        return std::nullopt;
+    return number.value;
+}
+
+std::optional<std::int32_t> wholeDecimal(std::string_view text) {
+    const auto number = signedPrefix(std::string(text), 10);
+    if (text.empty() || number.length != text.size())
+        return std::nullopt;
+    return number.value;
+}
+
+std::uint32_t readDigits(Cursor& line) {
+    const auto rest = line.rest();
+    const std::string digits(rest.substr(0, rest.find_first_not_of("0123456789")));
+    line.advance(digits.size());
+    const unsigned long long value = std::strtoull(digits.c_str(), nullptr, 10);
+    return static_cast<std::uint32_t>(
+        std::min<unsigned long long>(value, std::numeric_limits<std::uint32_t>::max()));
+}
+
+std::string decimalText(std::int32_t value) {
+    return std::to_string(value);
+}
+
+} // namespace morvane
