@@ -1,0 +1,69 @@
+#include "paramdef/default_parser.h"
+
+#include "paramdef/bare_number.h"
+#include "text/cursor.h"
+#include "text/token_loop.h"
+
+namespace morvane {
+
+ParamDefResult DefaultParser::read(Cursor& line) {
+    return readTokens<ParamDefResult::incomplete>(line, [&] { return readToken(line); });
+}
+
+ParamDefResult DefaultParser::readToken(Cursor& line) {
+    switch (expect_) {
+    case Expect::openBrace: {
+        const auto result = condition_.read(line, default_.condition);
+        if (result != ParamDefResult::ok)
+            return result;
+        expect_ = Expect::value;
+        return ParamDefResult::incomplete;
+    }
+    case Expect::value:
+        return readValue(line);
+    case Expect::stringEnd:
+        return readString(line);
+    case Expect::expressionEnd: {
+        const auto result = tokenizer_.read(line, default_.value);
+        if (result != ParamDefResult::ok)
+            return result;
+        expect_ = Expect::closeBrace;
+        return ParamDefResult::incomplete;
+    }
+    case Expect::closeBrace:
+        if (!line.accept('}'))
+            return ParamDefResult::syntaxError;
+        expect_ = Expect::openBrace;
+        return ParamDefResult::ok;
+    }
+    return ParamDefResult::internalError;
+}
+
+ParamDefResult DefaultParser::readValue(Cursor& line) {
+    if (string_.open(line)) {
+        keepLine(default_.value.lines, line.line());
+        expect_ = Expect::stringEnd;
+        return readString(line);
+    }
+    if (line.accept('(')) {
+        expect_ = Expect::expressionEnd;
+        return ParamDefResult::incomplete;
+    }
+    Token number;
+    const auto result = readBareNumber(line, "}", number);
+    if (result != ParamDefResult::ok)
+        return result;
+    default_.value.append(std::move(number), line.line());
+    expect_ = Expect::closeBrace;
+    return ParamDefResult::incomplete;
+}
+
+ParamDefResult DefaultParser::readString(Cursor& line) {
+    if (string_.read(line)) {
+        default_.value.append(string_.take(), line.line());
+        expect_ = Expect::closeBrace;
+    }
+    return ParamDefResult::incomplete;
+}
+
+} // namespace morvane

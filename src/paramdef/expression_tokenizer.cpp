@@ -1,0 +1,156 @@
+#include "paramdef/expression_tokenizer.h"
+
+#include "text/cursor.h"
+#include "text/number.h"
+#include "text/token_loop.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <string_view>
+#include <utility>
+
+namespace morvane {
+
+namespace {
+
+struct OperatorText {
+    std::string_view text;
+    TokenType type;
+};
+
+// Searched from the top, so the two-character operators stand before their first characters.
+constexpr std::array operators{
+    OperatorText{"||", TokenType::OP_OR},       OperatorText{"&&", TokenType::OP_AND},
+    OperatorText{"==", TokenType::OP_EQ},       OperatorText{"!=", TokenType::OP_NE},
+    OperatorText{"<=", TokenType::OP_LE},       OperatorText{">=", TokenType::OP_GE},
+    OperatorText{"<<", TokenType::OP_SHL},      OperatorText{">>", TokenType::OP_SHR},
+    OperatorText{"(", TokenType::TOKEN_LPAREN}, OperatorText{")", TokenType::TOKEN_RPAREN},
+    OperatorText{"|", TokenType::OP_BITOR},     OperatorText{"^", TokenType::OP_BITXOR},
+    OperatorText{"&", TokenType::OP_BITAND},    OperatorText{"<", TokenType::OP_LT},
+    OperatorText{">", TokenType::OP_GT},        OperatorText{"+", TokenType::OP_ADD},
+    OperatorText{"-", TokenType::OP_SUB},       OperatorText{"*", TokenType::OP_MUL},
+    OperatorText{"/", TokenType::OP_DIV},       OperatorText{"%", TokenType::OP_MOD},
+    OperatorText{"$", TokenType::OP_CONTAINS},
+};
+
+constexpr std::string_view wordDelimiters = "()|&^=!<>+-*/%$[]";
+
+Token tokenAt(const Cursor& line, TokenType type) {
+    return {.line = line.line().number, .column = line.tokenColumn(), .type = type, .text = {}};
+}
+
+Token negated(const Token& minus, const Token& number) {
+    Token folded = minus;
+    folded.type = TokenType::TOKEN_NUMBER;
+    folded.number = static_cast<std::int32_t>(0U - static_cast<std::uint32_t>(number.number));
+    return folded;
+}
+
+// A "-" becomes the sign of the number after it at the beginning and after an operator, nowhere
+// else: "1 - -5" works, "(-5)" inside an expression and "-name" stay two-operand minuses, which
+// cannot be evaluated. One pass from the left; a number just folded is not looked at again.
+void foldUnaryMinus(TokenList& tokens) {
+    TokenList folded;
+    folded.reserve(tokens.size());
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        const bool signPosition = folded.empty() || isOperator(folded.back().type);
+        if (signPosition && tokens[i].type == TokenType::OP_SUB && i + 1 < tokens.size() &&
+            tokens[i + 1].type == TokenType::TOKEN_NUMBER) {
+            folded.push_back(negated(tokens[i], tokens[i + 1]));
+            ++i;
+        } else {
+            folded.push_back(std::move(tokens[i]));
+        }
+    }
+    tokens = std::move(folded);
+}
+
+} // namespace
+
+ParamDefResult ExpressionTokenizer::read(Cursor& line, Expression& expression) {
+    return readTokens<ParamDefResult::incomplete>(line,
+                                                  [&] { return readToken(line, expression); });
+}
+
+ParamDefResult ExpressionTokenizer::readToken(Cursor& line, Expression& expression) {
+    switch (inside_) {
+    case Inside::string:
+        readString(line, expression);
+        return ParamDefResult::incomplete;
+    case Inside::index:
+        readIndex(line, expression);
+        return ParamDefResult::incomplete;
+    case Inside::expression:
+        break;
+    }
+    if (string_.open(line)) {
+        inside_ = Inside::string;
+        keepLine(expression.lines, line.line());
+        readString(line, expression);
+        return ParamDefResult::incomplete;
+    }
+    const auto* const op = std::find_if(operators.begin(), operators.end(),
+                                        [&](const auto& row) { return line.sees(row.text); });
+    if (op != operators.end())
+        return readOperator(line, expression, op->type, op->text.size());
+    return readWord(line, expression);
+}
+
+void ExpressionTokenizer::readString(Cursor& line, Expression& expression) {
+    if (!string_.read(line))
+        return;
+    inside_ = Inside::expression;
+    expression.append(string_.take(), line.line());
+}
+
+void ExpressionTokenizer::readIndex(Cursor& line, Expression& expression) {
+    const auto rest = line.rest();
+    const auto close = rest.find(']');
+    indexText_ += rest.substr(0, close);
+    line.advance(close == std::string_view::npos ? rest.size() : close + 1);
+    if (close == std::string_view::npos)
+        return;
+    inside_ = Inside::expression;
+    const auto text = std::exchange(indexText_, {});
+    expression.tokens.back().text.append("[").append(trimSpace(text)).append("]");
+    keepLine(expression.lines, line.line());
+}
+
+ParamDefResult ExpressionTokenizer::readOperator(Cursor& line, Expression& expression,
+                                                 TokenType type, std::size_t length) {
+    line.advance(length);
+    if (type == TokenType::TOKEN_LPAREN)
+        ++depth_;
+    if (type == TokenType::TOKEN_RPAREN && --depth_ == 0) {
+        depth_ = 1;
+        line.skipSpace();
+        foldUnaryMinus(expression.tokens);
+        return ParamDefResult::ok;
+    }
+    expression.append(tokenAt(line, type), line.line());
+    return ParamDefResult::incomplete;
+}
+
+ParamDefResult ExpressionTokenizer::readWord(Cursor& line, Expression& expression) {
+    const bool afterName =
+        !expression.empty() && expression.tokens.back().type == TokenType::TOKEN_NAME;
+    if (nameIndices_ == NameIndices::accepted && afterName && line.accept('[')) {
+        inside_ = Inside::index;
+        return ParamDefResult::incomplete;
+    }
+    const auto word = line.word(wordDelimiters);
+    if (word.empty())
+        return ParamDefResult::syntaxError;
+    auto token = tokenAt(line, TokenType::TOKEN_NAME);
+    if (const auto number = wholeNumber(word)) {
+        token.type = TokenType::TOKEN_NUMBER;
+        token.number = *number;
+    } else {
+        token.text = word;
+    }
+    expression.append(std::move(token), line.line());
+    return ParamDefResult::incomplete;
+}
+
+} // namespace morvane

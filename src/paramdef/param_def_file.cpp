@@ -1,0 +1,50 @@
+#include "paramdef/param_def_file.h"
+
+#include "paramdef/param_def_parser.h"
+#include "text/line_reader.h"
+#include "text/report.h"
+
+#include <cstdint>
+#include <string>
+
+namespace morvane {
+
+namespace {
+
+// Longer lines are read as several, each with a number of its own.
+constexpr std::size_t lineBufferSize = 512;
+
+void reportError(ParamDefResult result, std::string_view line, std::uint32_t lineNumber,
+                 std::uint32_t column) {
+    std::string heading = "Error on line " + std::to_string(lineNumber) + "\n";
+    heading += message(result);
+    reportAtCaret(heading, line, column);
+}
+
+} // namespace
+
+ParamDefResult readParamDefFile(const char* path, SystemParameterTable* table) {
+    if (path == nullptr || table == nullptr)
+        return ParamDefResult::internalError;
+    const OwnedStream stream(std::fopen(path, "r"));
+    if (!stream) {
+        report("Can't open file\n");
+        return ParamDefResult::internalError;
+    }
+    LineReader<lineBufferSize> lines(stream.get());
+    ParamDefParser parser;
+    ParamDefResult result = ParamDefResult::internalError;
+    std::uint32_t lineNumber = 1;
+    std::uint32_t errorColumn = 0;
+    while (const auto line = lines.next()) {
+        result = parser.parseParamDefLine(*table, errorColumn, *line, lineNumber);
+        if (result != ParamDefResult::ok) {
+            reportError(result, *line, lineNumber, errorColumn);
+            break;
+        }
+        ++lineNumber;
+    }
+    return result;
+}
+
+} // namespace morvane

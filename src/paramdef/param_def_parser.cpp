@@ -1,0 +1,185 @@
+#include "paramdef/param_def_parser.h"
+
+#include "text/cursor.h"
+#include "text/token_loop.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace morvane {
+
+namespace {
+
+using State = ParamDefParseState;
+
+struct AttributeKeyword {
+    std::string_view word;
+    State state;
+    bool takesExpression; // and so needs its "(" on the same line
+};
+
+constexpr std::array attributeKeywords{
+    AttributeKeyword{"rangeValid", State::inRangeValid, false},
+    AttributeKeyword{"rangeDoc", State::inRangeDoc, false},
+    AttributeKeyword{"ctrlRO", State::inCtrlRO, true},
+    AttributeKeyword{"ctrlValid", State::inCtrlValid, true},
+    AttributeKeyword{"default", State::inDefault, false},
+    AttributeKeyword{"valueChange", State::inValueChange, false},
+    AttributeKeyword{"index", State::inIndex, false},
+};
+
+} // namespace
+
+ParamDefResult ParamDefParser::parseParamDefLine(SystemParameterTable& table,
+                                                 std::uint32_t& errorColumn, std::string_view line,
+                                                 std::uint32_t lineNumber) {
+    Cursor cursor({line, lineNumber});
+    if (!cursor.skipSpace() || cursor.sees('#'))
+        return ParamDefResult::ok;
+    const auto result =
+        readTokens<ParamDefResult::incomplete>(cursor, [&] { return readToken(table, cursor); });
+    errorColumn = cursor.tokenColumn();
+    return result == ParamDefResult::incomplete ? ParamDefResult::ok : result;
+}
+
+ParamDefResult ParamDefParser::readToken(SystemParameterTable& table, Cursor& line) {
+    switch (state_) {
+    case State::expectName:
+        return readName(table, line);
+    case State::expectAccess:
+        return readAccess(table, line);
+    case State::expectOpenBrace:
+        if (!line.accept('{'))
+            return ParamDefResult::syntaxError;
+        state_ = State::expectAttribute;
+        return ParamDefResult::incomplete;
+    case State::expectAttribute:
+        return readAttributeKeyword(line);
+    case State::inRangeValid:
+    case State::inRangeDoc:
+    case State::inCtrlRO:
+    case State::inCtrlValid:
+    case State::inDefault:
+    case State::inValueChange:
+    case State::inIndex:
+        return readAttribute(table, line);
+    }
+    return ParamDefResult::internalError;
+}
+
+ParamDefResult ParamDefParser::readName(SystemParameterTable& table, Cursor& line) {
+    const auto name = line.word("[]");
+    if (name.empty())
+        return ParamDefResult::syntaxError;
+    table.insert(name, line.line().number);
+    name_ = name;
+    state_ = State::expectAccess;
+    return ParamDefResult::incomplete;
+}
+
+ParamDefResult ParamDefParser::readAccess(SystemParameterTable& table, Cursor& line) {
+    auto* const parameter = table.find(name_);
+    if (parameter == nullptr)
+        return ParamDefResult::internalError;
+    const auto access = accessTypeOf(line.word("{"));
+    if (!access)
+        return ParamDefResult::invalidAccess;
+    parameter->access = *access;
+    state_ = State::expectOpenBrace;
+    return ParamDefResult::incomplete;
+}
+
+ParamDefResult ParamDefParser::readAttributeKeyword(Cursor& line) {
+    if (line.accept('}')) {
+        state_ = State::expectName;
+        return ParamDefResult::incomplete;
+    }
+    const auto word = line.word("({");
+    const auto* const keyword = std::find_if(attributeKeywords.begin(), attributeKeywords.end(),
+                                             [word](const auto& row) { return row.word == word; });
+    if (keyword == attributeKeywords.end())
+        return ParamDefResult::syntaxError;
+    if (keyword->takesExpression) {
+        line.skipSpace();
+        if (!line.accept('('))
+            return ParamDefResult::syntaxError;
+    }
+    state_ = keyword->state;
+    return ParamDefResult::incomplete;
+}
+
+ParamDefResult ParamDefParser::readAttribute(SystemParameterTable& table, Cursor& line) {
+    auto result = readAttributeBody(line);
+    if (result != ParamDefResult::ok)
+        return result;
+    auto* const parameter = table.find(name_);
+    if (parameter == nullptr)
+        return ParamDefResult::internalError;
+    result = finishAttribute(*parameter);
+    if (result != ParamDefResult::ok)
+        return result;
+    state_ = State::expectAttribute;
+    return ParamDefResult::incomplete;
+}
+
+ParamDefResult ParamDefParser::readAttributeBody(Cursor& line) {
+    switch (state_) {
+    case State::inRangeValid:
+    case State::inRangeDoc:
+        return range_.read(line);
+    case State::inCtrlRO:
+    case State::inCtrlValid:
+        return tokenizer_.read(line, expression_);
+    case State::inDefault:
+        return default_.read(line);
+    case State::inValueChange:
+        return valueChange_.read(line);
+    case State::inIndex:
+        return index_.read(line);
+    case State::expectName:
+    case State::expectAccess:
+    case State::expectOpenBrace:
+    case State::expectAttribute:
+        break;
+    }
+    return ParamDefResult::internalError;
+}
+
+// Moves the attribute that was just completed to the end of its list.
+ParamDefResult ParamDefParser::finishAttribute(SystemParameter& parameter) {
+    switch (state_) {
+    case State::inRangeValid:
+        parameter.rangeValid.push_back(range_.take());
+        break;
+    case State::inRangeDoc:
+        parameter.rangeDoc.push_back(range_.take());
+        break;
+    case State::inCtrlRO:
+        // Nobody reads a write-only parameter, so making it read-only for a while is a mistake.
+        if (parameter.access == AccessType::ACCESS_WO)
+            return ParamDefResult::invalidAccess;
+        parameter.ctrlRO.push_back(std::exchange(expression_, {}));
+        break;
+    case State::inCtrlValid:
+        parameter.ctrlValid.push_back(std::exchange(expression_, {}));
+        break;
+    case State::inDefault:
+        parameter.defaults.push_back(default_.take());
+        break;
+    case State::inValueChange:
+        parameter.valueChange.push_back(valueChange_.take());
+        break;
+    case State::inIndex:
+        parameter.indices.push_back(index_.take());
+        break;
+    case State::expectName:
+    case State::expectAccess:
+    case State::expectOpenBrace:
+    case State::expectAttribute:
+        return ParamDefResult::internalError;
+    }
+    return ParamDefResult::ok;
+}
+
+} // namespace morvane

@@ -1,0 +1,56 @@
+#include "paramdef/system_parameter.h"
+
+#include <algorithm>
+#include <array>
+
+namespace morvane {
+
+namespace {
+
+struct AccessKeyword {
+    std::string_view keyword;
+    AccessType access;
+};
+
+constexpr std::array accessKeywords{
+    AccessKeyword{"index", AccessType::ACCESS_INDEX},
+    AccessKeyword{"ro", AccessType::ACCESS_RO},
+    AccessKeyword{"rostrict", AccessType::ACCESS_ROSTRICT},
+    AccessKeyword{"wo", AccessType::ACCESS_WO},
+    AccessKeyword{"rw", AccessType::ACCESS_RW},
+};
+
+} // namespace
+
+std::optional<AccessType> accessTypeOf(std::string_view keyword) {
+    const auto* const row = std::find_if(accessKeywords.begin(), accessKeywords.end(),
+                                         [&](const auto& r) { return r.keyword == keyword; });
+    if (row == accessKeywords.end())
+        return std::nullopt;
+    return row->access;
+}
+
+bool SystemParameter::hasIndex(std::string_view indexName) const {
+    return std::any_of(indices.begin(), indices.end(),
+                       [&](const auto& dimension) { return dimension.indexName() == indexName; });
+}
+
+const SystemParameter* SystemParameterTable::find(std::string_view name) const {
+    const auto found = parameters_.find(name);
+    return found == parameters_.end() ? nullptr : &found->second;
+}
+
+SystemParameter* SystemParameterTable::find(std::string_view name) {
+    const auto found = parameters_.find(name);
+    return found == parameters_.end() ? nullptr : &found->second;
+}
+
+void SystemParameterTable::insert(std::string_view name, std::uint32_t line) {
+    const auto [place, isNew] = parameters_.try_emplace(std::string(name));
+    if (isNew) {
+        place->second.name = name;
+        place->second.line = line;
+    }
+}
+
+} // namespace morvane

@@ -1,0 +1,80 @@
+#include "paramdef/value_change_parser.h"
+
+#include "paramdef/bare_number.h"
+#include "text/cursor.h"
+#include "text/token_loop.h"
+
+#include <string>
+
+namespace morvane {
+
+ParamDefResult ValueChangeParser::read(Cursor& line) {
+    return readTokens<ParamDefResult::incomplete>(line, [&] { return readToken(line); });
+}
+
+ParamDefResult ValueChangeParser::readToken(Cursor& line) {
+    switch (expect_) {
+    case Expect::openBrace:
+        if (!line.accept('{'))
+            return ParamDefResult::syntaxError;
+        expect_ = Expect::from;
+        return ParamDefResult::incomplete;
+    case Expect::from:
+        return readSide(line, Expect::fromStringEnd, Expect::arrow);
+    case Expect::fromStringEnd:
+        return readString(line, Expect::arrow);
+    case Expect::arrow:
+        if (!line.accept("->"))
+            return ParamDefResult::syntaxError;
+        expect_ = Expect::to;
+        return ParamDefResult::incomplete;
+    case Expect::to:
+        return readSide(line, Expect::toStringEnd, Expect::closeBrace);
+    case Expect::toStringEnd:
+        return readString(line, Expect::closeBrace);
+    case Expect::closeBrace:
+        if (!line.accept('}'))
+            return ParamDefResult::syntaxError;
+        expect_ = Expect::openBrace;
+        return ParamDefResult::ok;
+    }
+    return ParamDefResult::internalError;
+}
+
+// The "-" of the arrow ends a number, so a negative one must be quoted.
+ParamDefResult ValueChangeParser::readSide(Cursor& line, Expect stringEnd, Expect next) {
+    constexpr std::string_view delimiters = "-}";
+    if (string_.open(line)) {
+        expect_ = stringEnd;
+        return readString(line, next);
+    }
+    std::string text(line.peekWord(delimiters));
+    Token side;
+    const auto result = readBareNumber(line, delimiters, side);
+    if (result != ParamDefResult::ok)
+        return result;
+    side.text = std::move(text);
+    finishSide(std::move(side), next);
+    return ParamDefResult::incomplete;
+}
+
+ParamDefResult ValueChangeParser::readString(Cursor& line, Expect next) {
+    if (string_.read(line))
+        finishSide(string_.take(), next);
+    return ParamDefResult::incomplete;
+}
+
+void ValueChangeParser::finishSide(Token side, Expect next) {
+    if (next == Expect::arrow) {
+        change_.fromLine = side.line;
+        change_.fromColumn = side.column;
+        change_.from = std::move(side.text);
+    } else {
+        change_.toLine = side.line;
+        change_.toColumn = side.column;
+        change_.to = std::move(side.text);
+    }
+    expect_ = next;
+}
+
+} // namespace morvane

@@ -1,0 +1,59 @@
+#include "paramdef/quoted_string.h"
+#include "support/parameter_text.h"
+
+#include <gtest/gtest.h>
+
+namespace morvane {
+namespace {
+
+struct Row {
+    const char* why;
+    const char* text; ///< behind the opening quote, a line or more
+    const char* string;
+    const char* rest; ///< what is not consumed of the last line; null for an open string
+};
+
+constexpr Row rows[] = {
+    {"a string", "auto\" }", "auto", " }"},
+    {"an empty string", "\"\"", "", "\""},
+    {"blanks and a backslash", " a\\\" b\"", " a\\", " b\""},
+    {"a string over lines loses the line feeds", "a\n b\n\"x", "a b", "x"},
+    {"an open string loses its last byte, whatever it is", "ab", "a", nullptr},
+    {"an open string of nothing", "", "", nullptr},
+};
+
+TEST(QuotedString, EndsAtTheNextQuote) {
+    for (const auto& [why, text, string, rest] : rows) {
+        SCOPED_TRACE(why);
+        const auto quoted = '"' + std::string(text);
+        QuotedString reader;
+        bool closed = false;
+        for (const auto line : test::linesOf(quoted)) {
+            Cursor cursor({line, 1});
+            if (line.data() == quoted.data())
+                reader.open(cursor);
+            closed = reader.read(cursor);
+            EXPECT_EQ(cursor.rest(), closed && rest != nullptr ? rest : "");
+            if (closed)
+                break;
+        }
+        EXPECT_EQ(closed, rest != nullptr);
+        EXPECT_EQ(reader.take().text, string);
+    }
+}
+
+TEST(QuotedString, OpensAtAQuoteOnly) {
+    QuotedString reader;
+    Cursor line({"a\"b\"", 4});
+    EXPECT_FALSE(reader.open(line));
+    EXPECT_EQ(line.column(), 0U);
+    line.advance(1);
+    line.markToken();
+    EXPECT_TRUE(reader.open(line));
+    EXPECT_TRUE(reader.read(line));
+    EXPECT_EQ(reader.take(),
+              (Token{.line = 4, .column = 1, .type = TokenType::TOKEN_STRING, .text = "b"}));
+}
+
+} // namespace
+} // namespace morvane
