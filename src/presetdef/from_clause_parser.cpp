@@ -1,0 +1,102 @@
+#include "presetdef/from_clause_parser.h"
+
+#include "text/cursor.h"
+#include "text/token_loop.h"
+
+namespace morvane {
+
+using enum PresetParseResult;
+
+namespace {
+
+// Reads a word, or a quoted text, which may hold blanks but none of the delimiters. A quote that is
+// missing at the end of the line leaves the line feed in the text.
+std::string quotedTextOrWord(Cursor& line, std::string_view delimiters) {
+    if (!line.accept('"'))
+        return std::string(line.word(delimiters));
+    const auto rest = line.rest();
+    std::string stops(delimiters);
+    stops += '"';
+    const auto text = rest.substr(0, rest.find_first_of(stops));
+    line.advance(text.size());
+    line.accept('"');
+    return std::string(text);
+}
+
+} // namespace
+
+PresetParseResult FromClauseParser::parse(Cursor& line) {
+    return readTokens<PARSE_PRESET_CONTINUE>(line, [&] { return parseToken(line); });
+}
+
+PresetParseResult FromClauseParser::parseToken(Cursor& line) {
+    switch (expect_) {
+    case Expect::openBrace:
+        if (!line.accept('{'))
+            return PARSE_PRESET_SYNTAX;
+        from_.line = line.line().number;
+        expect_ = Expect::oldName;
+        return PARSE_PRESET_CONTINUE;
+    case Expect::oldName:
+        return parseOldName(line);
+    case Expect::mapOrClose:
+        expect_ = line.accept('{') ? Expect::key : Expect::closeBrace;
+        return PARSE_PRESET_CONTINUE;
+    case Expect::key:
+        return parseKey(line);
+    case Expect::equals:
+        if (!line.accept('='))
+            return PARSE_PRESET_SYNTAX;
+        expect_ = Expect::value;
+        return PARSE_PRESET_CONTINUE;
+    case Expect::value:
+        return parseValue(line);
+    case Expect::commaOrMapEnd:
+        return parseCommaOrMapEnd(line);
+    case Expect::closeBrace:
+        if (!line.accept('}'))
+            return PARSE_PRESET_SYNTAX;
+        expect_ = Expect::openBrace;
+        return PARSE_PRESET_OK;
+    }
+    return PARSE_PRESET_INTERNAL_ERR;
+}
+
+// A missing old name is a syntax error, unlike every other missing name.
+PresetParseResult FromClauseParser::parseOldName(Cursor& line) {
+    from_.oldName = line.word("{}");
+    if (from_.oldName.empty())
+        return PARSE_PRESET_SYNTAX;
+    expect_ = Expect::mapOrClose;
+    return PARSE_PRESET_CONTINUE;
+}
+
+PresetParseResult FromClauseParser::parseKey(Cursor& line) {
+    key_ = quotedTextOrWord(line, "=},");
+    if (key_.empty())
+        return PARSE_PRESET_MISSING_IDENTIFIER;
+    expect_ = Expect::equals;
+    return PARSE_PRESET_CONTINUE;
+}
+
+PresetParseResult FromClauseParser::parseValue(Cursor& line) {
+    auto value = quotedTextOrWord(line, "},");
+    if (value.empty())
+        return PARSE_PRESET_MISSING_IDENTIFIER;
+    from_.values.try_emplace(std::exchange(key_, {}), std::move(value)); // the first pair stays
+    expect_ = Expect::commaOrMapEnd;
+    return PARSE_PRESET_CONTINUE;
+}
+
+PresetParseResult FromClauseParser::parseCommaOrMapEnd(Cursor& line) {
+    if (line.accept('}')) {
+        expect_ = Expect::closeBrace;
+        return PARSE_PRESET_CONTINUE;
+    }
+    if (!line.accept(','))
+        return PARSE_PRESET_SYNTAX;
+    expect_ = Expect::key;
+    return PARSE_PRESET_CONTINUE;
+}
+
+} // namespace morvane

@@ -1,0 +1,50 @@
+#include "presetdef/preset_def_file.h"
+
+#include "presetdef/preset_def_parser.h"
+#include "text/line_reader.h"
+#include "text/report.h"
+
+#include <cstdint>
+#include <string>
+
+namespace morvane {
+
+using enum PresetParseResult;
+
+namespace {
+
+// Longer lines are read as several, each with a number of its own.
+constexpr std::size_t lineBufferSize = 512;
+
+void reportError(PresetParseResult result, std::string_view line, std::uint32_t lineNumber,
+                 std::uint32_t column) {
+    std::string heading(nameOf(result));
+    heading += " Error on line " + std::to_string(lineNumber) + "\n";
+    reportAtCaret(heading, line, column);
+}
+
+} // namespace
+
+PresetParseResult readPresetDefFile(const char* path, PresetDefinitions* definitions) {
+    if (path == nullptr || definitions == nullptr)
+        return PARSE_PRESET_IO_ERROR;
+    const OwnedStream stream(std::fopen(path, "r"));
+    if (!stream)
+        return PARSE_PRESET_IO_ERROR;
+    LineReader<lineBufferSize> lines(stream.get());
+    PresetDefParser parser;
+    PresetParseResult result = PARSE_PRESET_IO_ERROR;
+    std::uint32_t lineNumber = 1;
+    std::uint32_t errorColumn = 0;
+    while (const auto line = lines.next()) {
+        result = parser.parsePresetDefLine(*definitions, errorColumn, *line, lineNumber);
+        if (result != PARSE_PRESET_OK && result != PARSE_PRESET_CONTINUE) {
+            reportError(result, *line, lineNumber, errorColumn);
+            break;
+        }
+        ++lineNumber;
+    }
+    return result;
+}
+
+} // namespace morvane

@@ -1,0 +1,47 @@
+// Parses the preset definition file line by line. Knows no files: a test feeds it literals.
+#pragma once
+
+#include "presetdef/preset_definition.h"
+#include "presetdef/preset_parse_result.h"
+#include "presetdef/preset_parser.h"
+#include "presetdef/translate_parser.h"
+
+#include <cstdint>
+#include <string_view>
+
+namespace morvane {
+
+class Cursor;
+
+/// The state survives from one line to the next, so any construct may run over several lines. A new
+/// parser is at the beginning of a file.
+class PresetDefParser {
+public:
+    /// Parses one line and appends the blocks that it completes to `definitions`. After an error
+    /// the parser must not be fed again.
+    ///
+    /// @param errorColumn after an error, the byte offset at which parsing stopped: behind a word
+    ///                    that was refused, at a character that was; else left alone.
+    /// @param lineNumber  counted from 1.
+    /// @return PARSE_PRESET_OK when no block is open, PARSE_PRESET_CONTINUE when one is, or an
+    /// error.
+    PresetParseResult parsePresetDefLine(PresetDefinitions& definitions, std::uint32_t& errorColumn,
+                                         std::string_view line, std::uint32_t lineNumber);
+
+private:
+    enum class Section {
+        none,
+        translate,
+        preset
+    };
+
+    PresetParseResult parseToken(PresetDefinitions& definitions, Cursor& line);
+    PresetParseResult parseTranslate(PresetDefinitions& definitions, Cursor& line);
+    PresetParseResult parsePreset(PresetDefinitions& definitions, Cursor& line);
+
+    Section section_ = Section::none;
+    TranslateParser translate_;
+    PresetParser preset_;
+};
+
+} // namespace morvane

@@ -1,0 +1,104 @@
+// The records of the preset definition file. All lists keep file order and duplicates; names and
+// values stay as they were written. A record's line is where it began.
+#pragma once
+
+#include "presetdef/translate_section.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace morvane {
+
+/// Both ends included; `low` is not greater than `high`.
+struct ValueRange {
+    std::int32_t low = 0;
+    std::int32_t high = 0;
+
+    bool operator==(const ValueRange&) const = default;
+};
+
+/// A braced set of numbers, ranges and names.
+struct IndexValueSet {
+    enum class Kind : std::uint32_t {
+        none = 0,
+        name = 1,
+        number = 2,
+        range = 3
+    };
+
+    /// The kind of the last element. It alone decides which of the three lists counts, so a set of
+    /// mixed kinds means less than it says: `{ 1, 2..5 }` is the range alone.
+    Kind kind = Kind::none;
+    std::vector<std::string> names;
+    std::vector<std::uint32_t> numbers;
+    std::vector<ValueRange> ranges;
+
+    bool operator==(const IndexValueSet&) const = default;
+};
+
+struct IndexSelector {
+    std::string indexName;
+    bool isNot = false;
+    IndexValueSet values; ///< of kind none when no set was written
+
+    bool operator==(const IndexSelector&) const = default;
+};
+
+/// One index clause.
+struct IndexSpec {
+    std::uint32_t line = 0; ///< of the opening brace
+    bool none = false;      ///< then there are no selectors
+    std::vector<IndexSelector> selectors;
+
+    bool operator==(const IndexSpec&) const = default;
+};
+
+/// One parameter named in a list.
+struct PresetItem {
+    std::uint32_t line = 0;
+    std::string name;
+    std::vector<IndexSpec> indexSpecs;
+
+    bool operator==(const PresetItem&) const = default;
+};
+
+/// An include list adds read-only parameters to a preset, an exclude list takes read-write ones
+/// away; there are no other pairings.
+struct PresetList {
+    enum class Kind : std::uint32_t {
+        include = 0,
+        exclude = 1
+    };
+    enum class Access : std::uint32_t {
+        ro = 0,
+        rw = 1
+    };
+
+    std::uint32_t line = 0;
+    Kind kind = Kind::include;
+    Access access = Access::ro;
+    bool all = false;
+    std::vector<IndexSpec> indexSpecs; ///< clauses that are list items of their own
+    std::vector<PresetItem> items;
+
+    bool operator==(const PresetList&) const = default;
+};
+
+struct PresetDefinition {
+    std::uint32_t line = 0;
+    std::string name;
+    std::vector<PresetList> includeLists;
+    std::vector<PresetList> excludeLists;
+
+    bool operator==(const PresetDefinition&) const = default;
+};
+
+struct PresetDefinitions {
+    std::vector<TranslateSection> translateSections;
+    std::vector<PresetDefinition> presets;
+
+    bool operator==(const PresetDefinitions&) const = default;
+};
+
+} // namespace morvane

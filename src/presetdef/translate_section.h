@@ -1,0 +1,56 @@
+// The records of a translate section: how entries of preset data files that were written for an
+// older parameter set are carried over. Texts stay as they were written.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace morvane {
+
+/// Old parameters whose entries are dropped.
+struct RemovedList {
+    std::uint32_t line = 0;
+    std::vector<std::string> names;
+
+    bool operator==(const RemovedList&) const = default;
+};
+
+/// The old parameter that a current one comes from.
+struct FromMapping {
+    std::uint32_t line = 0;
+    std::string oldName;
+    std::map<std::string, std::string> values; ///< old value text to new value text
+
+    bool operator==(const FromMapping&) const = default;
+};
+
+/// How the indices of a current parameter are formed from those of an old entry.
+struct IndexMapping {
+    std::uint32_t line = 0;
+    std::uint32_t count = 0; ///< the number of indices of the old entries that this is for
+    std::vector<std::pair<std::string, std::string>> pairs; ///< index name, template text
+
+    bool operator==(const IndexMapping&) const = default;
+};
+
+struct TranslateMapping {
+    std::uint32_t line = 0;
+    std::string newName;
+    std::vector<IndexMapping> indexMappings;
+    std::vector<FromMapping> fromMappings;
+
+    bool operator==(const TranslateMapping&) const = default;
+};
+
+struct TranslateSection {
+    std::uint32_t line = 0;
+    std::vector<RemovedList> removedLists;
+    std::vector<TranslateMapping> mappings;
+
+    bool operator==(const TranslateSection&) const = default;
+};
+
+} // namespace morvane
