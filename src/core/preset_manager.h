@@ -1,0 +1,50 @@
+// The one core object of the daemon: the definition files digested into lookup tables.
+#pragma once
+
+#include "engine/tables/index_table.h"
+#include "engine/tables/key_set.h"
+#include "engine/tables/parameter_map.h"
+#include "paramdef/system_arguments.h"
+
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace morvane {
+
+class SystemParameterTable;
+struct PresetDefinitions;
+
+/// By preset name. A preset that covers no key is not there.
+using PresetTable = std::map<std::string, KeySet, std::less<>>;
+
+/// Built once, read-only afterwards.
+class PresetManager {
+public:
+    /// Reads and checks both definition files and derives the tables for the device that the
+    /// system arguments describe. Errors in the files are reported on standard output.
+    ///
+    /// If a file cannot be used, construction stops and the tables stay empty: the service is
+    /// offered all the same, knows no preset, and every request that names one is refused.
+    PresetManager(const std::string& paramDefPath, const std::string& presetDefPath,
+                  const SystemArguments& arguments);
+
+    bool is_preset(std::string_view presetName) const;
+
+    /// Says whether the preset covers exactly this key; false for an unknown preset.
+    bool in_preset(std::string_view key, std::string_view presetName) const;
+
+    /// @return the preset's keys, or null for an unknown preset; valid as long as the manager.
+    const KeySet* findPreset(std::string_view presetName) const;
+
+private:
+    void buildTables(const SystemParameterTable& parameters, const PresetDefinitions& definitions,
+                     const SystemArguments& arguments);
+
+    IndexTable indices_;
+    ParameterMap readOnly_;
+    ParameterMap readWrite_;
+    PresetTable presets_;
+};
+
+} // namespace morvane

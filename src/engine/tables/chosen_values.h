@@ -1,0 +1,43 @@
+// The values that one selector of an index clause stands for.
+#pragma once
+
+#include "engine/tables/index_table.h"
+#include "presetdef/preset_definition.h"
+
+#include <string_view>
+#include <vector>
+
+namespace morvane {
+
+/// A set of index values. Ranges stay ranges: excluding 0 to 2147483647 must not cost more than
+/// excluding 0 to 3.
+class ChosenValues {
+public:
+    ChosenValues() = default;
+
+    /// The values of a selector that gives its dimension values. Numbers, ranges and names are
+    /// taken as written, whether or not the index has such a value; with "not", the values of the
+    /// index that are none of them.
+    ///
+    /// @param indexValues the values of the selector's index; null if the index does not exist on
+    ///                    this device.
+    ChosenValues(const IndexSelector& selector, const IndexValues* indexValues);
+
+    bool empty() const { return texts_.empty() && ranges_.empty(); }
+    bool contains(std::string_view value) const;
+
+    /// Every value, in no particular order.
+    IndexValues list() const;
+
+private:
+    explicit ChosenValues(IndexValues texts);
+
+    static ChosenValues asWritten(const IndexValueSet& set, const IndexValues& indexValues);
+    bool excludes(std::string_view value) const;
+    bool rangesHold(std::int32_t number) const;
+
+    IndexValues texts_;              ///< sorted
+    std::vector<ValueRange> ranges_; ///< sorted, without overlap
+};
+
+} // namespace morvane

@@ -1,0 +1,51 @@
+#include "engine/tables/valid_values.h"
+
+#include "engine/tables/condition.h"
+#include "paramdef/evaluator.h"
+#include "paramdef/system_parameter.h"
+
+#include <optional>
+#include <utility>
+
+namespace morvane {
+
+namespace {
+
+ExprValue valueOf(const TokenList& tokens, const SystemArguments& arguments) {
+    ExprValue value;
+    evaluate(Expression{tokens, {}}, arguments, &value);
+    return value;
+}
+
+std::optional<ValidValue> itemValue(const RangeItem& item, const SystemArguments& arguments) {
+    auto low = valueOf(item.low, arguments);
+    if (low.type == ExprValue::Type::string)
+        return std::move(low.text);
+    if (low.type != ExprValue::Type::number)
+        return std::nullopt;
+    if (item.high.empty())
+        return NumberSpan{low.number, low.number};
+    const auto high = valueOf(item.high, arguments);
+    if (high.type != ExprValue::Type::number)
+        return std::nullopt;
+    return NumberSpan{low.number, high.number};
+}
+
+} // namespace
+
+std::vector<ValidValue> validValues(const SystemParameter& parameter,
+                                    const SystemParameterTable& parameters,
+                                    const SystemArguments& arguments) {
+    std::vector<ValidValue> values;
+    for (const auto& range : parameter.rangeValid) {
+        if (!conditionHolds(range.condition, parameters, arguments))
+            continue;
+        for (const auto& item : range.items) {
+            if (auto value = itemValue(item, arguments))
+                values.push_back(std::move(*value));
+        }
+    }
+    return values;
+}
+
+} // namespace morvane

@@ -1,0 +1,34 @@
+// What the ranges of a parameter come to on this device.
+#pragma once
+
+#include "paramdef/expression.h"
+#include "paramdef/system_arguments.h"
+
+#include <cstdint>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace morvane {
+
+class SystemParameterTable;
+struct SystemParameter;
+
+/// All numbers from `low` to `high`; none if `high` is below `low`.
+struct NumberSpan {
+    std::int32_t low = 0;
+    std::int32_t high = 0;
+
+    bool operator==(const NumberSpan&) const = default;
+};
+
+/// What one item of a range stands for.
+using ValidValue = std::variant<NumberSpan, std::string>;
+
+/// The items of those `rangeValid` attributes whose condition holds, in file order. An item that
+/// cannot be computed is left out.
+std::vector<ValidValue> validValues(const SystemParameter& parameter,
+                                    const SystemParameterTable& parameters,
+                                    const SystemArguments& arguments);
+
+} // namespace morvane
