@@ -1,0 +1,17 @@
+// The rule by which every Parameter Handler operation of a request is tried again.
+#pragma once
+
+#include <functional>
+
+namespace morvane {
+
+/// Calls `operation` until it succeeds, at most 10 times and one second apart. Logs every failure
+/// and, after the tenth, that the Parameter Handler is lost.
+///
+/// The pauses block the whole service: requests are served strictly one after another.
+///
+/// @param name of the operation, for the log.
+/// @return whether the operation succeeded.
+bool withRetries(const char* name, const std::function<bool()>& operation);
+
+} // namespace morvane

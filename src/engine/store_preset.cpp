@@ -1,0 +1,126 @@
+#include "engine/store_preset.h"
+
+#include "core/preset_manager.h"
+#include "engine/parameter_operations.h"
+#include "engine/preset_backup.h"
+#include "engine/preset_file.h"
+#include "engine/retry.h"
+
+#include <syslog.h>
+
+#include <algorithm>
+#include <cassert>
+#include <iterator>
+#include <utility>
+
+namespace morvane {
+
+namespace {
+
+/// What the two operations say differently in the log.
+struct StoreWords {
+    const char* operation;
+    const char* done;
+};
+
+PresetEntryList entriesOf(const KeySet& keys, std::vector<std::string> values) {
+    assert(values.size() == keys.size());
+    PresetEntryList entries;
+    entries.reserve(values.size());
+    auto value = values.begin();
+    for (const auto& key : keys) {
+        auto entry = parsePresetKey(key);
+        entry.value = std::move(*value++);
+        entries.push_back(std::move(entry));
+    }
+    return entries;
+}
+
+bool startTransaction(const ParameterOperations& handler, Transaction& transaction) {
+    return withRetries("parm_start_trans", [&] { return handler.parm_start_trans(transaction); });
+}
+
+bool readValues(const ParameterOperations& handler, Transaction transaction, const KeySet& keys,
+                std::vector<std::string>& values) {
+    return withRetries("parm_get", [&] { return handler.parm_get(transaction, keys, values); });
+}
+
+bool endTransaction(const ParameterOperations& handler, Transaction transaction) {
+    return withRetries("parm_end_trans", [&] { return handler.parm_end_trans(transaction); });
+}
+
+bool writeEntries(const StoreWords& words, const PresetEntryList& entries,
+                  const std::string& presetName, const std::string& filePath) {
+    std::FILE* stream = nullptr;
+    if (!openPresetForWrite(filePath, stream) || stream == nullptr) {
+        syslog(LOG_ERR, "%s(): Error opening file %s\n", words.operation, filePath.c_str());
+        return false;
+    }
+    // An empty value ends the file, which is no error; a stream that refused a line shows at close.
+    writePresetFile(stream, entries);
+    // Whoever reads the log for this line finds it before the close and without a line feed.
+    syslog(LOG_INFO, "%s(): %s %s %s", words.operation, presetName.c_str(), words.done,
+           filePath.c_str());
+    return closePresetAfterWrite(filePath, stream);
+}
+
+// The transaction ends only after the file is safe; whatever fails before leaves it open.
+bool storeKeys(const StoreWords& words, const ParameterOperations& handler, Transaction transaction,
+               const KeySet& keys, const std::string& presetName, const std::string& filePath) {
+    std::vector<std::string> values;
+    return readValues(handler, transaction, keys, values) &&
+           writeEntries(words, entriesOf(keys, std::move(values)), presetName, filePath) &&
+           endTransaction(handler, transaction);
+}
+
+} // namespace
+
+bool storePreset(const ParameterOperations* handler, const std::string& presetName,
+                 const std::string& filePath, const PresetManager& manager) {
+    constexpr StoreWords words{"storePreset", "preset stored in"};
+    if (handler == nullptr)
+        return false;
+    const auto* const keys = manager.findPreset(presetName);
+    if (keys == nullptr || keys->empty()) {
+        syslog(LOG_ERR, "storePreset(): Could not locate '%s' preset definition\n",
+               presetName.c_str());
+        return false;
+    }
+    Transaction transaction = 0;
+    return startTransaction(*handler, transaction) &&
+           storeKeys(words, *handler, transaction, *keys, presetName, filePath);
+}
+
+bool storeSubPreset(const ParameterOperations* handler, const KeySet& subPresetKeys,
+                    const std::string& presetName, const std::string& filePath,
+                    const PresetManager& manager) {
+    constexpr StoreWords words{"storeSubPreset", "sub-preset store completed in"};
+    if (handler == nullptr)
+        return false;
+    if (subPresetKeys.empty()) {
+        syslog(LOG_ERR, "storeSubPreset(): Sub-preset list is empty.\n");
+        return false;
+    }
+    const auto* const presetKeys = manager.findPreset(presetName);
+    if (presetKeys == nullptr) {
+        syslog(LOG_ERR, "storeSubPreset(): Preset definition %s does not exist.\n",
+               presetName.c_str());
+        return false;
+    }
+    Transaction transaction = 0;
+    if (!startTransaction(*handler, transaction))
+        return false;
+    std::vector<std::string> keys;
+    std::copy_if(subPresetKeys.begin(), subPresetKeys.end(), std::back_inserter(keys),
+                 [&](const std::string& key) { return presetKeys->contains(key); });
+    if (keys.empty()) {
+        syslog(LOG_ERR,
+               "storeSubPreset(): Sub-preset list contains no entries belonging to the %s preset "
+               "definition.\n",
+               presetName.c_str());
+        return false;
+    }
+    return storeKeys(words, *handler, transaction, KeySet(std::move(keys)), presetName, filePath);
+}
+
+} // namespace morvane

@@ -1,0 +1,115 @@
+#include "support/file_recorder.h"
+
+#include <climits>
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+
+namespace morvane::test {
+
+namespace {
+
+FileRecorder* active = nullptr;
+
+std::string lastComponent(const std::string& path) {
+    return path.substr(path.rfind('/') + 1);
+}
+
+std::string nameOf(int descriptor) {
+    const auto link = "/proc/self/fd/" + std::to_string(descriptor);
+    std::array<char, PATH_MAX> target{};
+    if (readlink(link.c_str(), target.data(), target.size() - 1) < 0)
+        return "?";
+    return lastComponent(target.data());
+}
+
+// Notes a call; sets errno and returns true if it is to fail.
+bool fails(const std::string& call) {
+    if (active == nullptr)
+        return false;
+    const int error = active->note(call);
+    if (error != 0)
+        errno = error;
+    return error != 0;
+}
+
+// The C library's own function behind one that is defined here.
+template <typename Function>
+Function* original(const char* name) {
+    void* const symbol = dlsym(RTLD_NEXT, name);
+    if (symbol == nullptr)
+        std::abort();
+    return reinterpret_cast<Function*>(symbol);
+}
+
+} // namespace
+
+FileRecorder::FileRecorder() {
+    active = this;
+}
+
+FileRecorder::~FileRecorder() {
+    active = nullptr;
+}
+
+void FileRecorder::fail(const std::string& call, int error, int count) {
+    failures_.push_back({call, error, count});
+}
+
+int FileRecorder::note(const std::string& call) {
+    calls_.push_back(call);
+    int error = 0;
+    for (auto& failure : failures_) {
+        if (failure.call == call && failure.count-- == 0)
+            error = failure.error;
+    }
+    return error;
+}
+
+} // namespace morvane::test
+
+// The program's own definitions win over the C library's.
+extern "C" {
+
+int rename(const char* from, const char* to) {
+    using morvane::test::lastComponent;
+    if (morvane::test::fails("rename " + lastComponent(from) + " " + lastComponent(to)))
+        return -1;
+    return morvane::test::original<int(const char*, const char*)>("rename")(from, to);
+}
+
+int remove(const char* path) {
+    if (morvane::test::fails("remove " + morvane::test::lastComponent(path)))
+        return -1;
+    return morvane::test::original<int(const char*)>("remove")(path);
+}
+
+std::FILE* fopen(const char* path, const char* mode) {
+    if (morvane::test::fails("fopen " + morvane::test::lastComponent(path)))
+        return nullptr;
+    return morvane::test::original<std::FILE*(const char*, const char*)>("fopen")(path, mode);
+}
+
+int fsync(int descriptor) {
+    if (morvane::test::active != nullptr &&
+        morvane::test::fails("fsync " + morvane::test::nameOf(descriptor)))
+        return -1;
+    return morvane::test::original<int(int)>("fsync")(descriptor);
+}
+
+int fclose(std::FILE* stream) {
+    const bool fails = morvane::test::active != nullptr &&
+                       morvane::test::fails("fclose " + morvane::test::nameOf(fileno(stream)));
+    const int error = errno;
+    const int result = morvane::test::original<int(std::FILE*)>("fclose")(stream);
+    if (!fails)
+        return result;
+    errno = error;
+    return EOF;
+}
+}

@@ -1,0 +1,51 @@
+#include "support/log_recorder.h"
+
+#include <syslog.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+#include <ostream>
+#include <utility>
+
+namespace morvane::test {
+
+namespace {
+
+std::vector<LogRecord> log;
+std::vector<unsigned> sleeps;
+
+} // namespace
+
+std::vector<LogRecord> takeLog() {
+    return std::exchange(log, {});
+}
+
+std::vector<unsigned> takeSleeps() {
+    return std::exchange(sleeps, {});
+}
+
+void PrintTo(const LogRecord& record, std::ostream* out) {
+    *out << (record.priority == LOG_ERR ? "error \"" : "info \"") << record.text << '"';
+}
+
+} // namespace morvane::test
+
+// The program's own definitions win over the C library's.
+extern "C" {
+
+__attribute__((format(printf, 2, 3))) void syslog(int priority, const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::array<char, 4096> text{};
+    std::vsnprintf(text.data(), text.size(), format, arguments);
+    va_end(arguments);
+    morvane::test::log.push_back({priority, text.data()});
+}
+
+unsigned sleep(unsigned seconds) {
+    morvane::test::sleeps.push_back(seconds);
+    return 0;
+}
+}

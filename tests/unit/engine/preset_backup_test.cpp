@@ -1,0 +1,315 @@
+#include "engine/preset_backup.h"
+#include "support/file_recorder.h"
+#include "support/log_recorder.h"
+#include "support/temp_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <string>
+#include <vector>
+
+namespace morvane {
+namespace {
+
+using Log = std::vector<test::LogRecord>;
+
+class PresetBackup : public testing::Test {
+protected:
+    PresetBackup() { test::takeLog(); }
+
+    const test::TempFolder folder_;
+    const std::string path_ = folder_.path("p");
+    const std::string folderName_ =
+        path_.substr(0, path_.size() - 2).substr(path_.substr(0, path_.size() - 2).rfind('/') + 1);
+
+    // Stores `text`; false and no stream are the writing side's ways to fail.
+    bool store(const std::string& text) const {
+        std::FILE* stream = nullptr;
+        if (!openPresetForWrite(path_, stream) || stream == nullptr)
+            return false;
+        std::fputs(text.c_str(), stream);
+        return closePresetAfterWrite(path_, stream);
+    }
+
+    // What a reader of the preset finds; "(none)" without a stream, "(failed)" after a failure.
+    std::string load() const {
+        std::FILE* stream = nullptr;
+        if (!openPresetForRead(path_, stream))
+            return stream == nullptr ? "(failed)" : "(failed with a stream)";
+        if (stream == nullptr)
+            return "(none)";
+        std::string text;
+        for (int c = std::fgetc(stream); c != EOF; c = std::fgetc(stream))
+            text += static_cast<char>(c);
+        std::fclose(stream);
+        return text;
+    }
+
+    test::LogRecord writeError() const { return {LOG_ERR, "Error writing file " + path_}; }
+    test::LogRecord renameError() const {
+        return {LOG_ERR, "Error renaming file " + path_ + " to " + path_ + "_bak"};
+    }
+    test::LogRecord removeError() const {
+        return {LOG_ERR, "Error removing file " + path_ + "_bak"};
+    }
+    static test::LogRecord found() { return {LOG_INFO, "Backup preset file found.\n"}; }
+};
+
+TEST_F(PresetBackup, StoresInAnOrderThatAPowerCutCannotHurt) {
+    folder_.write("p", "old");
+    test::FileRecorder files;
+    EXPECT_TRUE(store("new"));
+    EXPECT_EQ(files.calls(),
+              (std::vector<std::string>{"rename p p_bak", "fsync " + folderName_, "fopen p",
+                                        "fsync p", "fclose p", "fsync " + folderName_,
+                                        "remove p_bak", "fsync " + folderName_}));
+    EXPECT_EQ(folder_.read("p"), "new");
+    EXPECT_FALSE(folder_.exists("p_bak"));
+    EXPECT_EQ(test::takeLog(), Log{});
+}
+
+TEST_F(PresetBackup, StoresAFileThatWasNotThere) {
+    EXPECT_TRUE(store("new"));
+    EXPECT_EQ(folder_.read("p"), "new");
+    EXPECT_FALSE(folder_.exists("p_bak"));
+    EXPECT_EQ(test::takeLog(), Log{});
+}
+
+TEST_F(PresetBackup, StoresAFileWithoutAFolderInItsPath) {
+    std::array<char, 4096> before{};
+    ASSERT_NE(getcwd(before.data(), before.size()), nullptr);
+    ASSERT_EQ(chdir(folder_.path(".").c_str()), 0);
+    std::FILE* stream = nullptr;
+    test::FileRecorder files;
+    EXPECT_TRUE(openPresetForWrite("p", stream));
+    EXPECT_TRUE(closePresetAfterWrite("p", stream));
+    ASSERT_EQ(chdir(before.data()), 0);
+    EXPECT_TRUE(folder_.exists("p"));
+    EXPECT_EQ(files.calls().at(1), "fsync " + folderName_);
+}
+
+TEST_F(PresetBackup, ReplacesAStaleBackup) {
+    folder_.write("p", "current");
+    folder_.write("p_bak", "stale");
+    std::FILE* stream = nullptr;
+    EXPECT_TRUE(openPresetForWrite(path_, stream));
+    EXPECT_EQ(folder_.read("p_bak"), "current");
+    EXPECT_TRUE(closePresetAfterWrite(path_, stream));
+    EXPECT_FALSE(folder_.exists("p_bak"));
+}
+
+TEST_F(PresetBackup, KeepsABackupWithoutAFileUntilTheNewFileIsComplete) {
+    folder_.write("p_bak", "only copy");
+    std::FILE* stream = nullptr;
+    EXPECT_TRUE(openPresetForWrite(path_, stream));
+    EXPECT_EQ(folder_.read("p_bak"), "only copy");
+    EXPECT_TRUE(closePresetAfterWrite(path_, stream));
+    EXPECT_FALSE(folder_.exists("p_bak"));
+}
+
+TEST_F(PresetBackup, FailsWhenTheBackupCannotBeMade) {
+    folder_.write("p", "old");
+    test::FileRecorder files;
+    files.fail("rename p p_bak", EACCES);
+    std::FILE* stream = stderr;
+    EXPECT_FALSE(openPresetForWrite(path_, stream));
+    EXPECT_EQ(stream, nullptr);
+    EXPECT_EQ(folder_.read("p"), "old");
+    EXPECT_EQ(test::takeLog(), Log{renameError()});
+}
+
+TEST_F(PresetBackup, FailsWhenTheRenamingDoesNotReachTheDisk) {
+    folder_.write("p", "old");
+    test::FileRecorder files;
+    files.fail("fsync " + folderName_, EIO);
+    EXPECT_FALSE(store("new"));
+    EXPECT_EQ(test::takeLog(), Log{renameError()});
+    EXPECT_EQ(load(), "old");
+}
+
+TEST_F(PresetBackup, SucceedsWithoutAStreamWhenTheFileCannotBeCreated) {
+    folder_.write("p", "old");
+    test::FileRecorder files;
+    files.fail("fopen p", EACCES);
+    std::FILE* stream = stderr;
+    EXPECT_TRUE(openPresetForWrite(path_, stream));
+    EXPECT_EQ(stream, nullptr);
+    EXPECT_EQ(test::takeLog(), Log{});
+    EXPECT_EQ(load(), "old");
+}
+
+struct KeepFailure {
+    const char* call;
+    int error;
+    int count;
+};
+
+// The old file comes back, whichever way the new one is lost.
+TEST_F(PresetBackup, PutsTheOldFileBackWhenTheNewOneCannotBeKept) {
+    const auto syncFolder = "fsync " + folderName_;
+    for (const auto& [call, error, count] :
+         {KeepFailure{"fsync p", EIO, 0}, KeepFailure{"fsync p", ENOSPC, 0},
+          KeepFailure{"fclose p", EIO, 0}, KeepFailure{syncFolder.c_str(), EIO, 1},
+          KeepFailure{syncFolder.c_str(), ENOSPC, 1}, KeepFailure{syncFolder.c_str(), EDQUOT, 1}}) {
+        SCOPED_TRACE(call);
+        folder_.write("p", "old");
+        {
+            test::FileRecorder files;
+            files.fail(call, error, count);
+            EXPECT_FALSE(store("new"));
+            EXPECT_EQ(files.calls().back(), "fsync " + folderName_) << "and it stays back";
+        }
+        EXPECT_EQ(test::takeLog(), Log{writeError()});
+        EXPECT_EQ(folder_.read("p"), "old");
+        EXPECT_FALSE(folder_.exists("p_bak"));
+    }
+}
+
+TEST_F(PresetBackup, RemovesTheHalfWrittenFileWhenThereIsNoOldOne) {
+    test::FileRecorder files;
+    files.fail("fsync p", EIO);
+    EXPECT_FALSE(store("new"));
+    EXPECT_EQ(test::takeLog(), Log{writeError()});
+    EXPECT_FALSE(folder_.exists("p"));
+    EXPECT_FALSE(folder_.exists("p_bak"));
+}
+
+// Lets no file grow beyond so many bytes, as a full disk would.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit limit{bytes, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, SIG_DFL);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+private:
+    rlimit before_{};
+};
+
+// A small file fails when its buffer is flushed at the end, a large one while it is written.
+TEST_F(PresetBackup, KeepsTheOldFileWhenTheDiskIsFull) {
+    for (const std::size_t size : {100U, 1'000'000U}) {
+        SCOPED_TRACE(size);
+        folder_.write("p", "old");
+        bool stored = true;
+        {
+            const FileSizeLimit limit(10);
+            stored = store(std::string(size, 'x'));
+        }
+        EXPECT_FALSE(stored);
+        EXPECT_EQ(test::takeLog(), Log{writeError()});
+        EXPECT_EQ(folder_.read("p"), "old");
+        EXPECT_FALSE(folder_.exists("p_bak"));
+    }
+}
+
+TEST_F(PresetBackup, TakesAFolderThatCannotBeSyncedForSafeEnough) {
+    for (const int error : {EINVAL, EROFS, ENOTSUP}) {
+        folder_.write("p", "old");
+        test::FileRecorder files;
+        for (int count = 0; count < 3; ++count)
+            files.fail("fsync " + folderName_, error);
+        EXPECT_TRUE(store("new")) << error;
+        EXPECT_EQ(test::takeLog(), Log{});
+    }
+}
+
+TEST_F(PresetBackup, FailsWhenTheBackupCannotBeRemoved) {
+    folder_.write("p", "old");
+    test::FileRecorder files;
+    files.fail("remove p_bak", EACCES);
+    EXPECT_FALSE(store("new"));
+    EXPECT_EQ(test::takeLog(), Log{removeError()});
+    EXPECT_EQ(folder_.read("p"), "new");
+}
+
+TEST_F(PresetBackup, FailsWhenTheRemovalDoesNotReachTheDisk) {
+    folder_.write("p", "old");
+    test::FileRecorder files;
+    files.fail("fsync " + folderName_, EIO, 2);
+    EXPECT_FALSE(store("new"));
+    EXPECT_EQ(test::takeLog(), Log{removeError()});
+    EXPECT_EQ(folder_.read("p"), "new");
+}
+
+TEST_F(PresetBackup, ReadsAFileWithoutABackup) {
+    folder_.write("p", "file");
+    EXPECT_EQ(load(), "file");
+    EXPECT_EQ(test::takeLog(), Log{});
+}
+
+TEST_F(PresetBackup, RestoresABackupBesideAHalfWrittenFile) {
+    folder_.write("p", "half");
+    folder_.write("p_bak", "backup");
+    EXPECT_EQ(load(), "backup");
+    EXPECT_EQ(folder_.read("p"), "backup");
+    EXPECT_FALSE(folder_.exists("p_bak"));
+    EXPECT_EQ(test::takeLog(), Log{found()});
+}
+
+TEST_F(PresetBackup, RestoresABackupWithoutAFile) {
+    folder_.write("p_bak", "backup");
+    EXPECT_EQ(load(), "backup");
+    EXPECT_FALSE(folder_.exists("p_bak"));
+    EXPECT_EQ(test::takeLog(), Log{found()});
+}
+
+TEST_F(PresetBackup, IgnoresABackupThatIsAFolder) {
+    folder_.write("p", "file");
+    ASSERT_EQ(mkdir(folder_.path("p_bak").c_str(), 0700), 0);
+    EXPECT_EQ(load(), "file");
+    EXPECT_EQ(test::takeLog(), Log{});
+}
+
+TEST_F(PresetBackup, FailsToReadWhenTheHalfWrittenFileCannotBeRemoved) {
+    folder_.write("p", "half");
+    folder_.write("p_bak", "backup");
+    test::FileRecorder files;
+    files.fail("remove p", EACCES);
+    EXPECT_EQ(load(), "(failed)");
+    EXPECT_EQ(test::takeLog(), Log{found()});
+    EXPECT_EQ(folder_.read("p_bak"), "backup");
+}
+
+TEST_F(PresetBackup, FailsToReadWhenTheBackupCannotBePutBack) {
+    folder_.write("p_bak", "backup");
+    test::FileRecorder files;
+    files.fail("rename p_bak p", ENOENT);
+    EXPECT_EQ(load(), "(failed)");
+    EXPECT_EQ(test::takeLog(), Log{found()});
+}
+
+TEST_F(PresetBackup, HasNothingToReadWithoutAFile) {
+    EXPECT_EQ(load(), "(none)");
+    EXPECT_EQ(test::takeLog(), Log{});
+}
+
+TEST_F(PresetBackup, ReadsNothingButRegularFiles) {
+    ASSERT_EQ(mkdir(path_.c_str(), 0700), 0);
+    EXPECT_EQ(load(), "(none)") << "a folder";
+    ASSERT_EQ(rmdir(path_.c_str()), 0);
+    ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
+    EXPECT_EQ(load(), "(none)") << "a FIFO, which must not block";
+    ASSERT_EQ(unlink(path_.c_str()), 0);
+    ASSERT_EQ(symlink("/dev/zero", path_.c_str()), 0);
+    EXPECT_EQ(load(), "(none)") << "a device";
+}
+
+} // namespace
+} // namespace morvane
