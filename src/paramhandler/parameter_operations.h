@@ -1,0 +1,68 @@
+// The operations on many parameters at once that the preset engine is built on.
+//
+// Each turns a collection into one remote call: the one-parameter method for one entry, the bulk
+// method for several, none for an empty collection, which succeeds. `transaction` is borrowed; null
+// acts outside a transaction. Results: true when the call succeeded, false when the Parameter
+// Handler refused it, when it cannot be sent, or when there is no proxy. Every failure but the last
+// is logged. A call that failed on its way is repeated, at once and without limit.
+#pragma once
+
+#include "paramhandler/connection.h"
+
+#include <glib.h>
+
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace morvane {
+
+/// What a set request sends for each parameter: its name and its value.
+using NameValue = std::pair<std::string, std::string>;
+
+/// The argument of the bulk get methods whose meaning only the Parameter Handler knows; this value
+/// asks for nothing special.
+constexpr guint32 bulkGetOption = 0;
+
+bool parm_start_trans(DBusGProxy* proxy, guint32& transaction);
+bool parm_end_trans(DBusGProxy* proxy, guint32 transaction);
+
+/// @param option see `bulkGetOption`.
+/// @param values replaced by one value for each name, in their order; left alone by a failure.
+bool parm_get(DBusGProxy* proxy, const guint32* transaction, guint32 option,
+              std::span<const std::string> names, std::vector<std::string>& values);
+
+/// Sets read-write parameters, in list order.
+bool parm_set(DBusGProxy* proxy, const guint32* transaction, std::span<const NameValue> request);
+
+/// Sets the status values of read-only parameters, in list order.
+bool parm_set_status(DBusGProxy* proxy, const guint32* transaction,
+                     std::span<const NameValue> request);
+
+/// Puts read-write parameters back to their defaults.
+bool parm_reset(DBusGProxy* proxy, const guint32* transaction, std::span<const std::string> names);
+
+/// Puts the status values of read-only parameters back to their defaults.
+bool parm_reset_status(DBusGProxy* proxy, const guint32* transaction,
+                       std::span<const std::string> names);
+
+/// Asks whether a value could be set.
+/// @param accepted the answer; left alone by a failure.
+bool parm_check_set(DBusGProxy* proxy, const guint32* transaction, const std::string& name,
+                    const std::string& value, bool& accepted);
+
+/// Sends the commit and returns at once; `commitCallback` ends the transaction later.
+/// @return false only without a proxy.
+bool parm_commit(DBusGProxy* proxy, guint32 transaction);
+
+/// Commits, waits for the answer, and ends the transaction in every case.
+/// @return whether both succeeded. A failed commit is not repeated.
+bool parm_commit_sync(DBusGProxy* proxy, guint32 transaction);
+
+/// Completes an asynchronous commit: logs the error, if there is one, and ends the transaction.
+/// @param error       null if the commit succeeded; freed here.
+/// @param transaction the identifier, packed into a pointer.
+void commitCallback(DBusGProxy* proxy, GError* error, gpointer transaction);
+
+} // namespace morvane
