@@ -1,0 +1,21 @@
+// Claims the service's name on the session bus, exports its object and serves.
+#pragma once
+
+#include "paramhandler/connection.h"
+
+#include <cstdint>
+
+namespace morvane {
+
+class PresetManager;
+
+/// Serves until "die" is called. A failure before that is logged and ends the process with
+/// status 1; a failure to detach aborts it.
+///
+/// @param parameterHandler borrowed, as is `manager`; both must outlive the call.
+/// @param daemonize        other than 0: detach into the background before serving.
+/// @return 1, always: it becomes the exit status, and service managers rely on it.
+std::int32_t run_server(DBusGProxy* parameterHandler, PresetManager& manager,
+                        std::int32_t daemonize);
+
+} // namespace morvane

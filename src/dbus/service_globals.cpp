@@ -1,0 +1,7 @@
+#include "dbus/service_globals.h"
+
+namespace morvane {
+
+ServiceGlobals service;
+
+} // namespace morvane
