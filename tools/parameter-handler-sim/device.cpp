@@ -1,0 +1,82 @@
+#include "device.h"
+
+#include "engine/tables/condition.h"
+#include "engine/tables/preset_generate.h"
+#include "paramdef/evaluator.h"
+#include "text/number.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace morvane::sim {
+
+namespace {
+
+bool accepts(const ValidValue& valid, const std::string& value) {
+    if (const auto* const text = std::get_if<std::string>(&valid))
+        return value == *text;
+    const auto& span = std::get<NumberSpan>(valid);
+    const auto number = value.empty() ? std::nullopt : wholeNumber(value);
+    return number && span.low <= *number && *number <= span.high;
+}
+
+// A parameter without a default starts at the first of its valid values. It never starts empty:
+// an empty value would end every preset file that it is stored in.
+std::string firstValue(const std::vector<ValidValue>& valid) {
+    constexpr const char* nothingValid = "0";
+    if (valid.empty())
+        return nothingValid;
+    if (const auto* const text = std::get_if<std::string>(&valid.front()))
+        return *text;
+    return decimalText(std::get<NumberSpan>(valid.front()).low);
+}
+
+// Of several defaults, the first whose condition holds.
+std::string defaultValue(const SystemParameter& parameter, const std::vector<ValidValue>& valid,
+                         const SystemParameterTable& parameters, const SystemArguments& arguments) {
+    for (const auto& candidate : parameter.defaults) {
+        ExprValue value;
+        if (!conditionHolds(candidate.condition, parameters, arguments))
+            continue;
+        evaluate(candidate.value, arguments, &value);
+        if (value.type == ExprValue::Type::number)
+            return decimalText(value.number);
+        if (value.type == ExprValue::Type::string)
+            return value.text;
+    }
+    return firstValue(valid);
+}
+
+} // namespace
+
+bool DeviceParameter::accepts(const std::string& value) const {
+    return !isRanged || std::any_of(valid.begin(), valid.end(), [&](const ValidValue& item) {
+        return sim::accepts(item, value);
+    });
+}
+
+Device::Device(const SystemParameterTable& parameters, const SystemArguments& arguments) {
+    constexpr std::array selectors{AccessSelector::readOnly, AccessSelector::writeOnly,
+                                   AccessSelector::readWrite};
+    const auto indices = PresetGenerate::indexTable(parameters, arguments);
+    for (const auto selector : selectors) {
+        for (const auto& [name, indexNames] :
+             PresetGenerate::parameterMap(parameters, arguments, selector)) {
+            const auto& definition = *parameters.find(name);
+            auto valid = validValues(definition, parameters, arguments);
+            auto start = defaultValue(definition, valid, parameters, arguments);
+            parameters_.push_back({definition.access, !definition.rangeValid.empty(),
+                                   std::move(valid), std::move(start)});
+            for (const auto& key : PresetGenerate::parameterKeys(indices, name, indexNames))
+                keys_.emplace(key, &parameters_.back());
+        }
+    }
+}
+
+const DeviceParameter* Device::find(const std::string& key) const {
+    const auto found = keys_.find(key);
+    return found == keys_.end() ? nullptr : found->second;
+}
+
+} // namespace morvane::sim
