@@ -1,0 +1,68 @@
+"""Fixtures: everything that a test started is gone when it ends."""
+
+import pytest
+from harness import Bus, Client, Daemon, Simulator
+
+PARAMETERS = """\
+input index { rangeValid { 1..3 } }
+gain rw { index { input } rangeValid { -60..12 } default { 0 } }
+mode rw { rangeValid { "auto", "off", 1..3 } default { "auto" } }
+temperature ro { default { 40 } }
+serial rostrict { default { "A-17" } }
+trigger wo { rangeValid { 0..1 } default { 0 } }
+"""
+PRESETS = """\
+scene preset { include ro { temperature } }
+single preset { exclude rw { gain } }
+nothing preset { exclude rw { all } }
+"""
+
+
+class World:
+    """A bus and what runs on it. Definition files are written where they are used."""
+
+    def __init__(self, folder):
+        self.folder = folder
+        self.bus = Bus()
+        self.started = []
+        self.parameters = self.write("parameters.def", PARAMETERS)
+        self.presets = self.write("presets.def", PRESETS)
+
+    def write(self, name, text):
+        path = self.folder / name
+        path.write_bytes(text if isinstance(text, bytes) else text.encode())
+        return path
+
+    def client(self):
+        client = Client(self.bus)
+        self.started.append(client.close)
+        return client
+
+    def simulator(self, *arguments, parameters=None, **options):
+        simulator = Simulator(self.bus, self.folder, parameters or self.parameters, *arguments,
+                              **options)
+        self.started.append(simulator.stop)
+        return simulator
+
+    def launch(self, *arguments, parameters=None, presets=None, **options):
+        """Starts the daemon and does not wait for it."""
+        daemon = Daemon(self.bus, self.folder, parameters or self.parameters,
+                        presets or self.presets, *arguments, **options)
+        self.started.append(daemon.kill)
+        return daemon
+
+    def daemon(self, *arguments, **options):
+        """Starts the daemon and waits until it serves."""
+        return self.launch(*arguments, **options).wait_ready()
+
+    def close(self):
+        for stop in reversed(self.started):
+            stop()
+        self.bus.stop()
+
+
+@pytest.fixture
+def world(tmp_path):
+    world = World(tmp_path)
+    yield world
+    world.close()

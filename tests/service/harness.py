@@ -1,0 +1,262 @@
+"""The processes around one service test: a private bus, the simulator, the daemon, a client.
+
+Nothing outside the test's own folder is touched: the bus is private and the daemon's system log and
+pauses go to a file, through a preloaded library. All waiting is for an event, with a deadline.
+"""
+
+import os
+import re
+import signal
+import subprocess
+import time
+from dataclasses import dataclass
+from pathlib import Path
+
+from gi.repository import Gio, GLib
+
+SOURCE = Path(__file__).parents[2]
+BUILD = Path(os.environ["MORVANE_BUILD_DIR"])
+DAEMON = BUILD / "morvane"
+SIMULATOR = BUILD / "parameter-handler-sim"
+SHIM = BUILD / "tests/service/shim/libmorvane-test-shim.so"
+BUS_CONFIG = Path(__file__).parent / "bus.conf"
+
+DEADLINE_SECONDS = 60
+ERROR, INFO = 3, 6  # the priorities of syslog.h
+
+
+@dataclass(frozen=True)
+class Pause:
+    """A call of sleep."""
+
+    seconds: int
+
+
+def wait_until(condition, what):
+    """Returns the first true answer of `condition`; fails the test after the deadline."""
+    end = time.monotonic() + DEADLINE_SECONDS
+    while time.monotonic() < end:
+        answer = condition()
+        if answer:
+            return answer
+        time.sleep(0.005)
+    raise AssertionError(f"waited in vain for {what}")
+
+
+class Bus:
+    """A private session bus."""
+
+    def __init__(self):
+        self.process = subprocess.Popen(
+            ["dbus-daemon", f"--config-file={BUS_CONFIG}", "--nofork", "--print-address"],
+            stdout=subprocess.PIPE, text=True)
+        self.address = self.process.stdout.readline().strip()
+
+    def stop(self):
+        self.process.terminate()  # which lets it remove its socket
+        self.process.wait()
+        self.process.stdout.close()
+
+    def environment(self, **more):
+        return {**os.environ, "DBUS_SESSION_BUS_ADDRESS": self.address, **more}
+
+
+@dataclass(frozen=True)
+class RemoteError:
+    """An error reply."""
+
+    name: str
+    message: str
+
+
+class Client:
+    """A connection to the bus."""
+
+    def __init__(self, bus):
+        self.connection = Gio.DBusConnection.new_for_address_sync(
+            bus.address,
+            Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT
+            | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION, None, None)
+        self.connection.set_exit_on_close(False)
+
+    def start_call(self, destination, path, interface, method, signature="()", *arguments,
+                   timeout_seconds=DEADLINE_SECONDS):
+        """Sends a call. What is returned waits for the answer when it is called: the reply's
+        values, alone if there is one, or a RemoteError for an error reply."""
+        loop, results = GLib.MainLoop(), []
+
+        def done(_, result):
+            results.append(result)
+            loop.quit()
+
+        def answer():
+            if not results:
+                loop.run()
+            return self._answer(results[0])
+
+        self.connection.call(
+            destination, path, interface, method, GLib.Variant(signature, arguments), None,
+            Gio.DBusCallFlags.NO_AUTO_START, timeout_seconds * 1000, None, done)
+        self.connection.flush_sync(None)
+        return answer
+
+    def _answer(self, result):
+        try:
+            values = self.connection.call_finish(result).unpack()
+        except GLib.Error as error:
+            name = Gio.DBusError.get_remote_error(error)
+            if name is None:
+                raise
+            return RemoteError(name, error.message.removeprefix(f"GDBus.Error:{name}: "))
+        return values[0] if len(values) == 1 else values
+
+    def call(self, *arguments, **options):
+        """Sends a call and returns its answer."""
+        return self.start_call(*arguments, **options)()
+
+    def start_preset(self, method, *arguments):
+        """Sends a call to the preset service; strings and lists of strings only."""
+        signature = "(" + "".join("s" if isinstance(a, str) else "as" for a in arguments) + ")"
+        return self.start_call("org.norvix.preset", "/preset", "org.norvix.preset", method,
+                               signature, *arguments)
+
+    def preset(self, method, *arguments):
+        """Calls a method of the preset service."""
+        return self.start_preset(method, *arguments)()
+
+    def handler(self, method, signature="()", *arguments):
+        """Calls a method of the Parameter Handler."""
+        return self.call("org.norvix.transaction", "/transaction", "org.norvix.transaction",
+                         method, signature, *arguments)
+
+    def driver(self, method, signature="()", *arguments):
+        return self.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                         method, signature, *arguments)
+
+    def owns(self, name):
+        return self.driver("NameHasOwner", "(s)", name)
+
+    def close(self):
+        if not self.connection.is_closed():
+            self.connection.close_sync(None)
+
+
+class Simulator:
+    """The simulated Parameter Handler. Its log is in `folder`/sim.log."""
+
+    def __init__(self, bus, folder, parameters, *arguments, faults=None, values=None):
+        self.log = folder / "sim.log"
+        options = ["--print-ready", "--verbose"]
+        for option, text in (("--faults", faults), ("--values", values)):
+            if text is not None:
+                path = folder / option.strip("-")
+                path.write_text(text)
+                options += [option, str(path)]
+        with self.log.open("a") as log:
+            self.process = subprocess.Popen(
+                [SIMULATOR, *options, parameters, *arguments], stdout=subprocess.PIPE, stderr=log,
+                text=True, env=bus.environment())
+        ready = self.process.stdout.readline()
+        assert ready.startswith("ready :"), ready + self.log.read_text()
+
+    def calls(self):
+        """The calls so far: method names with their arguments as Python values."""
+        calls = []
+        for line in self.log.read_text().splitlines():
+            match = re.fullmatch(r"call (\w+) (\(.*\))", line)
+            if match:
+                arguments = GLib.Variant.parse(None, match[2], None, None).unpack()
+                calls.append((match[1], *arguments))
+        return calls
+
+    def methods(self):
+        return [call[0] for call in self.calls()]
+
+    def stop(self):
+        """Ends the simulator and returns its exit status."""
+        self.process.terminate()
+        status = self.process.wait(DEADLINE_SECONDS)
+        self.process.stdout.close()
+        return status
+
+
+class Daemon:
+    """morvane under test. Standard output and error are in `folder`/stdout and stderr."""
+
+    def __init__(self, bus, folder, parameters, presets, *arguments, options=("--debug",),
+                 name="daemon", wrapper=()):
+        self.bus, self.folder, self.name = bus, folder, name
+        self.log_file = folder / f"{name}.log"
+        self.log_file.touch()
+        with self.stdout.open("wb") as out, self.stderr.open("wb") as err:
+            self.process = subprocess.Popen(
+                [*wrapper, DAEMON, *options, parameters, presets, *arguments],
+                stdin=subprocess.DEVNULL, stdout=out, stderr=err,
+                env=bus.environment(
+                    # By name: LD_PRELOAD has no way to write a path with blanks.
+                    LD_PRELOAD=SHIM.name, LD_LIBRARY_PATH=str(SHIM.parent),
+                    MORVANE_TEST_LOG=str(self.log_file),
+                    ASAN_OPTIONS="verify_asan_link_order=0"))  # the shim comes first
+
+    @property
+    def stdout(self):
+        return self.folder / f"{self.name}.stdout"
+
+    @property
+    def stderr(self):
+        return self.folder / f"{self.name}.stderr"
+
+    def records(self):
+        """Everything that was logged and slept so far: (priority, text) pairs and pauses."""
+        data, records = self.log_file.read_bytes(), []
+        while data:
+            head = re.match(rb"(log|sleep) (\d+) (\d+) ", data)
+            assert head, data[:200]
+            end = head.end() + int(head[3])
+            if end >= len(data):
+                break  # a record that is being written
+            text = data[head.end():end].decode()
+            records.append((int(head[2]), text) if head[1] == b"log" else Pause(int(head[2])))
+            data = data[end + 1:]
+        return records
+
+    def records_after_start(self):
+        """What was logged and slept since the service was ready."""
+        records = self.records()
+        texts = [r[1] if isinstance(r, tuple) else "" for r in records]
+        last = "morvane: Not daemonizing\n"
+        start = texts.index(last if last in texts else READY)
+        return records[start + 1:]
+
+    def wait_ready(self):
+        """Waits for the last message of the start."""
+        wait_until(lambda: self.process.poll() is not None or (INFO, READY) in self.records(),
+                   "the daemon to be ready")
+        return self
+
+    def wait_logged(self, record, count=1):
+        wait_until(lambda: self.records().count(record) >= count, f"the log to hold {record}")
+
+    def wait(self):
+        """Waits for the end of the process that was started and returns its exit status."""
+        return self.process.wait(DEADLINE_SECONDS)
+
+    def process_ids(self):
+        """The living processes of this daemon, also one that detached."""
+        mark = f"MORVANE_TEST_LOG={self.log_file}".encode()
+        found = []
+        for environment in Path("/proc").glob("[0-9]*/environ"):
+            try:
+                if mark in environment.read_bytes().split(b"\0"):
+                    found.append(int(environment.parent.name))
+            except OSError:
+                pass  # it ended meanwhile
+        return found
+
+    def kill(self):
+        for pid in self.process_ids():
+            os.kill(pid, signal.SIGKILL)
+        self.process.wait()
+
+
+READY = "morvane:main Ready to serve requests (daemonizing).\n"

@@ -1,0 +1,184 @@
+"""A Parameter Handler that refuses, fails or is not there."""
+
+import pytest
+from harness import ERROR, INFO, Pause, RemoteError, wait_until
+from test_methods import ERROR_NAME
+
+FAILED = RemoteError(ERROR_NAME, "dbus_norvix_preset: Store preset failed")
+LOST = (ERROR, "CRITICAL ERROR: Parameter Handler communication lost\n")
+REFUSAL = "dbus_norvix_transaction: busy"
+
+# Method as the Parameter Handler sees it for the preset "scene", operation of the retry messages,
+# text of the error message.
+OPERATIONS = [
+    ("start", "parm_start_trans", "Start transaction failed"),
+    ("get_bulk", "parm_get", "parm_get_() - bulk get failed"),
+    ("end", "parm_end_trans", "End transaction failed"),
+]
+
+
+def refused(operation, text, count, detail=REFUSAL):
+    """The log of so many refusals, each with its pause but the tenth."""
+    records = []
+    for attempt in range(1, count + 1):
+        records += [(ERROR, f"ERROR: {text} ({detail})\n"),
+                    (ERROR, f"{operation}() attempt {attempt} failed\n"),
+                    Pause(1)]
+    return records
+
+
+def stored(path):
+    return (INFO, f"storePreset(): scene preset stored in {path}")
+
+
+@pytest.mark.parametrize("method, operation, text", OPERATIONS)
+@pytest.mark.parametrize("count", [1, 9])
+def test_a_refused_operation_is_tried_again(world, method, operation, text, count):
+    handler = world.simulator(faults=f"{method} 1-{count} error {REFUSAL}\n")
+    daemon = world.daemon()
+    path = world.folder / "p"
+    assert world.client().preset("store", "scene", str(path)) is True
+    expected = refused(operation, text, count)
+    expected.insert(0 if method == "end" else len(expected), stored(path))
+    assert daemon.records_after_start() == expected
+    assert handler.methods().count(method) == count + 1
+
+
+@pytest.mark.parametrize("method, operation, text", OPERATIONS)
+def test_the_tenth_refusal_fails_the_request(world, method, operation, text):
+    handler = world.simulator(faults=f"{method} 1-10 error {REFUSAL}\n")
+    daemon = world.daemon()
+    client = world.client()
+    path = world.write("p", "old=1\n")
+    assert client.preset("store", "scene", str(path)) == FAILED
+    expected = refused(operation, text, 10)
+    expected[-1] = LOST  # and no pause
+    if method == "end":
+        expected.insert(0, stored(path))
+    assert daemon.records_after_start() == expected
+    assert handler.methods().count(method) == 10
+    assert ("end" in handler.methods()) == (method == "end"), "the transaction stays open"
+    assert path.read_text().startswith("gain[1]=" if method == "end" else "old=1")
+    assert not (world.folder / "p_bak").exists()
+    assert client.preset("store", "scene", str(path)) is True, "the next request works"
+
+
+def test_the_single_get_has_a_text_of_its_own(world):
+    world.simulator(faults=f"get 1 error {REFUSAL}\n")
+    daemon = world.daemon()
+    path = world.folder / "p"
+    assert world.client().preset("store", "single", str(path)) is True
+    assert daemon.records_after_start()[0] == (
+        ERROR, f"ERROR: parm_get_() - get failed ({REFUSAL})\n")
+
+
+@pytest.mark.parametrize("message, final", [
+    ("dbus_norvix_transaction", True),
+    ("dbus_norvix_transactions: too", True),
+    ("dbus_norvix_transactio", False),
+    ("Dbus_norvix_transaction: busy", False),
+    ("busy: dbus_norvix_transaction", False),
+])
+def test_only_the_mark_at_the_beginning_makes_an_error_final(world, message, final):
+    world.simulator(faults=f"start 1 error {message}\n")
+    daemon = world.daemon()
+    path = world.folder / "p"
+    assert world.client().preset("store", "scene", str(path)) is True
+    attempts = [(ERROR, "parm_start_trans() attempt 1 failed\n"), Pause(1)] if final else []
+    assert daemon.records_after_start() == [
+        (ERROR, f"ERROR: Start transaction failed ({message})\n"), *attempts, stored(path)]
+
+
+@pytest.mark.parametrize("method, operation, text", OPERATIONS)
+def test_an_error_on_the_way_is_repeated_without_pause_or_limit(world, method, operation, text):
+    handler = world.simulator(faults=f"{method} 1-50 error no such luck\n")
+    daemon = world.daemon()
+    path = world.folder / "p"
+    assert world.client().preset("store", "scene", str(path)) is True
+    expected = [(ERROR, f"ERROR: {text} (no such luck)\n")] * 50
+    expected.insert(0 if method == "end" else 50, stored(path))
+    assert daemon.records_after_start() == expected
+    assert handler.methods().count(method) == 51
+
+
+def test_waits_for_a_parameter_handler_that_is_not_there_yet(world):
+    daemon = world.daemon()
+    path = world.folder / "p"
+    client = world.client()
+    answer = client.start_preset("store", "scene", str(path))
+    wait_until(lambda: len(daemon.records_after_start()) > 20, "the calls to fail")
+    world.simulator()
+    assert answer() is True
+    records = daemon.records_after_start()
+    assert records[-1] == stored(path)
+    assert {text for _, text in records[:-1]} == {
+        "ERROR: Start transaction failed (The name org.norvix.transaction was not provided by any "
+        ".service files)\n"}
+
+
+@pytest.mark.parametrize("method", ["start", "get_bulk", "end"])
+def test_goes_on_when_the_name_was_dropped_for_a_while(world, method):
+    world.simulator(faults=f"{method} 1 drop-name 50\n")
+    daemon = world.daemon()
+    path = world.folder / "p"
+    assert world.client().preset("store", "scene", str(path)) is True
+    errors = [text for priority, text in daemon.records_after_start() if priority == ERROR]
+    assert all("org.norvix.transaction was not provided" in text for text in errors)
+    assert bool(errors) == (method != "end"), "after the last call nobody misses the name"
+
+
+@pytest.mark.parametrize("fault, count", [("fewer-values", 4), ("more-values", 6)])
+def test_a_reply_with_another_number_of_values_is_refused(world, fault, count):
+    handler = world.simulator(faults=f"get_bulk 1 {fault}\n")
+    daemon = world.daemon()
+    path = world.folder / "p"
+    assert world.client().preset("store", "scene", str(path)) is True
+    detail = f"the reply has {count} values for 5 names"
+    assert daemon.records_after_start() == [
+        *refused("parm_get", "parm_get_() - bulk get failed", 1, detail), stored(path)]
+    assert handler.methods() == ["start", "get_bulk", "get_bulk", "end"]
+
+
+def test_a_reply_of_the_wrong_type_is_an_error_on_the_way(world):
+    handler = world.simulator(faults="*  1-6 wrong-type\n")
+    daemon = world.daemon()
+    path = world.folder / "p"
+    assert world.client().preset("store", "scene", str(path)) is True
+    errors = daemon.records_after_start()[:-1]
+    assert len(errors) == 6
+    assert all(text.startswith("ERROR: Start transaction failed (") for _, text in errors)
+    assert handler.methods() == ["start"] * 7 + ["get_bulk", "end"]
+
+
+def test_waits_for_a_late_answer(world):
+    world.simulator(faults="get_bulk 1 delay 300\n")
+    daemon = world.daemon()
+    path = world.folder / "p"
+    assert world.client().preset("store", "scene", str(path)) is True
+    assert daemon.records_after_start() == [stored(path)]
+
+
+def test_repeats_a_call_that_is_never_answered(world):
+    """D-Bus gives up waiting after 25 seconds."""
+    handler = world.simulator(faults="start 1 no-reply\n")
+    daemon = world.daemon()
+    path = world.folder / "p"
+    assert world.client().preset("store", "scene", str(path)) is True
+    (error, done) = daemon.records_after_start()
+    assert error[1].startswith("ERROR: Start transaction failed (Did not receive a reply.")
+    assert done == stored(path)
+    assert handler.methods() == ["start", "start", "get_bulk", "end"]
+
+
+def test_a_key_that_is_not_utf8_is_refused_before_it_is_sent(world):
+    world.write("parameters.def", b"bad\xff rw { }\n")
+    world.write("presets.def", b"scene preset { }\n")
+    handler_parameters = world.write("handler.def", b"good rw { }\n")
+    handler = world.simulator(parameters=handler_parameters)
+    daemon = world.daemon()
+    assert world.client().preset("store", "scene", str(world.folder / "p")) == FAILED
+    expected = refused("parm_get", "parm_get_() - get failed", 10,
+                       "not valid UTF-8: bad\N{REPLACEMENT CHARACTER}")
+    expected[-1] = LOST
+    assert daemon.records_after_start() == expected
+    assert handler.methods() == ["start"]
