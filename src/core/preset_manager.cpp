@@ -28,6 +28,8 @@ void PresetManager::buildTables(const SystemParameterTable& parameters,
     indices_ = PresetGenerate::indexTable(parameters, arguments);
     readOnly_ = PresetGenerate::parameterMap(parameters, arguments, AccessSelector::readOnly);
     readWrite_ = PresetGenerate::parameterMap(parameters, arguments, AccessSelector::readWrite);
+    for (const auto& section : definitions.translateSections)
+        PresetGenerate::addTranslation(section, readWrite_, readOnly_, translation_);
     for (const auto& preset : definitions.presets) {
         auto keys = PresetGenerate::keySet(indices_, readWrite_, readOnly_, preset);
         if (!keys.empty())
@@ -47,6 +49,14 @@ bool PresetManager::in_preset(std::string_view key, std::string_view presetName)
 const KeySet* PresetManager::findPreset(std::string_view presetName) const {
     const auto preset = presets_.find(presetName);
     return preset == presets_.end() ? nullptr : &preset->second;
+}
+
+bool PresetManager::isReadOnly(std::string_view name) const {
+    return readOnly_.contains(name);
+}
+
+bool PresetManager::isParameter(std::string_view name) const {
+    return isReadOnly(name) || readWrite_.contains(name);
 }
 
 } // namespace morvane

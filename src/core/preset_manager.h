@@ -4,6 +4,7 @@
 #include "engine/tables/index_table.h"
 #include "engine/tables/key_set.h"
 #include "engine/tables/parameter_map.h"
+#include "engine/tables/translation_tables.h"
 #include "paramdef/system_arguments.h"
 
 #include <map>
@@ -37,6 +38,14 @@ public:
     /// @return the preset's keys, or null for an unknown preset; valid as long as the manager.
     const KeySet* findPreset(std::string_view presetName) const;
 
+    /// Whether a parameter of this name is read-only on this device.
+    bool isReadOnly(std::string_view name) const;
+
+    /// Whether a parameter of this name is read-only or read-write on this device.
+    bool isParameter(std::string_view name) const;
+
+    const TranslationTables& translation() const { return translation_; }
+
 private:
     void buildTables(const SystemParameterTable& parameters, const PresetDefinitions& definitions,
                      const SystemArguments& arguments);
@@ -44,6 +53,7 @@ private:
     IndexTable indices_;
     ParameterMap readOnly_;
     ParameterMap readWrite_;
+    TranslationTables translation_;
     PresetTable presets_;
 };
 

@@ -39,6 +39,10 @@ std::optional<std::int32_t> wholeDecimal(std::string_view text) {
     return number.value;
 }
 
+std::int32_t leadingDecimal(std::string_view text) {
+    return signedPrefix(std::string(text), 10).value;
+}
+
 std::uint32_t readDigits(Cursor& line) {
     const auto rest = line.rest();
     const std::string digits(rest.substr(0, rest.find_first_not_of("0123456789")));

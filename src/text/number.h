@@ -30,6 +30,9 @@ std::optional<std::int32_t> wholeNumber(std::string_view text);
 /// @return nothing if it is empty or anything else.
 std::optional<std::int32_t> wholeDecimal(std::string_view text);
 
+/// Reads the decimal number at the beginning of a text as `atoi` does; 0 if there is none.
+std::int32_t leadingDecimal(std::string_view text);
+
 /// Consumes the decimal digits at the cursor, as `strtoul` does in base 10.
 /// @return their value, saturated to 32 bits; 0 without a digit.
 std::uint32_t readDigits(Cursor& line);

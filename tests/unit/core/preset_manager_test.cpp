@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <set>
 #include <string>
 
 namespace morvane {
@@ -132,6 +133,38 @@ TEST(PresetManager, FindsExactlyTheKeysOfAPreset) {
         SCOPED_TRACE(why);
         EXPECT_EQ(built.manager->in_preset(key, preset), isIn);
     }
+}
+
+struct ParameterRow {
+    const char* name;
+    bool isParameter;
+    bool isReadOnly;
+};
+
+constexpr ParameterRow parameterRows[] = {
+    {"gain", true, false},   {"mode", true, false},     {"version", true, true},
+    {"status", true, true},  {"level", false, false},   {"reset", false, false},
+    {"input", false, false}, {"gain[1]", false, false}, {"", false, false},
+};
+
+TEST(PresetManager, KnowsTheParametersOfThisDevice) {
+    const auto built = buildFrom(parameterText, presetText, {{"inputs", "2"}, {"model", "1"}});
+    for (const auto& [name, isParameter, isReadOnly] : parameterRows) {
+        EXPECT_EQ(built.manager->isParameter(name), isParameter) << name;
+        EXPECT_EQ(built.manager->isReadOnly(name), isReadOnly) << name;
+    }
+}
+
+TEST(PresetManager, TakesTheTranslationFromAllSections) {
+    const auto built = buildFrom(parameterText,
+                                 "translate { removed { a } mode { from { way } } }\n"
+                                 "scene preset { }\n"
+                                 "translate { removed { b } status { index 0 { input = 1 } } }\n",
+                                 {{"inputs", "2"}, {"model", "1"}});
+    const auto& translation = built.manager->translation();
+    EXPECT_EQ(translation.removed, (std::set<std::string, std::less<>>{"a", "b"}));
+    EXPECT_EQ(translation.nameMappings.at("way").newName, "mode");
+    EXPECT_EQ(translation.indexMaps.at("status"), (IndexTemplateMap{{0, {"1"}}}));
 }
 
 TEST(PresetManager, AcceptsAParameterFileThatEndsInsideABlock) {

@@ -65,6 +65,31 @@ TEST(Number, IsAWholeText) {
     }
 }
 
+struct LeadingRow {
+    const char* text;
+    std::int32_t value;
+};
+
+constexpr LeadingRow leadingRows[] = {
+    {"", 0},
+    {"abc", 0},
+    {"7", 7},
+    {"12abc", 12},
+    {" 7", 7},
+    {"-3", -3},
+    {"+3", 3},
+    {"010", 10},
+    {"0x10", 0},
+    {"1 2", 1},
+    {"4294967296", biggest},
+    {"-99999999999", smallest},
+};
+
+TEST(Number, IsReadInBase10FromTheBeginning) {
+    for (const auto& [text, value] : leadingRows)
+        EXPECT_EQ(leadingDecimal(text), value) << text;
+}
+
 struct DigitsRow {
     const char* text;
     std::uint32_t value;

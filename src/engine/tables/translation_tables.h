@@ -1,0 +1,38 @@
+// How entries of older preset data files become entries of this device, ready for lookup.
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace morvane {
+
+/// How one list of old indices becomes the current one: an element for each index of the parameter
+/// today. An element that holds "idx::" and a number stands for the old index at that position,
+/// counted from 0; any other is the new index itself.
+using IndexTemplate = std::vector<std::string>;
+
+/// By the number of indices of the old entry. All templates of a parameter are of one length: the
+/// number of its indices today.
+using IndexTemplateMap = std::map<std::size_t, IndexTemplate>;
+
+/// By parameter name. A parameter without templates is not there.
+using IndexMaps = std::map<std::string, IndexTemplateMap, std::less<>>;
+
+/// What became of an old parameter.
+struct NameMapping {
+    std::string newName;
+    std::map<std::string, std::string> values; ///< old value text to new value text
+
+    bool operator==(const NameMapping&) const = default;
+};
+
+struct TranslationTables {
+    std::set<std::string, std::less<>> removed; ///< names of parameters whose entries are dropped
+    std::map<std::string, NameMapping, std::less<>> nameMappings; ///< by old name
+    IndexMaps indexMaps;
+};
+
+} // namespace morvane
