@@ -14,6 +14,23 @@ ParameterOperations bindOperations(DBusGProxy* proxy) {
             [proxy](Transaction transaction, const KeySet& keys, std::vector<std::string>& values) {
                 return parm_get(proxy, &transaction, bulkGetOption, keys.keys(), values);
             },
+        .parm_set =
+            [proxy](Transaction transaction, std::span<const KeyValue> values) {
+                return parm_set(proxy, &transaction, values);
+            },
+        .parm_set_status =
+            [proxy](Transaction transaction, std::span<const KeyValue> values) {
+                return parm_set_status(proxy, &transaction, values);
+            },
+        .parm_reset =
+            [proxy](Transaction transaction, std::span<const std::string> keys) {
+                return parm_reset(proxy, &transaction, keys);
+            },
+        .parm_reset_status =
+            [proxy](Transaction transaction, std::span<const std::string> keys) {
+                return parm_reset_status(proxy, &transaction, keys);
+            },
+        .parm_commit = [proxy](Transaction transaction) { return parm_commit(proxy, transaction); },
     };
 }
 

@@ -3,6 +3,7 @@
 #include "core/preset_manager.h"
 #include "dbus/parameter_binding.h"
 #include "dbus/service_globals.h"
+#include "engine/load_preset.h"
 #include "engine/store_preset.h"
 #include "paramhandler/deprecated_glib.h"
 #include "value_object_glue.h"
@@ -91,7 +92,9 @@ gboolean value_object_load(ValueObject* obj, gchar* preset_name, gchar* file_nam
     g_assert(obj != NULL);
     if (preset_name == nullptr || file_name == nullptr)
         return fail(success, error, "dbus_norvix_preset: Invalid parameters passed to load preset");
-    return answer(false, success, error, "dbus_norvix_preset: Load preset failed");
+    const Handler handler;
+    return answer(loadPreset(handler.get(), preset_name, file_name, *service.manager, false),
+                  success, error, "dbus_norvix_preset: Load preset failed");
 }
 
 gboolean value_object_load_with_default(ValueObject* obj, gchar* preset_name, gchar* file_name,
@@ -101,7 +104,9 @@ gboolean value_object_load_with_default(ValueObject* obj, gchar* preset_name, gc
     if (preset_name == nullptr || file_name == nullptr)
         return fail(success, error,
                     "dbus_norvix_preset: Invalid parameters passed to load preset with defaults");
-    return answer(false, success, error, "dbus_norvix_preset: Load preset with defaults failed");
+    const Handler handler;
+    return answer(loadPreset(handler.get(), preset_name, file_name, *service.manager, true),
+                  success, error, "dbus_norvix_preset: Load preset with defaults failed");
 }
 
 gboolean value_object_load_default(ValueObject* obj, gchar* preset_name, gboolean* success,
@@ -111,7 +116,9 @@ gboolean value_object_load_default(ValueObject* obj, gchar* preset_name, gboolea
     if (preset_name == nullptr)
         return fail(success, error,
                     "dbus_norvix_preset: Invalid parameters passed to load defaults");
-    return answer(false, success, error, "dbus_norvix_preset: Load defaults failed");
+    const Handler handler;
+    return answer(loadDefaults(handler.get(), preset_name, *service.manager), success, error,
+                  "dbus_norvix_preset: Load defaults failed");
 }
 
 gboolean value_object_store(ValueObject* obj, gchar* preset_name, gchar* file_name,

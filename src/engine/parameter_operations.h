@@ -6,13 +6,18 @@
 
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace morvane {
 
 /// The identifier of a transaction, handed out by the Parameter Handler.
 using Transaction = std::uint32_t;
+
+/// What is set: a key and its new value.
+using KeyValue = std::pair<std::string, std::string>;
 
 /// Each operation returns whether it succeeded. One that did not may be tried again.
 struct ParameterOperations {
@@ -27,6 +32,23 @@ struct ParameterOperations {
     std::function<bool(Transaction transaction, const KeySet& keys,
                        std::vector<std::string>& values)>
         parm_get;
+
+    /// Sets read-write parameters, in list order; equal keys are sent as often as they come. An
+    /// empty list succeeds without a call, here and below.
+    std::function<bool(Transaction transaction, std::span<const KeyValue> values)> parm_set;
+
+    /// Sets the status values of read-only parameters, in list order.
+    std::function<bool(Transaction transaction, std::span<const KeyValue> values)> parm_set_status;
+
+    /// Puts read-write parameters back to their defaults.
+    std::function<bool(Transaction transaction, std::span<const std::string> keys)> parm_reset;
+
+    /// Puts the status values of read-only parameters back to their defaults.
+    std::function<bool(Transaction transaction, std::span<const std::string> keys)>
+        parm_reset_status;
+
+    /// Sends the commit and does not wait for it. The transaction is ended when its answer comes.
+    std::function<bool(Transaction transaction)> parm_commit;
 };
 
 } // namespace morvane

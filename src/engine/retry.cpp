@@ -19,4 +19,8 @@ bool withRetries(const char* name, const std::function<bool()>& operation) {
     return true;
 }
 
+bool startTransaction(const ParameterOperations& handler, Transaction& transaction) {
+    return withRetries("parm_start_trans", [&] { return handler.parm_start_trans(transaction); });
+}
+
 } // namespace morvane

@@ -1,6 +1,8 @@
 // The rule by which every Parameter Handler operation of a request is tried again.
 #pragma once
 
+#include "engine/parameter_operations.h"
+
 #include <functional>
 
 namespace morvane {
@@ -13,5 +15,8 @@ namespace morvane {
 /// @param name of the operation, for the log.
 /// @return whether the operation succeeded.
 bool withRetries(const char* name, const std::function<bool()>& operation);
+
+/// Starts a transaction by that rule: the first step of every request.
+bool startTransaction(const ParameterOperations& handler, Transaction& transaction);
 
 } // namespace morvane

@@ -36,10 +36,6 @@ PresetEntryList entriesOf(const KeySet& keys, std::vector<std::string> values) {
     return entries;
 }
 
-bool startTransaction(const ParameterOperations& handler, Transaction& transaction) {
-    return withRetries("parm_start_trans", [&] { return handler.parm_start_trans(transaction); });
-}
-
 bool readValues(const ParameterOperations& handler, Transaction transaction, const KeySet& keys,
                 std::vector<std::string>& values) {
     return withRetries("parm_get", [&] { return handler.parm_get(transaction, keys, values); });

@@ -14,6 +14,7 @@ trigger wo { rangeValid { 0..1 } default { 0 } }
 PRESETS = """\
 scene preset { include ro { temperature } }
 single preset { exclude rw { gain } }
+states preset { include ro { temperature, serial } exclude rw { all } }
 nothing preset { exclude rw { all } }
 """
 
@@ -66,3 +67,13 @@ def world(tmp_path):
     world = World(tmp_path)
     yield world
     world.close()
+
+
+@pytest.fixture
+def served(world):
+    """A world with simulator, daemon and client."""
+    world.handler = world.simulator()
+    world.morvane = world.daemon()
+    world.user = world.client()
+    world.file = world.folder / "p"
+    return world

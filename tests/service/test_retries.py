@@ -16,6 +16,19 @@ OPERATIONS = [
     ("end", "parm_end_trans", "End transaction failed"),
 ]
 
+# The same for a load with defaults of the entries below. The commit is not among them: its answer
+# comes later.
+LOAD_OPERATIONS = [
+    ("start", "parm_start_trans", "Start transaction failed"),
+    ("set_bulk", "parm_set", "parm_set_() - set failed"),
+    ("set_status", "parm_set_status", "parm_set_() - set failed"),
+    ("reset_bulk", "parm_reset", "parm_reset_() - reset failed"),
+    ("reset_status", "parm_reset_status", "parm_reset_() - reset failed"),
+]
+ENTRIES = {"reset_status": "gain[1]=1\nmode=off\n"}  # which leaves the status to be reset
+OTHER_ENTRIES = "gain[1]=1\nmode=off\ntemperature=1\n"
+LOAD_FAILED = RemoteError(ERROR_NAME, "dbus_norvix_preset: Load preset with defaults failed")
+
 
 def refused(operation, text, count, detail=REFUSAL):
     """The log of so many refusals, each with its pause but the tenth."""
@@ -70,6 +83,48 @@ def test_the_single_get_has_a_text_of_its_own(world):
     assert world.client().preset("store", "single", str(path)) is True
     assert daemon.records_after_start()[0] == (
         ERROR, f"ERROR: parm_get_() - get failed ({REFUSAL})\n")
+
+
+def loaded(path):
+    return (INFO, f"loadPreset(): scene preset loaded (with defaults) from {path}.\n")
+
+
+@pytest.mark.parametrize("method, operation, text", LOAD_OPERATIONS)
+@pytest.mark.parametrize("count", [1, 9])
+def test_a_refused_operation_of_a_load_is_tried_again(world, method, operation, text, count):
+    handler = world.simulator(faults=f"{method} 1-{count} error {REFUSAL}\n")
+    daemon = world.daemon()
+    path = world.write("p", ENTRIES.get(method, OTHER_ENTRIES))
+    assert world.client().preset("load_with_default", "scene", str(path)) is True
+    assert daemon.records_after_start() == [*refused(operation, text, count), loaded(path)]
+    assert handler.methods().count(method) == count + 1
+
+
+@pytest.mark.parametrize("method, operation, text", LOAD_OPERATIONS)
+def test_the_tenth_refusal_fails_a_load_without_commit_or_end(world, method, operation, text):
+    handler = world.simulator(faults=f"{method} 1-10 error {REFUSAL}\n")
+    daemon = world.daemon()
+    client = world.client()
+    path = world.write("p", ENTRIES.get(method, OTHER_ENTRIES))
+    assert client.preset("load_with_default", "scene", str(path)) == LOAD_FAILED
+    expected = refused(operation, text, 10)
+    expected[-1] = LOST
+    assert daemon.records_after_start() == expected
+    assert handler.methods()[-10:] == [method] * 10
+    assert not {"commit", "end"} & set(handler.methods())
+    assert client.preset("load_with_default", "scene", str(path)) is True, "the next request works"
+
+
+@pytest.mark.parametrize("method, operation, text", LOAD_OPERATIONS)
+def test_an_error_on_the_way_of_a_load_is_repeated_without_pause_or_limit(
+        world, method, operation, text):
+    handler = world.simulator(faults=f"{method} 1-50 error no such luck\n")
+    daemon = world.daemon()
+    path = world.write("p", ENTRIES.get(method, OTHER_ENTRIES))
+    assert world.client().preset("load_with_default", "scene", str(path)) is True
+    assert daemon.records_after_start() == [
+        *[(ERROR, f"ERROR: {text} (no such luck)\n")] * 50, loaded(path)]
+    assert handler.methods().count(method) == 51
 
 
 @pytest.mark.parametrize("message, final", [

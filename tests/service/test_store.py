@@ -14,19 +14,10 @@ i index { rangeValid { 1..100 } }
 j index { rangeValid { 1..1000 } }
 p rw { index { i } index { j } default { 5 } }
 gain rw { default { 0 } }
+serial ro { }
 temperature ro { default { 40 } }
 """
 SCENE_KEYS = ["gain[1]", "gain[2]", "gain[3]", "mode", "temperature"]
-
-
-@pytest.fixture
-def served(world):
-    """A world with simulator, daemon and client."""
-    world.handler = world.simulator()
-    world.morvane = world.daemon()
-    world.user = world.client()
-    world.file = world.folder / "p"
-    return world
 
 
 def stored(path, preset="scene"):

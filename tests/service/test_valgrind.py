@@ -1,4 +1,4 @@
-"""A whole store under valgrind: no invalid access, no leak."""
+"""Whole requests under valgrind: no invalid access, no leak."""
 
 from pathlib import Path
 
@@ -10,8 +10,8 @@ OPTIONS = [
 ]
 
 
-def test_a_store_makes_no_memory_error(world):
-    world.simulator(faults="get_bulk 1 error dbus_norvix_transaction: busy\n")
+def test_requests_make_no_memory_error(world):
+    handler = world.simulator(faults="get_bulk 1 error dbus_norvix_transaction: busy\n")
     report = world.folder / "valgrind"
     daemon = world.launch(wrapper=[*OPTIONS, f"--log-file={report}"])
     client = world.client()
@@ -25,6 +25,12 @@ def test_a_store_makes_no_memory_error(world):
     assert client.preset("in_preset", "scene", keys) is True
     assert client.preset("is_preset", "nothing") is False
     client.preset("store", "unknown", str(path))
+    for number, method in enumerate(("load", "load_with_default"), start=4):
+        assert client.preset(method, "scene", str(path)) is True
+        wait_until(lambda: ("end", number) in handler.calls(), "the end of the transaction")
+    assert client.preset("load_default", "scene") is True
+    wait_until(lambda: ("end", 6) in handler.calls(), "the end of the transaction")
+    client.preset("load", "unknown", str(path))
     client.preset("die")
     assert daemon.wait() == 1, Path(report).read_text()
     assert "ERROR SUMMARY: 0 errors" in Path(report).read_text()

@@ -10,6 +10,20 @@ std::string textOf(Transaction transaction) {
     return " " + std::to_string(transaction);
 }
 
+std::string textOf(Transaction transaction, std::span<const KeyValue> values) {
+    std::string text = textOf(transaction);
+    for (const auto& [key, value] : values)
+        text.append(" ").append(key).append("=").append(value);
+    return text;
+}
+
+std::string textOf(Transaction transaction, std::span<const std::string> keys) {
+    std::string text = textOf(transaction);
+    for (const auto& key : keys)
+        text.append(" ").append(key);
+    return text;
+}
+
 } // namespace
 
 ParameterOperations ParameterRecorder::operations() {
@@ -25,16 +39,31 @@ ParameterOperations ParameterRecorder::operations() {
             },
         .parm_get =
             [this](Transaction transaction, const KeySet& keys, std::vector<std::string>& read) {
-                std::string arguments = textOf(transaction);
-                for (const auto& key : keys)
-                    arguments += " " + key;
-                if (!record("parm_get", arguments))
+                if (!record("parm_get", textOf(transaction, keys.keys())))
                     return false;
                 read.clear();
                 for (const auto& key : keys)
                     read.push_back(values.contains(key) ? values[key] : "?");
                 return true;
             },
+        .parm_set =
+            [this](Transaction transaction, std::span<const KeyValue> pairs) {
+                return record("parm_set", textOf(transaction, pairs));
+            },
+        .parm_set_status =
+            [this](Transaction transaction, std::span<const KeyValue> pairs) {
+                return record("parm_set_status", textOf(transaction, pairs));
+            },
+        .parm_reset =
+            [this](Transaction transaction, std::span<const std::string> keys) {
+                return record("parm_reset", textOf(transaction, keys));
+            },
+        .parm_reset_status =
+            [this](Transaction transaction, std::span<const std::string> keys) {
+                return record("parm_reset_status", textOf(transaction, keys));
+            },
+        .parm_commit =
+            [this](Transaction transaction) { return record("parm_commit", textOf(transaction)); },
     };
 }
 

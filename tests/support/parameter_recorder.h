@@ -16,8 +16,8 @@ public:
     std::map<std::string, std::string> values; ///< by key; others are read as "?"
     std::map<std::string, int> refusals;       ///< by operation: how often it still refuses
 
-    /// The calls so far, in order, such as "parm_get 7 a b"; a refused call has " refused" behind
-    /// it.
+    /// The calls so far, in order, such as "parm_get 7 a b" or "parm_set 7 a=1 b=2"; a refused call
+    /// has " refused" behind it.
     std::vector<std::string> calls;
 
     /// The operations; the recorder must outlive them.

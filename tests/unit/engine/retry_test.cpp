@@ -1,9 +1,9 @@
 #include "engine/retry.h"
 #include "support/log_recorder.h"
+#include "support/parameter_recorder.h"
+#include "support/retry_log.h"
 
 #include <gtest/gtest.h>
-
-#include <syslog.h>
 
 #include <string>
 #include <vector>
@@ -20,28 +20,19 @@ struct RetryRow {
     std::vector<unsigned> sleeps;
 };
 
-std::vector<test::LogRecord> attemptsUpTo(int count) {
-    std::vector<test::LogRecord> log;
-    for (int attempt = 1; attempt <= count; ++attempt)
-        log.push_back({LOG_ERR, "parm_set() attempt " + std::to_string(attempt) + " failed\n"});
-    return log;
-}
-
-std::vector<test::LogRecord> givingUp() {
-    auto log = attemptsUpTo(10);
-    log.push_back({LOG_ERR, "CRITICAL ERROR: Parameter Handler communication lost\n"});
-    return log;
-}
-
 const RetryRow retryRows[] = {
     {"success at once", 0, true, 1, {}, {}},
-    {"one failure", 1, true, 2, attemptsUpTo(1), {1}},
-    {"nine failures", 9, true, 10, attemptsUpTo(9), std::vector<unsigned>(9, 1)},
-    {"the tenth failure does not sleep", 10, false, 10, givingUp(), std::vector<unsigned>(9, 1)},
-    {"no eleventh call", 100, false, 10, givingUp(), std::vector<unsigned>(9, 1)},
+    {"one failure", 1, true, 2, test::attempts("parm_set", 1), {1}},
+    {"nine failures", 9, true, 10, test::attempts("parm_set", 9), std::vector<unsigned>(9, 1)},
+    {"the tenth failure does not sleep", 10, false, 10,
+     test::attempts("parm_set", 10, {test::handlerLost}), std::vector<unsigned>(9, 1)},
+    {"no eleventh call", 100, false, 10, test::attempts("parm_set", 10, {test::handlerLost}),
+     std::vector<unsigned>(9, 1)},
 };
 
 TEST(Retry, CallsAtMostTenTimesOneSecondApart) {
+    test::takeLog();
+    test::takeSleeps();
     for (const auto& [why, failures, succeeds, calls, log, sleeps] : retryRows) {
         SCOPED_TRACE(why);
         int called = 0;
@@ -51,6 +42,15 @@ TEST(Retry, CallsAtMostTenTimesOneSecondApart) {
         EXPECT_EQ(test::takeLog(), log);
         EXPECT_EQ(test::takeSleeps(), sleeps);
     }
+}
+
+TEST(Retry, StartsATransaction) {
+    test::ParameterRecorder handler;
+    handler.refusals["parm_start_trans"] = 1;
+    Transaction transaction = 0;
+    EXPECT_TRUE(startTransaction(handler.operations(), transaction));
+    EXPECT_EQ(transaction, 7U);
+    EXPECT_EQ(test::takeLog(), test::attempts("parm_start_trans", 1));
 }
 
 } // namespace

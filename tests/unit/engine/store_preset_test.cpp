@@ -3,6 +3,7 @@
 #include "support/file_recorder.h"
 #include "support/log_recorder.h"
 #include "support/parameter_recorder.h"
+#include "support/retry_log.h"
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>
@@ -26,16 +27,6 @@ constexpr std::string_view parameters = "input index { rangeValid { 1..2 } }\n"
                                         "other rw { index { input } }\n";
 constexpr std::string_view presets = "scene preset { exclude rw { other } }\n"
                                      "nothing preset { exclude rw { all } }\n";
-
-Log attempts(const std::string& operation, int count, const Log& rest = {}) {
-    Log log;
-    for (int attempt = 1; attempt <= count; ++attempt)
-        log.push_back({LOG_ERR, operation + "() attempt " + std::to_string(attempt) + " failed\n"});
-    log.insert(log.end(), rest.begin(), rest.end());
-    return log;
-}
-
-const test::LogRecord lost{LOG_ERR, "CRITICAL ERROR: Parameter Handler communication lost\n"};
 
 class StorePreset : public testing::Test {
 protected:
@@ -140,7 +131,7 @@ TEST_F(StorePreset, GivesUpOnStartAndLeavesTheFileAlone) {
     folder_.write("p", "old");
     EXPECT_FALSE(store());
     EXPECT_EQ(handler_.calls, Calls(10, start_ + " refused"));
-    EXPECT_EQ(test::takeLog(), attempts("parm_start_trans", 10, {lost}));
+    EXPECT_EQ(test::takeLog(), test::attempts("parm_start_trans", 10, {test::handlerLost}));
     EXPECT_EQ(test::takeSleeps(), std::vector<unsigned>(9, 1));
     EXPECT_EQ(folder_.read("p"), "old");
 }
@@ -151,7 +142,7 @@ TEST_F(StorePreset, GivesUpOnGetWithoutEndingTheTransaction) {
     EXPECT_FALSE(store());
     EXPECT_EQ(handler_.calls.size(), 11U);
     EXPECT_EQ(handler_.calls.back(), get_ + " refused");
-    EXPECT_EQ(test::takeLog(), attempts("parm_get", 10, {lost}));
+    EXPECT_EQ(test::takeLog(), test::attempts("parm_get", 10, {test::handlerLost}));
     EXPECT_EQ(folder_.read("p"), "old");
 }
 
@@ -160,7 +151,7 @@ TEST_F(StorePreset, FailsWhenTheTransactionCannotBeEndedAlthoughTheFileIsComplet
     EXPECT_FALSE(store());
     EXPECT_EQ(folder_.read("p"), "gain[1]=-3\ngain[2]=4 \nmode=a=b\n");
     EXPECT_FALSE(folder_.exists("p_bak"));
-    auto log = attempts("parm_end_trans", 10, {lost});
+    auto log = test::attempts("parm_end_trans", 10, {test::handlerLost});
     log.insert(log.begin(), stored());
     EXPECT_EQ(test::takeLog(), log);
 }

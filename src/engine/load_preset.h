@@ -1,0 +1,28 @@
+// Loads the values of a preset data file, or the defaults of a preset, into the live parameters.
+#pragma once
+
+#include <string>
+
+namespace morvane {
+
+class PresetManager;
+struct ParameterOperations;
+
+/// Sets the values that a preset data file has for keys of a preset, in one transaction and in file
+/// order; other entries are ignored. A file without entries is a successful load that changes
+/// nothing, unless the defaults are asked for.
+///
+/// The transaction is committed without waiting for the outcome. A failure after it was started
+/// neither commits nor ends it, and leaves it to the Parameter Handler.
+///
+/// @param handler      null when there is no connection, which fails without a message.
+/// @param withDefaults whether the keys that the file does not have are put to their defaults.
+/// @return whether the commit was sent, or there was nothing to do; every failure is logged.
+bool loadPreset(const ParameterOperations* handler, const std::string& presetName,
+                const std::string& filePath, const PresetManager& manager, bool withDefaults);
+
+/// Puts all keys of a preset to their defaults, in one transaction, as `loadPreset` does.
+bool loadDefaults(const ParameterOperations* handler, const std::string& presetName,
+                  const PresetManager& manager);
+
+} // namespace morvane

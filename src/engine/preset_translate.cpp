@@ -1,0 +1,96 @@
+#include "engine/preset_translate.h"
+
+#include "core/preset_manager.h"
+#include "text/number.h"
+
+#include <cstdio>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+namespace morvane {
+
+namespace {
+
+constexpr std::string_view reference = "idx::";
+
+// The old index that an element refers to, or nothing if the entry has no index there.
+const std::string* referredIndex(const std::string& element, std::size_t numberAt,
+                                 const std::vector<std::string>& oldIndices) {
+    // A negative number becomes a huge one, where there is no index either.
+    const auto position =
+        static_cast<std::size_t>(leadingDecimal(std::string_view(element).substr(numberAt)));
+    return position < oldIndices.size() ? &oldIndices[position] : nullptr;
+}
+
+std::optional<std::vector<std::string>> newIndices(const PresetEntry& entry,
+                                                   const IndexTemplate& elements) {
+    std::vector<std::string> indices;
+    for (const auto& element : elements) {
+        const auto found = element.find(reference);
+        const auto* const index =
+            found == std::string::npos
+                ? &element
+                : referredIndex(element, found + reference.size(), entry.indices);
+        if (index == nullptr) {
+            // The blank that is missing before "with" is part of the text that people search for.
+            std::fprintf(stderr,
+                         "PresetTranslate::translate() Error:Could not locate index value for %s "
+                         "for parameter %swith %d indices\n",
+                         element.c_str(), entry.name.c_str(),
+                         static_cast<int>(entry.indices.size()));
+            return std::nullopt;
+        }
+        indices.push_back(*index);
+    }
+    return indices;
+}
+
+void mapName(const TranslationTables& tables, PresetEntry& entry) {
+    const auto mapping = tables.nameMappings.find(entry.name);
+    if (mapping == tables.nameMappings.end())
+        return;
+    const auto& [newName, values] = mapping->second;
+    entry.name = newName;
+    if (const auto value = values.find(entry.value); value != values.end())
+        entry.value = value->second;
+}
+
+} // namespace
+
+PresetEntry PresetTranslate::translate(PresetEntry entry, const IndexMaps& indexMaps) {
+    const auto found = indexMaps.find(entry.name);
+    if (found == indexMaps.end())
+        return entry;
+    const auto& templates = found->second;
+    const auto count = entry.indices.size();
+    if (count == templates.begin()->second.size())
+        return entry;
+    const auto elements = templates.find(count);
+    if (elements == templates.end()) {
+        std::fprintf(stderr,
+                     "PresetTranslate::translate() Error:Could not located index mapping for %s "
+                     "with %d indices\n",
+                     entry.name.c_str(), static_cast<int>(count));
+        return {};
+    }
+    auto indices = newIndices(entry, elements->second);
+    if (!indices)
+        return {};
+    entry.indices = *std::move(indices);
+    return entry;
+}
+
+void translateEntries(const PresetManager& manager, PresetEntryList& entries) {
+    const auto& tables = manager.translation();
+    auto kept = entries.begin();
+    for (auto& entry : entries) {
+        mapName(tables, entry);
+        if (tables.removed.contains(entry.name) || !manager.isParameter(entry.name))
+            continue;
+        *kept++ = PresetTranslate::translate(std::move(entry), tables.indexMaps);
+    }
+    entries.erase(kept, entries.end());
+}
+
+} // namespace morvane
