@@ -13,6 +13,7 @@ FILES = [
     "usr/share/dbus-1/interfaces/org.norvix.transaction.xml",
     "usr/share/dbus-1/services/org.norvix.preset.service",
     "usr/share/doc/morvane/examples/README.md",
+    "usr/share/doc/morvane/examples/older.preset",
     "usr/share/doc/morvane/examples/parameters.def",
     "usr/share/doc/morvane/examples/presets.def",
     "usr/share/man/man1/parameter-handler-sim.1",

@@ -1,7 +1,10 @@
 // The example definitions must be right, because users copy them.
 
 #include "core/preset_manager.h"
+#include "engine/preset_file.h"
+#include "engine/preset_translate.h"
 #include "support/output_capture.h"
+#include "text/line_reader.h"
 
 #include <gtest/gtest.h>
 
@@ -88,6 +91,27 @@ TEST(Examples, CoverTheKeysThatTheirCommentsName) {
         SCOPED_TRACE(std::string(preset) + " " + key);
         EXPECT_EQ(field.in_preset(key, preset), onField);
         EXPECT_EQ(studio.in_preset(key, preset), onStudio);
+    }
+}
+
+TEST(Examples, TranslateTheOlderFile) {
+    for (const auto& variant : {fieldVariant, studioVariant}) {
+        const auto manager = manage(variant);
+        const OwnedStream stream(std::fopen(EXAMPLES_FOLDER "/older.preset", "r"));
+        PresetEntryList entries;
+        EXPECT_EQ(readPresetFile(stream.get(), entries), 7);
+        EXPECT_EQ(test::standardErrorOf([&] { translateEntries(manager, entries); }),
+                  "PresetTranslate::translate() Error:Could not located index mapping for "
+                  "matrixGain with 1 indices\n");
+        std::string lines;
+        for (const auto& entry : entries)
+            lines += formatPresetLine(entry) + "\n";
+        EXPECT_EQ(lines, "videoAspect[1]=16:9\n"
+                         "inputSource[2]=digital\n"
+                         "matrixGain[1][1][left]=-6\n"
+                         "outputLimiterThreshold[1]=-9\n"
+                         "inputGain[1]=-12\n"
+                         "=\n");
     }
 }
 
