@@ -187,10 +187,13 @@ class Daemon:
     """morvane under test. Standard output and error are in `folder`/stdout and stderr."""
 
     def __init__(self, bus, folder, parameters, presets, *arguments, options=("--debug",),
-                 name="daemon", wrapper=()):
+                 name="daemon", wrapper=(), fault=None):
         self.bus, self.folder, self.name = bus, folder, name
         self.log_file = folder / f"{name}.log"
-        self.log_file.touch()
+        self.log_file.write_bytes(b"")
+        faults = {}
+        if fault is not None:  # "FUNCTION N ACTION", and the file that it is about
+            faults = dict(zip(("MORVANE_TEST_FAULT", "MORVANE_TEST_FAULT_PATH"), fault))
         with self.stdout.open("wb") as out, self.stderr.open("wb") as err:
             self.process = subprocess.Popen(
                 [*wrapper, DAEMON, *options, parameters, presets, *arguments],
@@ -198,7 +201,7 @@ class Daemon:
                 env=bus.environment(
                     # By name: LD_PRELOAD has no way to write a path with blanks.
                     LD_PRELOAD=SHIM.name, LD_LIBRARY_PATH=str(SHIM.parent),
-                    MORVANE_TEST_LOG=str(self.log_file),
+                    MORVANE_TEST_LOG=str(self.log_file), **faults,
                     ASAN_OPTIONS="verify_asan_link_order=0"))  # the shim comes first
 
     @property

@@ -1,0 +1,120 @@
+/* Makes a chosen file operation of the daemon under test fail, or ends the daemon in front of it.
+ *
+ * MORVANE_TEST_FAULT says which and how: "FUNCTION N ACTION". FUNCTION is one of those below, or
+ * "any"; its N-th call, from 1, on a path that begins with MORVANE_TEST_FAULT_PATH is meant, or on
+ * the folder of that path. ACTION is "kill", or the number of the error to fail with. */
+
+#include <dlfcn.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <limits.h>
+#include <signal.h>
+#include <stdarg.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#define ORIGINAL(name) ((__typeof__(name)*)dlsym(RTLD_NEXT, #name))
+
+/* Whether the path is the file, its backup, or the folder that holds them. */
+static int is_meant(const char* path) {
+    const char* file = getenv("MORVANE_TEST_FAULT_PATH");
+    if (!file || !path)
+        return 0;
+    const size_t folder = (size_t)(strrchr(file, '/') - file);
+    const size_t length = strlen(path);
+    return strncmp(path, file, strlen(file)) == 0 ||
+           (strncmp(path, file, folder) == 0 && (length == folder || length == folder + 1));
+}
+
+/* Whether this call fails; sets errno then. */
+static int fails(const char* function, const char* path) {
+    static int calls = 0;
+    const char* fault = getenv("MORVANE_TEST_FAULT");
+    char meant[16];
+    char action[16];
+    int number = 0;
+    if (!fault || sscanf(fault, "%15s %d %15s", meant, &number, action) != 3 || !is_meant(path) ||
+        (strcmp(meant, "any") != 0 && strcmp(meant, function) != 0) || ++calls != number)
+        return 0;
+    if (strcmp(action, "kill") == 0)
+        raise(SIGKILL);
+    errno = atoi(action);
+    return 1;
+}
+
+static int descriptor_fails(const char* function, int descriptor) {
+    char link[64];
+    char path[PATH_MAX] = "";
+    snprintf(link, sizeof link, "/proc/self/fd/%d", descriptor);
+    const int saved = errno;
+    const ssize_t length = readlink(link, path, sizeof path - 1);
+    errno = saved;
+    return length > 0 && fails(function, path);
+}
+
+int open(const char* path, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = flags & O_CREAT ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    return fails("open", path) ? -1 : ORIGINAL(open)(path, flags, mode);
+}
+
+/* What open becomes in a build with _FORTIFY_SOURCE. */
+int __open_2(const char* path, int flags);
+int __open_2(const char* path, int flags) {
+    return open(path, flags);
+}
+
+FILE* fopen(const char* path, const char* mode) {
+    return fails("fopen", path) ? NULL : ORIGINAL(fopen)(path, mode);
+}
+
+int stat(const char* path, struct stat* status) {
+    return fails("stat", path) ? -1 : ORIGINAL(stat)(path, status);
+}
+
+int rename(const char* from, const char* to) {
+    return fails("rename", from) ? -1 : ORIGINAL(rename)(from, to);
+}
+
+int remove(const char* path) {
+    return fails("remove", path) ? -1 : ORIGINAL(remove)(path);
+}
+
+/* A stream that could not be written to remembers it. */
+int fputs(const char* text, FILE* stream) {
+    if (!descriptor_fails("fputs", fileno(stream)))
+        return ORIGINAL(fputs)(text, stream);
+    const int error = errno;
+    if (fgetc(stream) != EOF || !ferror(stream)) /* an error of a stream that is only written */
+        abort();
+    errno = error;
+    return EOF;
+}
+
+/* A stream that could not be flushed has lost what was in it. */
+int fflush(FILE* stream) {
+    if (!stream || !descriptor_fails("fflush", fileno(stream)))
+        return ORIGINAL(fflush)(stream);
+    const int error = errno;
+    if (ftruncate(fileno(stream), 0) != 0)
+        abort();
+    errno = error;
+    return EOF;
+}
+
+int fsync(int descriptor) {
+    return descriptor_fails("fsync", descriptor) ? -1 : ORIGINAL(fsync)(descriptor);
+}
+
+int fclose(FILE* stream) {
+    const int failed = descriptor_fails("fclose", fileno(stream));
+    const int error = errno;
+    const int result = ORIGINAL(fclose)(stream);
+    errno = error;
+    return failed ? EOF : result;
+}

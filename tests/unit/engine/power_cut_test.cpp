@@ -1,0 +1,183 @@
+// What a power cut can leave of a store, on any file system.
+//
+// The operations of a real store are recorded, and every state of the disk is made that a power cut
+// behind any of them may leave: of what has not been synced, any part may have got to the disk, in
+// any combination. A load of each state must give the old preset or the new one.
+
+#include "engine/preset_backup.h"
+#include "engine/preset_file.h"
+#include "support/file_recorder.h"
+#include "support/log_recorder.h"
+#include "support/temp_folder.h"
+#include "text/line_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace morvane {
+namespace {
+
+const PresetEntryList oldEntries{{"gain", {"1"}, "old"}, {"mode", {}, "old"}};
+const PresetEntryList newEntries{{"gain", {"1"}, "new"}, {"mode", {}, "new"}};
+
+std::string textOf(const PresetEntryList& entries) {
+    std::string text;
+    for (const auto& entry : entries)
+        text += formatPresetLine(entry) + "\n";
+    return text;
+}
+
+/// The names in the folder and what their files hold.
+using Disk = std::map<std::string, std::string>;
+
+constexpr const char* newFile = "\1"; ///< stands for whatever has got to the disk of the new file
+
+std::vector<std::string> recordStore() {
+    const test::TempFolder folder;
+    const auto path = folder.write("p", textOf(oldEntries));
+    const test::FileRecorder files;
+    std::FILE* stream = nullptr;
+    EXPECT_TRUE(openPresetForWrite(path, stream));
+    EXPECT_EQ(writePresetFile(stream, newEntries), 2);
+    EXPECT_TRUE(closePresetAfterWrite(path, stream));
+    auto calls = files.calls();
+    for (auto& call : calls) {
+        if (call.starts_with("fsync ") && call != "fsync p")
+            call = "fsync .";
+    }
+    return calls;
+}
+
+// The ways in which one operation on the folder may have got to the disk.
+std::vector<Disk> outcomesOf(const std::string& call, const Disk& disk) {
+    std::vector<Disk> outcomes{disk};
+    Disk done = disk;
+    if (call == "rename p p_bak") {
+        const auto file = done.find("p");
+        if (file == done.end())
+            return outcomes;
+        done["p_bak"] = file->second;
+        outcomes.push_back(done); // the new name is there and the old one not yet gone
+        done.erase("p");
+    } else if (call == "fopen p") {
+        done["p"] = newFile;
+    } else if (call == "remove p_bak") {
+        done.erase("p_bak");
+    }
+    outcomes.push_back(done);
+    return outcomes;
+}
+
+/// Everything that may be on the disk behind the first `count` calls.
+std::set<Disk> disksBehind(const std::vector<std::string>& calls, std::size_t count) {
+    Disk live{{"p", textOf(oldEntries)}}; // what the running system sees
+    std::set<Disk> disks{live};
+    bool isWritten = false;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (calls[i] == "fsync .")
+            disks = {live};
+        if (calls[i] == "fsync p")
+            isWritten = true;
+        live = outcomesOf(calls[i], live).back();
+        std::set<Disk> next;
+        for (const auto& disk : disks) {
+            for (const auto& outcome : outcomesOf(calls[i], disk))
+                next.insert(outcome);
+        }
+        disks = next;
+    }
+    const auto text = textOf(newEntries);
+    std::set<Disk> filled;
+    for (const auto& disk : disks) {
+        std::vector<std::string> contents{text};
+        if (!isWritten)
+            contents.insert(contents.end(),
+                            {"", text.substr(0, 5), text.substr(0, text.size() - 1),
+                             "gain[1]=new\n", std::string(text.size(), '\0'), "mode=\xff\n"});
+        for (const auto& content : contents) {
+            Disk copy = disk;
+            for (auto& [name, file] : copy) {
+                if (file == newFile)
+                    file = content;
+            }
+            filled.insert(copy);
+        }
+    }
+    return filled;
+}
+
+// What a load reads from a disk; nothing if there is no file.
+std::optional<PresetEntryList> loadFrom(const Disk& disk) {
+    const test::TempFolder folder;
+    for (const auto& [name, content] : disk)
+        folder.write(name, content);
+    std::FILE* raw = nullptr;
+    if (!openPresetForRead(folder.path("p"), raw) || raw == nullptr)
+        return std::nullopt;
+    const OwnedStream stream(raw);
+    PresetEntryList entries;
+    readPresetFile(stream.get(), entries);
+    return entries;
+}
+
+TEST(PowerCut, LeavesTheOldOrTheNewPreset) {
+    const auto calls = recordStore();
+    std::size_t states = 0;
+    for (std::size_t count = 0; count <= calls.size(); ++count) {
+        for (const auto& disk : disksBehind(calls, count)) {
+            SCOPED_TRACE("behind " + std::to_string(count) +
+                         " calls: " + testing::PrintToString(disk));
+            const auto entries = loadFrom(disk);
+            EXPECT_TRUE(entries == oldEntries || entries == newEntries)
+                << testing::PrintToString(entries.has_value());
+            ++states;
+        }
+    }
+    EXPECT_EQ(loadFrom(*disksBehind(calls, calls.size()).begin()), newEntries);
+    EXPECT_EQ(disksBehind(calls, calls.size()).size(), 1U) << "nothing is left to chance";
+    EXPECT_EQ(states, 21U) << "all that this order of the steps allows";
+    test::takeLog();
+}
+
+struct Sync {
+    const char* why;
+    std::size_t position; ///< among the calls of a store
+};
+
+// Each sync is needed: without it there is a state that is neither.
+constexpr Sync syncs[] = {
+    {"the rename", 1},
+    {"the new file", 3},
+    {"the name of the new file", 5},
+};
+
+TEST(PowerCut, WouldLoseThePresetWithoutAnyOfTheSyncs) {
+    const auto calls = recordStore();
+    ASSERT_EQ(calls, (std::vector<std::string>{"rename p p_bak", "fsync .", "fopen p", "fsync p",
+                                               "fclose p", "fsync .", "remove p_bak", "fsync ."}));
+    for (const auto& [why, position] : syncs) {
+        auto without = calls;
+        without.erase(without.begin() + static_cast<std::ptrdiff_t>(position));
+        bool isLost = false;
+        for (std::size_t count = 0; count <= without.size(); ++count) {
+            for (const auto& disk : disksBehind(without, count)) {
+                const auto entries = loadFrom(disk);
+                isLost = isLost || (entries != oldEntries && entries != newEntries);
+            }
+        }
+        EXPECT_TRUE(isLost) << why;
+    }
+    auto withoutLast = calls;
+    withoutLast.pop_back();
+    EXPECT_GT(disksBehind(withoutLast, withoutLast.size()).size(), 1U)
+        << "the client would be told of a preset that may be gone";
+    test::takeLog();
+}
+
+} // namespace
+} // namespace morvane
