@@ -4,6 +4,8 @@ add_library(morvane_options INTERFACE)
 target_compile_features(morvane_options INTERFACE cxx_std_20)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+include(CheckPIESupported)
+check_pie_supported(OUTPUT_VARIABLE pie_output LANGUAGES C CXX)
 
 target_compile_options(morvane_options INTERFACE
     -Werror -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wcast-qual
@@ -13,7 +15,8 @@ target_compile_options(morvane_options INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast;-Wnon-virtual-dtor;-Woverloaded-virtual>
     $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond;-Wduplicated-branches;-Wlogical-op>)
 target_compile_definitions(morvane_options INTERFACE _GNU_SOURCE)
-target_link_options(morvane_options INTERFACE -Wl,-z,relro -Wl,-z,now -Wl,--as-needed)
+target_link_options(morvane_options INTERFACE
+    -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack -Wl,--as-needed)
 
 option(MORVANE_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
 if(MORVANE_SANITIZE)
@@ -21,4 +24,6 @@ if(MORVANE_SANITIZE)
     target_compile_options(morvane_options INTERFACE ${sanitizers})
     target_compile_definitions(morvane_options INTERFACE _GLIBCXX_ASSERTIONS)
     target_link_options(morvane_options INTERFACE ${sanitizers})
+else()
+    target_compile_options(morvane_options INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
 endif()
