@@ -18,6 +18,11 @@ target_compile_definitions(morvane_options INTERFACE _GNU_SOURCE)
 target_link_options(morvane_options INTERFACE
     -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack -Wl,--as-needed)
 
+option(MORVANE_FUZZ "Build the fuzz targets; needs clang and MORVANE_SANITIZE" OFF)
+if(MORVANE_FUZZ)
+    target_compile_options(morvane_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 option(MORVANE_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
 if(MORVANE_SANITIZE)
     set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
