@@ -251,10 +251,10 @@ class Daemon:
         """The living processes of this daemon, also one that detached."""
         mark = f"MORVANE_TEST_LOG={self.log_file}".encode()
         found = []
-        for environment in Path("/proc").glob("[0-9]*/environ"):
+        for pid in filter(str.isdigit, os.listdir("/proc")):
             try:
-                if mark in environment.read_bytes().split(b"\0"):
-                    found.append(int(environment.parent.name))
+                if mark in Path("/proc", pid, "environ").read_bytes().split(b"\0"):
+                    found.append(int(pid))
             except OSError:
                 pass  # it ended meanwhile
         return found
