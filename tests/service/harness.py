@@ -16,8 +16,10 @@ from gi.repository import Gio, GLib
 
 SOURCE = Path(__file__).parents[2]
 BUILD = Path(os.environ["MORVANE_BUILD_DIR"])
-DAEMON = BUILD / "morvane"
-SIMULATOR = BUILD / "parameter-handler-sim"
+# A daemon for another architecture runs under an emulator, beside the simulator of this one.
+EMULATOR = [os.environ["MORVANE_EMULATOR"]] if os.environ.get("MORVANE_EMULATOR") else []
+DAEMON = [*EMULATOR, BUILD / "morvane"]
+SIMULATOR = Path(os.environ["MORVANE_SIMULATOR"])
 SHIM = BUILD / "tests/service/shim/libmorvane-test-shim.so"
 BUS_CONFIG = Path(__file__).parent / "bus.conf"
 
@@ -196,7 +198,7 @@ class Daemon:
             faults = dict(zip(("MORVANE_TEST_FAULT", "MORVANE_TEST_FAULT_PATH"), fault))
         with self.stdout.open("wb") as out, self.stderr.open("wb") as err:
             self.process = subprocess.Popen(
-                [*wrapper, DAEMON, *options, parameters, presets, *arguments],
+                [*wrapper, *DAEMON, *options, parameters, presets, *arguments],
                 stdin=subprocess.DEVNULL, stdout=out, stderr=err,
                 env=bus.environment(
                     # By name: LD_PRELOAD has no way to write a path with blanks.

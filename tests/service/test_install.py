@@ -3,7 +3,7 @@
 import os
 import subprocess
 
-from harness import BUILD
+from harness import BUILD, EMULATOR
 
 FILES = [
     "usr/bin/parameter-handler-sim",
@@ -27,7 +27,7 @@ def test_installs_every_file_where_debian_expects_it(tmp_path):
     installed = sorted(str(path.relative_to(tmp_path)) for path in tmp_path.rglob("*")
                        if path.is_file())
     assert installed == FILES
-    program = subprocess.run([tmp_path / "usr/sbin/morvane", "--version"], check=True,
+    program = subprocess.run([*EMULATOR, tmp_path / "usr/sbin/morvane", "--version"], check=True,
                              capture_output=True, text=True)
     assert program.stdout.startswith("morvane ")
     for name in ("lib/systemd/user/morvane.service",

@@ -96,7 +96,7 @@ def test_reads_the_definitions_before_it_claims_the_name(world):
 def run_program(*arguments):
     """The outcome without any bus to connect to."""
     environment = {k: v for k, v in os.environ.items() if k != "DBUS_SESSION_BUS_ADDRESS"}
-    return subprocess.run([DAEMON, *arguments], capture_output=True, text=True, check=False,
+    return subprocess.run([*DAEMON, *arguments], capture_output=True, text=True, check=False,
                           env=environment)
 
 

@@ -98,7 +98,9 @@ private:
     }
 
     const std::string& anyIndex() {
-        return std::next(indices.begin(), below(indices.size()))->first;
+        auto index = indices.begin();
+        std::advance(index, below(indices.size()));
+        return index->first;
     }
 
     std::string list(const std::string& access) {
