@@ -40,6 +40,20 @@ def test_ends_when_the_bus_stops_during_a_call(world, method):
     assert not (world.folder / "p_bak").exists()
 
 
+@pytest.mark.parametrize("method", ["start", "set_bulk", "set_status", "reset_bulk", "commit"])
+def test_ends_when_the_bus_stops_during_a_call_of_a_load(world, method):
+    handler = world.simulator(faults=f"{method} 1 no-reply\n")
+    daemon = world.daemon()
+    content = "gain[1]=1\nmode=off\ntemperature=1\n"
+    path = world.write("p", content)
+    world.client().start_preset("load_with_default", "scene", str(path))
+    wait_until(lambda: method in handler.methods(), "the call")
+    world.bus.stop()
+    assert daemon.wait() == 1
+    assert daemon.records()[-1] == CLOSED
+    assert path.read_text() == content
+
+
 def test_ends_when_the_bus_stops_while_calls_are_repeated(world):
     daemon = world.daemon()
     world.client().start_preset("store", "scene", str(world.folder / "p"))

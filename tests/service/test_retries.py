@@ -1,7 +1,10 @@
 """A Parameter Handler that refuses, fails or is not there."""
 
+import struct
+
 import pytest
-from harness import ERROR, INFO, Pause, RemoteError, wait_until
+from harness import ERROR, INFO, Pause, RawClient, RemoteError, wait_until
+from jeepney import new_method_return
 from test_methods import ERROR_NAME
 
 FAILED = RemoteError(ERROR_NAME, "dbus_norvix_preset: Store preset failed")
@@ -223,6 +226,111 @@ def test_repeats_a_call_that_is_never_answered(world):
     assert error[1].startswith("ERROR: Start transaction failed (Did not receive a reply.")
     assert done == stored(path)
     assert handler.methods() == ["start", "start", "get_bulk", "end"]
+
+
+TOO_LONG = "more than the bus carries in one list"
+
+
+def test_a_request_that_the_bus_does_not_carry_is_refused_before_it_is_sent(world):
+    handler = world.simulator()
+    daemon = world.daemon()
+    client = world.client()
+    line = "mode=" + "x" * 1000 + "\n"
+    path = world.write("p", line * (64 * 2**20 // 1000))
+    assert client.preset("load", "scene", str(path)) == RemoteError(
+        ERROR_NAME, "dbus_norvix_preset: Load preset failed")
+    expected = refused("parm_set", "parm_set_() - set failed", 10, TOO_LONG)
+    expected[-1] = LOST
+    assert daemon.records_after_start() == expected
+    assert handler.methods() == ["start"]
+    path.write_text("mode=off\n")
+    assert client.preset("load", "scene", str(path)) is True, "on the same connection"
+
+
+def test_a_reply_that_the_bus_does_not_carry_fails_the_request(world):
+    parameters = world.write(
+        "big.def", "n index { rangeValid { 1..64 } }\nbig rw { index { n } }\n")
+    world.simulator(parameters=parameters)
+    presets = world.write("big.presets", "scene preset { }\n")
+    daemon = world.daemon(parameters=parameters, presets=presets)
+    client = world.client()
+    for number in range(1, 65):  # 64 MiB without the lengths of the strings
+        assert client.handler("single_set", "(ss)", f"big[{number}]", "x" * 2**20) == ()
+    path = world.write("p", "old=1\n")
+    assert client.preset("store", "scene", str(path)) == FAILED
+    expected = refused("parm_get", "parm_get_() - bulk get failed", 10,
+                       f"dbus_norvix_transaction: {TOO_LONG}")
+    expected[-1] = LOST
+    assert daemon.records_after_start() == expected
+    assert path.read_text() == "old=1\n"
+    assert client.handler("single_set", "(ss)", "big[1]", "1") == ()
+    assert client.preset("store", "scene", str(path)) is True, "on the same connection"
+    assert path.stat().st_size > 63 * 2**20
+
+
+def reply_of_one(call, serial):
+    return new_method_return(call, "u", (1,)).serialise(serial)
+
+
+def reply_of_65_mebibytes(call, serial):
+    """One that no implementation of D-Bus makes."""
+    message = new_method_return(call, "as", ([],)).serialise(serial)
+    header, text = message[:-4], bytes(2**20 - 5).replace(b"\0", b"x")
+    values = (struct.pack("<I", len(text)) + text + b"\0") * 65
+    return (header[:4] + struct.pack("<I", 4 + len(values)) + header[8:]
+            + struct.pack("<I", len(values)) + values)
+
+
+def test_a_parameter_handler_that_the_bus_cuts_off_is_called_again(world):
+    """One that sends more than the bus carries loses its connection, and the daemon a reply."""
+    daemon = world.daemon()
+    client = world.client()
+    path = world.folder / "p"
+    hostile = RawClient(world.bus)
+    hostile.own("org.norvix.transaction")
+    answer = client.start_preset("store", "scene", str(path))
+    hostile.answer_calls({"start": reply_of_one, "get_bulk": reply_of_65_mebibytes})
+    wait_until(lambda: not client.owns("org.norvix.transaction"), "the bus to cut it off")
+    world.simulator()
+    assert answer() == FAILED, "because the new one does not know the transaction"
+    assert daemon.records_after_start()[0][1].startswith("ERROR: parm_get_() - bulk get failed (")
+    assert client.preset("store", "scene", str(path)) is True, "on the same connection"
+
+
+@pytest.mark.parametrize("method", [*(method for method, *_ in LOAD_OPERATIONS), "commit"])
+def test_a_load_goes_on_when_the_name_was_dropped_for_a_while(world, method):
+    handler = world.simulator(faults=f"{method} 1 drop-name 50\n")
+    daemon = world.daemon()
+    path = world.write("p", ENTRIES.get(method, OTHER_ENTRIES))
+    client = world.client()
+    assert client.preset("load_with_default", "scene", str(path)) is True
+    wait_until(lambda: "end" in handler.methods(), "the end of the transaction")
+    errors = [text for priority, text in daemon.records_after_start() if priority == ERROR]
+    assert all("org.norvix.transaction was not provided" in text for text in errors)
+    assert errors, "the next operation missed the name"
+    # A commit is sent once: its answer comes after the client's.
+    commit_missed_it = any(text.startswith("ERROR: commitCallback() -") for text in errors)
+    assert commit_missed_it == method.startswith("reset")
+    assert client.handler("single_get", "(s)", "mode") == ("auto" if commit_missed_it else "off")
+
+
+def test_a_parameter_handler_that_starts_anew_does_not_know_the_transaction(world):
+    handler = world.simulator(faults="set_status 1 exit\n")
+    daemon = world.daemon()
+    client = world.client()
+    path = world.write("p", OTHER_ENTRIES)
+    answer = client.start_preset("load_with_default", "scene", str(path))
+    handler.process.wait()
+    handler = world.simulator()
+    assert answer() == LOAD_FAILED
+    finals = [record for record in daemon.records_after_start()
+              if isinstance(record, Pause) or "dbus_norvix_transaction" in record[1]
+              or "attempt" in record[1] or record == LOST]
+    expected = refused("parm_set_status", "parm_set_() - set failed", 10,
+                       "dbus_norvix_transaction: unknown transaction 1")
+    expected[-1] = LOST
+    assert finals == expected
+    assert client.preset("load_with_default", "scene", str(path)) is True, "the next request works"
 
 
 def test_a_key_that_is_not_utf8_is_refused_before_it_is_sent(world):

@@ -26,6 +26,16 @@ std::string methodOf(const TransactionService::Invocation& invocation) {
     return g_dbus_method_invocation_get_method_name(invocation.get());
 }
 
+// Whether D-Bus carries these strings in one list. GDBus does not send a longer one and tells
+// nobody, so that the client would wait in vain.
+bool fitsOneList(const std::vector<std::string>& texts) {
+    constexpr std::size_t maximum = std::size_t{64} << 20U;
+    std::size_t size = 0;
+    for (const auto& text : texts) // a length of 4 bytes at a multiple of 4, the text, a byte 0
+        size = (size + 3) / 4 * 4 + 4 + text.size() + 1;
+    return size <= maximum;
+}
+
 void changeCount(const Fault& fault, Outcome& outcome) {
     auto* const values = std::get_if<std::vector<std::string>>(&outcome.result);
     if (values == nullptr)
@@ -138,6 +148,12 @@ Outcome TransactionService::performCall(const Invocation& invocation) {
 void TransactionService::answer(Invocation invocation, const Outcome& outcome) const {
     if (outcome.refusal) {
         answerError(std::move(invocation), refusalMark + *outcome.refusal);
+        return;
+    }
+    const auto* const values = std::get_if<std::vector<std::string>>(&outcome.result);
+    if (values != nullptr && !fitsOneList(*values)) {
+        answerError(std::move(invocation),
+                    refusalMark + std::string("more than the bus carries in one list"));
         return;
     }
     GVariant* const body = replyBody(outcome);

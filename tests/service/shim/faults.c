@@ -1,8 +1,9 @@
-/* Makes a chosen file operation of the daemon under test fail, or ends the daemon in front of it.
+/* Makes a chosen operation of the daemon under test fail, or ends the daemon in front of it.
  *
  * MORVANE_TEST_FAULT says which and how: "FUNCTION N ACTION". FUNCTION is one of those below, or
- * "any"; its N-th call, from 1, on a path that begins with MORVANE_TEST_FAULT_PATH is meant, or on
- * the folder of that path. ACTION is "kill", or the number of the error to fail with. */
+ * "any" for every one of those on files; its N-th call, from 1, on a path that begins with
+ * MORVANE_TEST_FAULT_PATH is meant, or on the folder of that path. Calls of malloc are counted from
+ * the first such operation on a file. ACTION is "kill", or the number of the error to fail with. */
 
 #include <dlfcn.h>
 #include <errno.h>
@@ -29,20 +30,42 @@ static int is_meant(const char* path) {
            (strncmp(path, file, folder) == 0 && (length == folder || length == folder + 1));
 }
 
-/* Whether this call fails; sets errno then. */
-static int fails(const char* function, const char* path) {
-    static int calls = 0;
-    const char* fault = getenv("MORVANE_TEST_FAULT");
-    char meant[16];
+static struct {
+    int is_read;       /* whether the next three have been read from the environment */
+    char function[20]; /* empty for no fault */
+    int number;
     char action[16];
-    int number = 0;
-    if (!fault || sscanf(fault, "%15s %d %15s", meant, &number, action) != 3 || !is_meant(path) ||
-        (strcmp(meant, "any") != 0 && strcmp(meant, function) != 0) || ++calls != number)
+    int calls;
+    int began; /* whether an operation on the file was seen */
+} fault;
+
+static int is_chosen(const char* function) {
+    if (!fault.is_read) {
+        const char* text = getenv("MORVANE_TEST_FAULT");
+        if (!text || sscanf(text, "%19s %d %15s", fault.function, &fault.number, fault.action) != 3)
+            fault.function[0] = 0;
+        fault.is_read = 1;
+    }
+    return strcmp(fault.function, function) == 0;
+}
+
+/* Whether this call, which is one of those that are counted, fails; sets errno then. */
+static int is_its_turn(void) {
+    if (++fault.calls != fault.number)
         return 0;
-    if (strcmp(action, "kill") == 0)
+    if (strcmp(fault.action, "kill") == 0)
         raise(SIGKILL);
-    errno = atoi(action);
+    errno = atoi(fault.action);
     return 1;
+}
+
+/* Whether this operation on a file fails. */
+static int fails(const char* function, const char* path) {
+    const int chosen = is_chosen("any") || is_chosen(function);
+    if (!is_meant(path))
+        return 0;
+    fault.began = 1;
+    return chosen && is_its_turn();
 }
 
 static int descriptor_fails(const char* function, int descriptor) {
@@ -118,3 +141,18 @@ int fclose(FILE* stream) {
     errno = error;
     return failed ? EOF : result;
 }
+
+/* How GLib allocates what it may refuse to. */
+void* g_try_malloc0_n(size_t count, size_t size);
+void* g_try_malloc0_n(size_t count, size_t size) {
+    return is_chosen("g_try_malloc0_n") && is_its_turn() ? NULL : ORIGINAL(g_try_malloc0_n)(count, size);
+}
+
+#ifndef MORVANE_SANITIZE /* which has an allocator of its own */
+void* __libc_malloc(size_t size);
+void* malloc(size_t size) {
+    if (fault.began && is_chosen("malloc") && is_its_turn())
+        return NULL;
+    return __libc_malloc(size);
+}
+#endif
