@@ -145,7 +145,8 @@ int fclose(FILE* stream) {
 /* How GLib allocates what it may refuse to. */
 void* g_try_malloc0_n(size_t count, size_t size);
 void* g_try_malloc0_n(size_t count, size_t size) {
-    return is_chosen("g_try_malloc0_n") && is_its_turn() ? NULL : ORIGINAL(g_try_malloc0_n)(count, size);
+    return is_chosen("g_try_malloc0_n") && is_its_turn() ? NULL
+                                                         : ORIGINAL(g_try_malloc0_n)(count, size);
 }
 
 #ifndef MORVANE_SANITIZE /* which has an allocator of its own */
