@@ -1,36 +1,24 @@
 #include "core/preset_manager.h"
 
+#include "core/definitions.h"
 #include "engine/tables/preset_generate.h"
-#include "paramdef/param_def_file.h"
-#include "paramdef/system_parameter.h"
-#include "presetdef/preset_def_file.h"
-#include "presetdef/preset_validation.h"
 
 namespace morvane {
 
 PresetManager::PresetManager(const std::string& paramDefPath, const std::string& presetDefPath,
                              const SystemArguments& arguments) {
-    SystemParameterTable parameters;
-    if (readParamDefFile(paramDefPath.c_str(), &parameters) != ParamDefResult::ok)
-        return;
-    PresetDefinitions definitions;
-    if (readPresetDefFile(presetDefPath.c_str(), &definitions) !=
-        PresetParseResult::PARSE_PRESET_OK)
-        return;
-    if (validatePresetDefinitions(definitions, parameters) != PresetParseResult::PARSE_PRESET_OK)
-        return;
-    buildTables(parameters, definitions, arguments);
+    if (const auto definitions = readDefinitions(paramDefPath, presetDefPath))
+        *this = PresetManager(*definitions, arguments);
 }
 
-void PresetManager::buildTables(const SystemParameterTable& parameters,
-                                const PresetDefinitions& definitions,
-                                const SystemArguments& arguments) {
+PresetManager::PresetManager(const Definitions& definitions, const SystemArguments& arguments) {
+    const auto& [parameters, presets] = definitions;
     indices_ = PresetGenerate::indexTable(parameters, arguments);
     readOnly_ = PresetGenerate::parameterMap(parameters, arguments, AccessSelector::readOnly);
     readWrite_ = PresetGenerate::parameterMap(parameters, arguments, AccessSelector::readWrite);
-    for (const auto& section : definitions.translateSections)
+    for (const auto& section : presets.translateSections)
         PresetGenerate::addTranslation(section, readWrite_, readOnly_, translation_);
-    for (const auto& preset : definitions.presets) {
+    for (const auto& preset : presets.presets) {
         auto keys = PresetGenerate::keySet(indices_, readWrite_, readOnly_, preset);
         if (!keys.empty())
             presets_.try_emplace(preset.name, std::move(keys)); // the first of a name stays

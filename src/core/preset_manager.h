@@ -13,8 +13,7 @@
 
 namespace morvane {
 
-class SystemParameterTable;
-struct PresetDefinitions;
+struct Definitions;
 
 /// By preset name. A preset that covers no key is not there.
 using PresetTable = std::map<std::string, KeySet, std::less<>>;
@@ -29,6 +28,9 @@ public:
     /// offered all the same, knows no preset, and every request that names one is refused.
     PresetManager(const std::string& paramDefPath, const std::string& presetDefPath,
                   const SystemArguments& arguments);
+
+    /// Derives the tables from definitions that have been read and checked.
+    PresetManager(const Definitions& definitions, const SystemArguments& arguments);
 
     bool is_preset(std::string_view presetName) const;
 
@@ -46,10 +48,17 @@ public:
 
     const TranslationTables& translation() const { return translation_; }
 
-private:
-    void buildTables(const SystemParameterTable& parameters, const PresetDefinitions& definitions,
-                     const SystemArguments& arguments);
+    /// The values of every index of this device.
+    const IndexTable& indices() const { return indices_; }
 
+    /// The read-only and the read-write parameters of this device.
+    const ParameterMap& readOnly() const { return readOnly_; }
+    const ParameterMap& readWrite() const { return readWrite_; }
+
+    /// The presets that cover a key, by name.
+    const PresetTable& presets() const { return presets_; }
+
+private:
     IndexTable indices_;
     ParameterMap readOnly_;
     ParameterMap readWrite_;

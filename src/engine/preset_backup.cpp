@@ -50,11 +50,20 @@ void putBack(const std::string& path) {
     syncFolder(path);
 }
 
+} // namespace
+
+std::string leftOverBackup(const std::string& path) {
+    auto backup = backupOf(path);
+    struct stat status {};
+    return stat(backup.c_str(), &status) == 0 && S_ISREG(status.st_mode) ? backup : "";
+}
+
+namespace {
+
 // Puts the backup of an interrupted store in the place of the half-written file.
 bool recover(const std::string& path) {
-    const auto backup = backupOf(path);
-    struct stat status {};
-    if (stat(backup.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+    const auto backup = leftOverBackup(path);
+    if (backup.empty())
         return true;
     syslog(LOG_INFO, "Backup preset file found.\n");
     return succeededOrMissing(std::remove(path.c_str())) &&

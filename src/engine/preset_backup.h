@@ -15,6 +15,10 @@
 
 namespace morvane {
 
+/// @return the path of the backup that an interrupted store left of this file; empty if there is
+/// none.
+std::string leftOverBackup(const std::string& path);
+
 /// Opens a preset data file for reading. If a store of it was interrupted, its backup is put back
 /// first.
 ///

@@ -6,14 +6,8 @@
 
 namespace morvane {
 
-namespace {
-
-constexpr std::size_t lineBufferSize = 1024;
-
-} // namespace
-
 int readPresetFile(std::FILE* stream, PresetEntryList& entries) {
-    LineReader<lineBufferSize> lines(stream);
+    LineReader<presetLineBufferSize> lines(stream);
     int count = 0;
     while (const auto line = lines.next()) {
         auto entry = parsePresetLine(*line);

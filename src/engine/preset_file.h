@@ -4,9 +4,13 @@
 
 #include "engine/preset_entry.h"
 
+#include <cstddef>
 #include <cstdio>
 
 namespace morvane {
+
+/// For a line with its line feed and a byte 0; longer ones are read as several.
+constexpr std::size_t presetLineBufferSize = 1024;
 
 /// Reads to the end of the stream and appends every entry with a name and a value; all other lines
 /// are skipped, and lines of more than 1023 bytes are read as several.

@@ -12,26 +12,20 @@ namespace morvane {
 
 namespace {
 
-constexpr std::string_view reference = "idx::";
-
-// The old index that an element refers to, or nothing if the entry has no index there.
-const std::string* referredIndex(const std::string& element, std::size_t numberAt,
-                                 const std::vector<std::string>& oldIndices) {
-    // A negative number becomes a huge one, where there is no index either.
-    const auto position =
-        static_cast<std::size_t>(leadingDecimal(std::string_view(element).substr(numberAt)));
-    return position < oldIndices.size() ? &oldIndices[position] : nullptr;
+// What an element stands for: itself, or the old index that it refers to; null if the entry has no
+// index there.
+const std::string* indexOf(const std::string& element, const std::vector<std::string>& oldIndices) {
+    const auto position = PresetTranslate::referredPosition(element);
+    if (!position)
+        return &element;
+    return *position < oldIndices.size() ? &oldIndices[*position] : nullptr;
 }
 
 std::optional<std::vector<std::string>> newIndices(const PresetEntry& entry,
                                                    const IndexTemplate& elements) {
     std::vector<std::string> indices;
     for (const auto& element : elements) {
-        const auto found = element.find(reference);
-        const auto* const index =
-            found == std::string::npos
-                ? &element
-                : referredIndex(element, found + reference.size(), entry.indices);
+        const auto* const index = indexOf(element, entry.indices);
         if (index == nullptr) {
             // The blank that is missing before "with" is part of the text that people search for.
             std::fprintf(stderr,
@@ -57,6 +51,15 @@ void mapName(const TranslationTables& tables, PresetEntry& entry) {
 }
 
 } // namespace
+
+std::optional<std::size_t> PresetTranslate::referredPosition(std::string_view element) {
+    constexpr std::string_view reference = "idx::";
+    const auto found = element.find(reference);
+    if (found == std::string_view::npos)
+        return std::nullopt;
+    // A negative number becomes a huge one, where there is no index either.
+    return static_cast<std::size_t>(leadingDecimal(element.substr(found + reference.size())));
+}
 
 PresetEntry PresetTranslate::translate(PresetEntry entry, const IndexMaps& indexMaps) {
     const auto found = indexMaps.find(entry.name);

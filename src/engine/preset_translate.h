@@ -4,6 +4,10 @@
 #include "engine/preset_entry.h"
 #include "engine/tables/translation_tables.h"
 
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
 namespace morvane {
 
 class PresetManager;
@@ -19,6 +23,10 @@ struct PresetTranslate {
     ///         or the number of indices is today's. An entry without name and value if it cannot
     ///         be mapped, with a message on standard error; it belongs to no preset.
     static PresetEntry translate(PresetEntry entry, const IndexMaps& indexMaps);
+
+    /// The position, counted from 0, of the old index that an element of a template refers to;
+    /// nothing if it is the new index itself. There may be no index at that position.
+    static std::optional<std::size_t> referredPosition(std::string_view element);
 };
 
 } // namespace morvane

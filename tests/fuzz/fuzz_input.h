@@ -42,17 +42,4 @@ inline std::string_view textOf(const std::uint8_t* data, std::size_t size) {
     return {reinterpret_cast<const char*>(data), size};
 }
 
-/// Definitions that stand for more keys than a fuzzer has time for are left out: memory grows with
-/// the keys that somebody asks for, which is no fault.
-inline bool hasHugeNumber(std::string_view text) {
-    std::size_t digits = 0;
-    for (const char c : text) {
-        const bool isDigit = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || c == 'x';
-        digits = isDigit ? digits + 1 : 0;
-        if (digits > 3)
-            return true;
-    }
-    return text.find("<<") != std::string_view::npos || text.find('*') != std::string_view::npos;
-}
-
 } // namespace morvane::fuzz

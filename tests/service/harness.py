@@ -21,6 +21,7 @@ BUILD = Path(os.environ["MORVANE_BUILD_DIR"])
 # A daemon for another architecture runs under an emulator, beside the simulator of this one.
 EMULATOR = [os.environ["MORVANE_EMULATOR"]] if os.environ.get("MORVANE_EMULATOR") else []
 DAEMON = [*EMULATOR, BUILD / "morvane"]
+CTL = [*EMULATOR, BUILD / "morvanectl"]
 SIMULATOR = Path(os.environ["MORVANE_SIMULATOR"])
 SHIM = BUILD / "tests/service/shim/libmorvane-test-shim.so"
 BUS_CONFIG = Path(__file__).parent / "bus.conf"

@@ -6,9 +6,11 @@ import subprocess
 from harness import BUILD, EMULATOR
 
 FILES = [
+    "usr/bin/morvanectl",
     "usr/bin/parameter-handler-sim",
     "usr/lib/systemd/user/morvane.service",
     "usr/sbin/morvane",
+    "usr/share/bash-completion/completions/morvanectl",
     "usr/share/dbus-1/interfaces/org.norvix.preset.xml",
     "usr/share/dbus-1/interfaces/org.norvix.transaction.xml",
     "usr/share/dbus-1/services/org.norvix.preset.service",
@@ -16,6 +18,7 @@ FILES = [
     "usr/share/doc/morvane/examples/older.preset",
     "usr/share/doc/morvane/examples/parameters.def",
     "usr/share/doc/morvane/examples/presets.def",
+    "usr/share/man/man1/morvanectl.1",
     "usr/share/man/man1/parameter-handler-sim.1",
     "usr/share/man/man8/morvane.8",
 ]

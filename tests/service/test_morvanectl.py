@@ -1,0 +1,350 @@
+"""morvanectl: every subcommand with its output and exit status."""
+
+import json
+import os
+import shlex
+import subprocess
+
+import pytest
+from harness import CTL, SOURCE, wait_until
+
+YES, NO, ERROR = 0, 1, 2
+OLD_FILE = """\
+# from the year before
+gain[1]=5
+level=3
+mood=quiet
+gone=1
+nowhere=2
+temperature=50
+gain=1
+"""
+TRANSLATION = """\
+translate {
+    removed { gone }
+    mode { from { mood { quiet = off } } }
+    gain { index 0 { input = 2 } from { level } }
+}
+"""
+
+
+@pytest.fixture
+def ctl(world):
+    """Runs morvanectl with the definitions of the world; returns (status, stdout, stderr)."""
+    world.write("presets.def", TRANSLATION + world.presets.read_text())
+
+    def run(*arguments, definitions=("-p", "parameters.def", "-d", "presets.def"), bus=True):
+        environment = world.bus.environment() if bus else {
+            k: v for k, v in os.environ.items() if k != "DBUS_SESSION_BUS_ADDRESS"}
+        outcome = subprocess.run(
+            [*CTL, *arguments, *definitions], cwd=world.folder, capture_output=True, text=True,
+            check=False, env=environment)
+        return outcome.returncode, outcome.stdout, outcome.stderr
+
+    return run
+
+
+def test_calls_the_service(world, ctl):
+    world.simulator()
+    world.daemon()
+    assert ctl("store", "scene", "p") == (YES, "", ""), "a relative path is the caller's"
+    text = "gain[1]=0\ngain[2]=0\ngain[3]=0\nmode=auto\ntemperature=40\n"
+    assert (world.folder / "p").read_text() == text
+    assert ctl("store-subpreset", "scene", "q", "mode", "gain[2]") == (YES, "", "")
+    assert (world.folder / "q").read_text() == "gain[2]=0\nmode=auto\n"
+    assert ctl("load", "scene", "p") == (YES, "", "")
+    assert ctl("load-with-default", "scene", "q") == (YES, "", "")
+    assert ctl("load-default", "scene") == (YES, "", "")
+    assert ctl("is-preset", "scene") == (YES, "yes\n", "")
+    assert ctl("is-preset", "scenes") == (NO, "no\n", "")
+    assert ctl("in-preset", "scene", "nothing", "mode") == (YES, "yes\n", "")
+    assert ctl("in-preset", "scene", "trigger") == (NO, "no\n", "")
+    assert ctl("status") == (
+        YES, "org.norvix.preset is running\norg.norvix.transaction is running\n", "")
+    assert ctl("die") == (YES, "", "")
+    assert ctl("status", "--json") == (NO, json.dumps(
+        {"org.norvix.preset": False, "org.norvix.transaction": True}, indent=2) + "\n", "")
+
+
+def test_shows_the_error_of_the_service_as_it_came(world, ctl):
+    world.simulator()
+    world.daemon()
+    assert ctl("store", "unknown", "p") == (
+        ERROR, "", "morvanectl: dbus_norvix_preset: Store preset failed\n")
+    assert ctl("load", "scene", "nowhere") == (
+        ERROR, "", "morvanectl: dbus_norvix_preset: Load preset failed\n")
+
+
+def test_says_plainly_that_a_service_is_missing(world, ctl):
+    assert ctl("is-preset", "scene") == (
+        ERROR, "", "morvanectl: the service org.norvix.preset is not running\n")
+    assert ctl("status") == (
+        NO, "org.norvix.preset is not running\norg.norvix.transaction is not running\n", "")
+    status, output, problem = ctl("is-preset", "scene", "--address", "unix:path=/nowhere/bus")
+    assert (status, output) == (ERROR, "")
+    assert problem.startswith("morvanectl: cannot reach the bus (")
+    assert problem.endswith("); set DBUS_SESSION_BUS_ADDRESS, or name the bus with --address\n")
+
+
+def test_uses_the_bus_that_is_named(world, ctl):
+    world.daemon()
+    assert ctl("is-preset", "scene", "--address", world.bus.address, bus=False)[0] == YES
+
+
+def test_says_for_what_it_waits(world, ctl):
+    world.simulator(faults="get_bulk 1 delay 1500\n")
+    world.daemon()
+    assert ctl("store", "scene", "p") == (
+        YES, "", "morvanectl: waiting for org.norvix.preset to answer store\n")
+
+
+def test_refuses_what_the_bus_does_not_carry(world, ctl):
+    world.daemon()
+    assert ctl("is-preset", b"sc\xffne") == (
+        ERROR, "", "morvanectl: names, keys and paths must be UTF-8\n")
+
+
+def test_lists_presets_and_keys(ctl):
+    assert ctl("presets") == (YES, "scene\nsingle\nstates\n", "")
+    assert ctl("presets", "--json") == (YES, '[\n  "scene",\n  "single",\n  "states"\n]\n', "")
+    assert ctl("keys", "scene") == (
+        YES, "gain[1]\ngain[2]\ngain[3]\nmode\ntemperature\n", "")
+    assert ctl("keys", "single", "--json") == (YES, '[\n  "mode"\n]\n', "")
+    assert ctl("keys", "nothing") == (
+        ERROR, "", "morvanectl: no preset nothing covers a key on this variant; see: morvanectl "
+        "presets, morvanectl check\n")
+
+
+def test_names_the_options_when_definitions_cannot_be_read(ctl):
+    assert ctl("keys", "scene", definitions=("-p", "nowhere", "-d", "presets.def")) == (
+        ERROR, "", "morvanectl: cannot read nowhere; name the definition files with --parameters "
+        "and --presets\n")
+
+
+def test_shows_what_a_load_makes_of_each_line(world, ctl):
+    world.write("old", OLD_FILE + "gain[1][2]=7\n")
+    assert ctl("translate", "old") == (YES, """\
+1: # from the year before (skipped: not NAME=VALUE)
+2: gain[1]=5 (kept)
+3: level=3 -> gain[2]=3 (renamed, re-indexed)
+4: mood=quiet -> mode=off (renamed, value mapped)
+5: gone=1 (dropped: gone is in a removed list)
+6: nowhere=2 (dropped: no parameter nowhere on this variant)
+7: temperature=50 (kept)
+8: gain=1 -> gain[2]=1 (re-indexed)
+9: gain[1][2]=7 (dropped: its 2 indices cannot be mapped)
+""", "PresetTranslate::translate() Error:Could not located index mapping for gain with 2 indices\n")
+    world.write("old", "level=3\ngone=1\n")
+    assert json.loads(ctl("translate", "old", "--json")[1]) == [
+        {"line": 1, "before": "level=3", "after": "gain[2]=3", "what": "renamed, re-indexed"},
+        {"line": 2, "before": "gone=1", "after": None,
+         "what": "dropped: gone is in a removed list"},
+    ]
+    assert ctl("translate", "none") == (ERROR, "", "morvanectl: cannot read none\n")
+
+
+@pytest.mark.parametrize("method, arguments", [
+    ("load", ["old"]), ("load-with-default", ["old"]), ("load-default", [])])
+def test_a_dry_run_shows_the_calls_that_a_load_makes(world, ctl, method, arguments):
+    world.write("old", OLD_FILE)
+    status, output, problem = ctl(method, "scene", *arguments, "--dry-run", "--json", bus=False)
+    assert (status, problem) == (YES, "")
+    handler = world.simulator()
+    world.daemon()
+    assert ctl(method, "scene", *arguments)[0] == YES
+    wait_until(lambda: "end" in handler.methods(), "the end of the load")
+    calls = []
+    for name, *rest in handler.calls():
+        lists = [value if isinstance(value, list) else [value] for value in rest[1:]]
+        calls.append({"method": name, **dict(zip(("keys", "values"), lists))})
+    assert json.loads(output) == calls
+
+
+def test_a_dry_run_as_text(world, ctl):
+    world.write("old", OLD_FILE)
+    assert ctl("load-with-default", "scene", "old", "--dry-run", bus=False) == (YES, """\
+start
+set_bulk
+    gain[1]=5
+    gain[2]=3
+    mode=off
+    gain[2]=1
+set_status
+    temperature=50
+reset
+    gain[3]
+commit
+end
+""", "")
+    assert ctl("load", "scene", "none", "--dry-run", bus=False) == (
+        ERROR, "", "morvanectl: Error opening file: none\n")
+    assert ctl("load", "scenes", "old", "--dry-run", bus=False) == (
+        ERROR, "", "morvanectl: Unknown preset definition: scenes\n")
+
+
+def test_a_dry_run_changes_no_file(world, ctl):
+    world.write("old", "half=")
+    world.write("old_bak", "mode=off\n")
+    assert ctl("load", "scene", "old", "--dry-run", bus=False) == (
+        YES, "start\nset\n    mode=off\ncommit\nend\n",
+        "morvanectl: an interrupted store left old_bak, which a load puts back\n")
+    assert (world.folder / "old").read_text() == "half="
+    assert (world.folder / "old_bak").exists()
+
+
+def test_compares_two_files(world, ctl):
+    world.write("a", "mode=auto\ngain[1]=1\ngain[2]=0\nmode=off\n")
+    world.write("b", "gain[1]=2\nmode=off\ngain[3]=3\n")
+    assert ctl("diff", "a", "b") == (
+        NO, "- gain[1]=1\n+ gain[1]=2\n- gain[2]=0\n+ gain[3]=3\n", "")
+    assert json.loads(ctl("diff", "a", "b", "--json")[1])[1:] == [
+        {"key": "gain[2]", "first": "0", "second": None},
+        {"key": "gain[3]", "first": None, "second": "3"},
+    ]
+    assert ctl("diff", "a", "a") == (YES, "", "")
+    assert ctl("diff", "a", "none") == (ERROR, "", "morvanectl: cannot read none\n")
+    assert ctl("diff", "a") == (
+        ERROR, "", "morvanectl: diff needs another FILE, or --live PRESET\n")
+
+
+def test_compares_a_file_with_the_device(world, ctl):
+    world.simulator()
+    world.write("a", "gain[1]=0\ngain[2]=7\nmood=quiet\nserial=B\n")
+    assert ctl("diff", "a", "--live", "scene") == (
+        NO, "- gain[2]=7\n+ gain[2]=0\n+ gain[3]=0\n- mode=off\n+ mode=auto\n+ temperature=40\n",
+        "")
+    world.write("a", "mode=auto\n")
+    assert ctl("diff", "a", "--live", "single") == (YES, "", "")
+
+
+@pytest.mark.parametrize("preset, key, status, reasons", [
+    ("scene", "gain[1]", YES, [
+        "parameters.def:2: gain is rw",
+        "parameters.def:1: index input has the value 1",
+        "presets.def:6: read-write parameters are in a preset unless an exclude list takes them "
+        "away",
+        "no exclude list takes it away"]),
+    ("scene", "gain[9]", NO, [
+        "parameters.def:2: gain is rw",
+        "parameters.def:1: index input has 1, 2, 3, which is not 9"]),
+    ("scene", "gain", NO, [
+        "parameters.def:2: gain is rw", "gain has 1 indices, gain has 0"]),
+    ("single", "gain[1]", NO, [
+        "parameters.def:2: gain is rw",
+        "parameters.def:1: index input has the value 1",
+        "presets.def:7: read-write parameters are in a preset unless an exclude list takes them "
+        "away",
+        "presets.def:7: taken away by the exclude list: item gain"]),
+    ("nothing", "mode", NO, [
+        "parameters.def:3: mode is rw",
+        "presets.def:9: read-write parameters are in a preset unless an exclude list takes them "
+        "away",
+        "presets.def:9: taken away by the exclude list: all"]),
+    ("scene", "temperature", YES, [
+        "parameters.def:4: temperature is ro",
+        "presets.def:6: read-only parameters are in a preset if an include list adds them",
+        "presets.def:6: added by the include list: item temperature"]),
+    ("scene", "serial", NO, [
+        "parameters.def:5: serial is rostrict",
+        "presets.def:6: read-only parameters are in a preset if an include list adds them",
+        "no include list adds it"]),
+    ("scene", "trigger", NO, [
+        "parameters.def:6: trigger is wo",
+        "a preset covers ro, rostrict and rw parameters only"]),
+    ("scene", "nowhere", NO, ["no parameter nowhere in parameters.def"]),
+    ("scenes", "mode", NO, ["parameters.def:3: mode is rw", "no preset scenes in presets.def"]),
+])
+def test_explains_a_key(ctl, preset, key, status, reasons):
+    is_in = "is in" if status == YES else "is not in"
+    assert ctl("explain", preset, key) == (
+        status, f"{key} {is_in} {preset}\n" + "".join(f"    {r}\n" for r in reasons), "")
+    assert json.loads(ctl("explain", preset, key, "--json")[1]) == {
+        "key": key, "preset": preset, "covered": status == YES, "reasons": reasons}
+
+
+def test_explains_which_condition_decides(world, ctl):
+    world.write("parameters.def", """\
+port index { rangeValid { 1..(ports) } ctrlValid (ports > 0) }
+fan rw { ctrlValid (model == "rack" && ports >= 2) }
+led rw { index { port }
+    ctrlValid (fan == 1 ||
+               model == "desk") }
+""")
+    world.write("presets.def", "all preset { exclude rw { led { index { port { 2 } } } } }\n")
+    options = ["-s", "model=rack", "-s", "ports=2"]
+    assert ctl("explain", "all", "fan", *options)[1] == """\
+fan is in all
+    parameters.def:2: fan is rw
+    parameters.def:2: ctrlValid (model == "rack" && ports >= 2) holds (model is rack, ports is 2)
+    presets.def:1: read-write parameters are in a preset unless an exclude list takes them away
+    no exclude list takes it away
+"""
+    assert ctl("explain", "all", "fan", "-s", "model=desk")[1] == """\
+fan is not in all
+    parameters.def:2: fan is rw
+    parameters.def:2: ctrlValid (model == "rack" && ports >= 2) cannot be evaluated, so it does \
+not hold (model is desk, ports has no value)
+"""
+    assert ctl("explain", "all", "fan", "-s", "model=desk", "-s", "ports=9")[1].endswith(
+        'does not hold (model is desk, ports is 9)\n')
+    assert ctl("explain", "all", "led[2]", *options)[1] == """\
+led[2] is not in all
+    parameters.def:3: led is rw
+    parameters.def:4: ctrlValid (fan == 1 || model == "desk") counts as met (fan is a parameter, \
+whose value is not known yet, model is rack)
+    parameters.def:1: ctrlValid (ports > 0) holds (ports is 2)
+    parameters.def:1: index port has the value 2
+    presets.def:1: read-write parameters are in a preset unless an exclude list takes them away
+    presets.def:1: taken away by the exclude list: item led, index clause on line 1
+"""
+    assert ctl("explain", "all", "led[1]", "-s", "ports=0")[1].endswith(
+        "    parameters.def:1: ctrlValid (ports > 0) does not hold (ports is 0)\n"
+        "    parameters.def:1: index port does not exist on this variant\n")
+
+
+def test_prints_help_and_version(ctl):
+    status, output, problem = ctl("--help")
+    assert (status, problem) == (YES, "")
+    assert "\nExit status: 0 yes or same, 1 no or different, 2 error.\n" in output
+    assert ctl("--version")[:2] == (YES, "1.07\n")
+
+
+@pytest.mark.parametrize("arguments", [
+    [], ["no-such-command"], ["keys"], ["load", "scene"], ["keys", "scene", "-s", "novalue"]])
+def test_a_wrong_command_line_is_an_error(ctl, arguments):
+    status, output, problem = ctl(*arguments)
+    assert (status, output) == (ERROR, "")
+    assert problem.endswith("Run with --help for more information.\n")
+
+
+def complete(world, *words):
+    """What bash offers for the last word."""
+    script = (f"source {shlex.quote(str(SOURCE))}/tools/morvanectl/completion.bash\n"
+              f"COMP_WORDS=(morvanectl {shlex.join(words)})\n"
+              "COMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n"
+              "_morvanectl\n"
+              "printf '%s\\n' \"${COMPREPLY[@]}\"")
+    tools = world.folder / "bin"
+    tools.mkdir(exist_ok=True)
+    command = shlex.join(map(str, CTL))
+    (tools / "morvanectl").write_text(f'#!/bin/sh\nexec {command} "$@"\n')
+    (tools / "morvanectl").chmod(0o755)
+    outcome = subprocess.run(["bash", "-c", script], cwd=world.folder, capture_output=True,
+                             text=True, check=True,
+                             env={**os.environ, "PATH": f"{tools}:{os.environ['PATH']}"})
+    return sorted(outcome.stdout.split())
+
+
+def test_bash_completes(world):
+    options = ["-p", "parameters.def", "-d", "presets.def"]
+    assert complete(world, "st") == ["status", "store", "store-subpreset"]
+    assert complete(world, "--js") == ["--json"]
+    assert complete(world, *options, "keys", "s") == ["scene", "single", "states"]
+    assert complete(world, *options, "keys", "") == ["scene", "single", "states"]
+    assert complete(world, *options, "explain", "scene", "gain") == [
+        "gain[1]", "gain[2]", "gain[3]"]
+    assert complete(world, *options, "in-preset", "single", "") == ["mode"]
+    assert complete(world, *options, "translate", "para") == ["parameters.def"]
+    assert complete(world, *options, "load", "scene", "pre") == ["presets.def"]
+    assert complete(world, *options, "load", "--dr") == ["--dry-run"]
+    assert complete(world, "--parameters", "para") == ["parameters.def"]

@@ -1,0 +1,54 @@
+// Calls on the session bus. GDBus lives here and nowhere else in morvanectl.
+#pragma once
+
+#include "paramhandler/glib_owned.h"
+
+#include <gio/gio.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace morvane::ctl {
+
+/// A service: its name, and its one object and interface.
+struct Service {
+    const char* name;
+    const char* path;
+};
+
+constexpr Service presetService{"org.norvix.preset", "/preset"};
+constexpr Service parameterHandler{"org.norvix.transaction", "/transaction"};
+
+using OwnedVariant = std::unique_ptr<GVariant, ReleasedBy<g_variant_unref>>;
+
+/// An answer, or the text of an error.
+struct Answer {
+    OwnedVariant values; ///< null after an error
+    std::string error;
+};
+
+/// A connection to a bus.
+class BusClient {
+public:
+    /// Connects. On failure the object is of no use and `error` says why.
+    /// @param address empty for the session bus.
+    BusClient(const std::string& address, std::string& error);
+
+    /// Calls a method and waits for the answer, however long that takes; says after a second on
+    /// standard error for what it waits. Lets the bus start the service.
+    ///
+    /// @param arguments a floating tuple, which is consumed.
+    Answer call(const Service& service, const char* method, GVariant* arguments) const;
+
+    /// Whether the service runs; nothing if the bus does not answer.
+    std::optional<bool> isRunning(const Service& service) const;
+
+private:
+    std::unique_ptr<GDBusConnection, ReleasedBy<g_object_unref>> bus_;
+};
+
+/// A floating array of strings.
+GVariant* stringArray(const std::vector<std::string>& texts);
+
+} // namespace morvane::ctl

@@ -1,0 +1,207 @@
+// morvanectl check: the errors that the daemon reports, and what else may be a mistake, on one
+// variant of the device or on many.
+
+#include "commands.h"
+#include "output.h"
+#include "problem.h"
+#include "text/line_reader.h"
+#include "text/report.h"
+#include "warnings.h"
+
+#include <algorithm>
+#include <cctype>
+#include <map>
+#include <tuple>
+
+namespace morvane::ctl {
+
+namespace {
+
+/// Warnings with the variants on which they arise.
+using Findings = std::map<Warning, std::vector<std::string>>;
+
+/// The lines of a definition file, cut where the daemon cuts them.
+class SourceFile {
+public:
+    explicit SourceFile(std::string path) : path_(std::move(path)) {
+        const OwnedStream stream(std::fopen(path_.c_str(), "r"));
+        if (!stream)
+            return;
+        LineReader<512> reader(stream.get());
+        while (const auto line = reader.next())
+            lines_.emplace_back(*line);
+    }
+
+    struct Place {
+        std::uint32_t line;
+        std::uint32_t column;
+        std::string text; ///< of the line
+    };
+
+    const std::string& path() const { return path_; }
+
+    /// Where the caret of a warning goes: its column, or its word, which stands on its line or a
+    /// later one; else the beginning of its line.
+    Place find(const Warning& warning) const {
+        const auto& [file, line, word, text, column] = warning;
+        return column ? Place{line, *column, textOf(line)} : findWord(line, word);
+    }
+
+private:
+    std::string textOf(std::uint32_t line) const {
+        return line - 1 < lines_.size() ? lines_[line - 1] : "";
+    }
+
+    Place findWord(std::uint32_t line, const std::string& word) const {
+        for (std::size_t i = line - 1; i < lines_.size(); ++i) {
+            const auto column = columnOf(lines_[i], word);
+            if (column != std::string::npos)
+                return {static_cast<std::uint32_t>(i + 1), static_cast<std::uint32_t>(column),
+                        lines_[i]};
+        }
+        return {line, 0, textOf(line)};
+    }
+
+    static bool isWordCharacter(char c) {
+        return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
+    }
+
+    // The column at which the word stands by itself.
+    static std::size_t columnOf(const std::string& line, const std::string& word) {
+        for (auto at = line.find(word); at != std::string::npos; at = line.find(word, at + 1)) {
+            const auto end = at + word.size();
+            if ((at == 0 || !isWordCharacter(line[at - 1])) &&
+                (end == line.size() || !isWordCharacter(line[end])))
+                return at;
+        }
+        return std::string::npos;
+    }
+
+    std::string path_;
+    std::vector<std::string> lines_;
+};
+
+/// Every combination of the values of the axes, as system arguments, first name first.
+std::vector<std::vector<std::string>> combinations(const std::vector<VariantAxis>& axes) {
+    std::vector<std::vector<std::string>> all{{}};
+    for (const auto& [name, values] : axes) {
+        std::vector<std::vector<std::string>> longer;
+        for (const auto& shorter : all) {
+            for (const auto& value : values) {
+                longer.push_back(shorter);
+                longer.back().push_back(std::string(name).append("=").append(value));
+            }
+        }
+        all = std::move(longer);
+    }
+    return all;
+}
+
+std::string joined(const std::vector<std::string>& texts, const char* separator) {
+    std::string all;
+    for (const auto& text : texts)
+        all += (all.empty() ? "" : separator) + text;
+    return all;
+}
+
+void addFindings(const Variant& variant, const SystemArguments& arguments, const std::string& name,
+                 Findings& findings) {
+    for (const auto& warnings : {parameterWarnings(variant, arguments), presetWarnings(variant),
+                                 translateWarnings(variant)}) {
+        for (const auto& warning : warnings) {
+            auto& names = findings[warning];
+            if (names.empty() || names.back() != name)
+                names.push_back(name);
+        }
+    }
+}
+
+Findings findAll(const Settings& settings, const Definitions& definitions) {
+    Findings findings;
+    for (const auto& combination : combinations(settings.axes)) {
+        SystemArguments arguments;
+        for (const auto& argument : combination)
+            addSystemArgument(arguments, argument);
+        arguments.insert(settings.systemArguments.begin(), settings.systemArguments.end());
+        const Variant variant{definitions, PresetManager(definitions, arguments)};
+        addFindings(variant, arguments, joined(combination, " "), findings);
+    }
+    return findings;
+}
+
+/// A warning at its place.
+struct Finding {
+    Warning::File file;
+    SourceFile::Place place;
+    std::string text;
+    std::vector<std::string> variants;
+};
+
+/// Writes what was found, in the order of the places.
+class FindingsWriter {
+public:
+    FindingsWriter(const Settings& settings, const Findings& findings)
+        : parameters_(settings.paramDefFile),
+          presets_(settings.presetDefFile),
+          variantCount_(combinations(settings.axes).size()) {
+        for (const auto& [warning, variants] : findings)
+            findings_.push_back(
+                {warning.file, fileOf(warning.file).find(warning), warning.text, variants});
+        std::stable_sort(findings_.begin(), findings_.end(), [](const auto& a, const auto& b) {
+            return std::tie(a.file, a.place.line, a.place.column) <
+                   std::tie(b.file, b.place.line, b.place.column);
+        });
+    }
+
+    void write() const {
+        for (const auto& [file, place, text, variants] : findings_)
+            reportAtCaret(fileOf(file).path() + ":" + std::to_string(place.line) +
+                              ": warning: " + text + whereText(variants) + "\n",
+                          place.text, place.column);
+    }
+
+    void writeAsJson() const {
+        auto list = Json::array();
+        for (const auto& [file, place, text, variants] : findings_) {
+            Json entry{{"file", fileOf(file).path()},
+                       {"line", place.line},
+                       {"column", place.column + 1},
+                       {"text", text}};
+            if (variantCount_ > 1)
+                entry["variants"] = variants;
+            list.push_back(std::move(entry));
+        }
+        writeJson(list);
+    }
+
+private:
+    const SourceFile& fileOf(Warning::File file) const {
+        return file == Warning::File::parameters ? parameters_ : presets_;
+    }
+
+    std::string whereText(const std::vector<std::string>& variants) const {
+        if (variantCount_ == 1)
+            return {};
+        return variants.size() == variantCount_ ? " [every variant]"
+                                                : " [" + joined(variants, "; ") + "]";
+    }
+
+    SourceFile parameters_;
+    SourceFile presets_;
+    std::size_t variantCount_;
+    std::vector<Finding> findings_;
+};
+
+} // namespace
+
+ExitStatus checkDefinitions(const Settings& settings) {
+    const auto definitions = readBothFiles(settings);
+    if (!definitions)
+        return ExitStatus::error;
+    const auto findings = findAll(settings, *definitions);
+    const FindingsWriter writer(settings, findings);
+    settings.json ? writer.writeAsJson() : writer.write();
+    return findings.empty() ? ExitStatus::yes : ExitStatus::no;
+}
+
+} // namespace morvane::ctl

@@ -1,0 +1,11 @@
+// The command line of morvanectl.
+#pragma once
+
+#include "exit_status.h"
+
+namespace morvane::ctl {
+
+/// Parses the command line and runs the subcommand.
+ExitStatus runCommandLine(int argc, char** argv);
+
+} // namespace morvane::ctl

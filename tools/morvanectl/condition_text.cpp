@@ -1,0 +1,96 @@
+#include "condition_text.h"
+
+#include "paramdef/evaluator.h"
+#include "text/cursor.h"
+
+#include <algorithm>
+
+namespace morvane::ctl {
+
+namespace {
+
+bool namesParameter(const Expression& condition, const SystemParameterTable& parameters) {
+    return std::any_of(condition.tokens.begin(), condition.tokens.end(), [&](const Token& token) {
+        return token.type == TokenType::TOKEN_NAME && parameters.find(token.text) != nullptr;
+    });
+}
+
+bool canBeEvaluated(const Expression& condition, const NameTable& names) {
+    ExprValue value;
+    evaluate(condition, names, &value);
+    return value.type != ExprValue::Type::invalid;
+}
+
+// The length of a token that begins here, as it was written.
+std::size_t lengthOf(const Token& token, std::string_view text) {
+    constexpr std::string_view operators = "|&^=!<>+-*/%$";
+    if (token.type == TokenType::TOKEN_STRING)
+        return std::min(text.find('"', 1), text.size() - 1) + 1;
+    if (token.type == TokenType::TOKEN_LPAREN || token.type == TokenType::TOKEN_RPAREN)
+        return 1;
+    if (isOperator(token.type))
+        return std::min(text.find_first_not_of(operators), text.size());
+    return Cursor({text, token.line}).word("(){},\"|&^=!<>+*/%$").size();
+}
+
+} // namespace
+
+Verdict judge(const Expression& condition, const SystemParameterTable& parameters,
+              const SystemArguments& arguments) {
+    if (condition.empty())
+        return Verdict::holds;
+    if (namesParameter(condition, parameters))
+        return hasStructure(condition) ? Verdict::laterHolds : Verdict::unusable;
+    if (conditionHolds(condition, parameters, arguments))
+        return Verdict::holds;
+    return canBeEvaluated(condition, arguments) ? Verdict::fails : Verdict::unusable;
+}
+
+bool hasStructure(const Expression& condition) {
+    NameTable names;
+    for (const auto& token : condition.tokens) {
+        if (token.type == TokenType::TOKEN_NAME)
+            names.try_emplace(token.text, "1");
+    }
+    return canBeEvaluated(condition, names);
+}
+
+std::string textOf(const Expression& condition) {
+    std::string text;
+    const auto& [tokens, lines] = condition;
+    std::size_t end = 0; // of the token before, on its line
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        const auto& token = tokens[i];
+        const std::string_view line = lines.at(token.line);
+        const bool isNewLine = i == 0 || tokens[i - 1].line != token.line;
+        if (i > 0 && (isNewLine || token.column > end))
+            text += ' ';
+        const auto length = lengthOf(token, line.substr(token.column));
+        text += line.substr(token.column, length);
+        end = token.column + length;
+    }
+    return text;
+}
+
+std::vector<std::string> valuesSeen(const Expression& condition,
+                                    const SystemParameterTable& parameters,
+                                    const SystemArguments& arguments) {
+    std::vector<std::string> seen;
+    for (const auto& token : condition.tokens) {
+        if (token.type != TokenType::TOKEN_NAME)
+            continue;
+        const auto argument = arguments.find(token.text);
+        auto text = token.text;
+        if (parameters.find(token.text) != nullptr)
+            text += " is a parameter, whose value is not known yet";
+        else if (argument == arguments.end())
+            text += " has no value";
+        else
+            text += " is " + argument->second;
+        if (std::find(seen.begin(), seen.end(), text) == seen.end())
+            seen.push_back(std::move(text));
+    }
+    return seen;
+}
+
+} // namespace morvane::ctl

@@ -1,0 +1,34 @@
+// Conditions of parameter definitions, put in words.
+#pragma once
+
+#include "engine/tables/condition.h"
+#include "paramdef/system_parameter.h"
+
+#include <string>
+#include <vector>
+
+namespace morvane::ctl {
+
+/// What decides a condition on a variant.
+enum class Verdict {
+    holds,
+    fails,
+    laterHolds, ///< it names a parameter, so it counts as met
+    unusable,   ///< it cannot be evaluated
+};
+
+Verdict judge(const Expression& condition, const SystemParameterTable& parameters,
+              const SystemArguments& arguments);
+
+/// Whether the condition could be evaluated if its names had values.
+bool hasStructure(const Expression& condition);
+
+/// The condition as it was written, on one line.
+std::string textOf(const Expression& condition);
+
+/// Each name in the condition with the value it has, such as "inputs is 4" or "model has no value".
+std::vector<std::string> valuesSeen(const Expression& condition,
+                                    const SystemParameterTable& parameters,
+                                    const SystemArguments& arguments);
+
+} // namespace morvane::ctl

@@ -1,0 +1,141 @@
+// morvanectl diff: what values two preset data files, or a file and the device, have otherwise.
+
+#include "bus_client.h"
+#include "commands.h"
+#include "engine/preset_file.h"
+#include "engine/preset_translate.h"
+#include "output.h"
+#include "problem.h"
+#include "text/line_reader.h"
+#include "variant.h"
+
+#include <iostream>
+#include <map>
+#include <optional>
+
+namespace morvane::ctl {
+
+namespace {
+
+using Values = std::map<std::string, std::string>;
+
+struct Difference {
+    std::string key;
+    std::optional<std::string> first;
+    std::optional<std::string> second;
+};
+
+std::optional<PresetEntryList> readEntries(const std::string& file) {
+    const OwnedStream stream(std::fopen(file.c_str(), "r"));
+    if (!stream) {
+        fail("cannot read " + file);
+        return std::nullopt;
+    }
+    PresetEntryList entries;
+    readPresetFile(stream.get(), entries);
+    return entries;
+}
+
+// Of two lines with one key the second counts, as it does when both are loaded.
+Values valuesOf(const PresetEntryList& entries) {
+    Values values;
+    for (const auto& entry : entries)
+        values[presetKey(entry)] = entry.value;
+    return values;
+}
+
+std::optional<std::string> find(const Values& values, const std::string& key) {
+    const auto found = values.find(key);
+    return found == values.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::vector<Difference> differences(const Values& first, const Values& second) {
+    std::vector<Difference> result;
+    Values all = first;
+    all.insert(second.begin(), second.end());
+    for (const auto& [key, value] : all) {
+        Difference difference{key, find(first, key), find(second, key)};
+        if (difference.first != difference.second)
+            result.push_back(std::move(difference));
+    }
+    return result;
+}
+
+ExitStatus show(const std::vector<Difference>& differences, bool asJson) {
+    auto list = Json::array();
+    for (const auto& [key, first, second] : differences) {
+        list.push_back({{"key", key},
+                        {"first", first ? Json(*first) : Json()},
+                        {"second", second ? Json(*second) : Json()}});
+        if (asJson)
+            continue;
+        if (first)
+            std::cout << "- " << key << '=' << *first << '\n';
+        if (second)
+            std::cout << "+ " << key << '=' << *second << '\n';
+    }
+    if (asJson)
+        writeJson(list);
+    return differences.empty() ? ExitStatus::yes : ExitStatus::no;
+}
+
+// The values of the device, of all keys at once.
+std::optional<Values> liveValues(const std::string& address, const std::vector<std::string>& keys) {
+    constexpr guint32 noOption = 0;
+    std::string problem;
+    const BusClient bus(address, problem);
+    if (!problem.empty()) {
+        fail(problem);
+        return std::nullopt;
+    }
+    const auto answer = bus.call(parameterHandler, "single_get_bulk",
+                                 g_variant_new("(u@as)", noOption, stringArray(keys)));
+    if (!answer.values) {
+        fail(answer.error);
+        return std::nullopt;
+    }
+    if (g_variant_is_of_type(answer.values.get(), G_VARIANT_TYPE("(as)")) == FALSE) {
+        fail("the Parameter Handler answered something else than texts");
+        return std::nullopt;
+    }
+    const OwnedVariant list(g_variant_get_child_value(answer.values.get(), 0));
+    if (g_variant_n_children(list.get()) != keys.size()) {
+        fail("the Parameter Handler answered another number of values");
+        return std::nullopt;
+    }
+    Values values;
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        const OwnedVariant text(g_variant_get_child_value(list.get(), i));
+        values[keys[i]] = g_variant_get_string(text.get(), nullptr);
+    }
+    return values;
+}
+
+} // namespace
+
+ExitStatus diffFiles(const Settings& settings) {
+    const auto first = readEntries(settings.file);
+    const auto second = readEntries(settings.otherFile);
+    if (!first || !second)
+        return ExitStatus::error;
+    return show(differences(valuesOf(*first), valuesOf(*second)), settings.json);
+}
+
+ExitStatus diffLive(const Settings& settings) {
+    auto variantSettings = settings;
+    variantSettings.preset = settings.livePreset;
+    const auto variant = readVariantWithPreset(variantSettings);
+    auto entries = readEntries(settings.file);
+    if (!variant || !entries)
+        return ExitStatus::error;
+    const auto& keys = *variant->manager.findPreset(settings.livePreset);
+    translateEntries(variant->manager, *entries);
+    std::erase_if(*entries,
+                  [&keys](const PresetEntry& entry) { return !keys.contains(presetKey(entry)); });
+    const auto live = liveValues(settings.address, {keys.begin(), keys.end()});
+    if (!live)
+        return ExitStatus::error;
+    return show(differences(valuesOf(*entries), *live), settings.json);
+}
+
+} // namespace morvane::ctl

@@ -1,0 +1,126 @@
+// morvanectl load --dry-run: the calls that the Parameter Handler would get, from the code of the
+// load itself.
+
+#include "commands.h"
+#include "engine/load_preset.h"
+#include "engine/parameter_operations.h"
+#include "engine/preset_backup.h"
+#include "output.h"
+#include "problem.h"
+#include "variant.h"
+
+#include <syslog.h>
+
+#include <iostream>
+#include <string_view>
+
+namespace morvane::ctl {
+
+namespace {
+
+/// One call of the Parameter Handler.
+struct Call {
+    std::string method;
+    std::vector<std::string> keys;
+    std::vector<std::string> values; ///< one for each key of a set, none of a reset
+};
+
+/// Writes down what the engine asks for.
+class CallList {
+public:
+    ParameterOperations operations() {
+        ParameterOperations operations;
+        operations.parm_start_trans = [this](Transaction&) { return add({"start", {}, {}}); };
+        operations.parm_set = [this](Transaction, auto values) { return set("set", values); };
+        operations.parm_set_status = [this](Transaction, auto values) {
+            return set("set_status", values);
+        };
+        operations.parm_reset = [this](Transaction, auto keys) { return reset("reset", keys); };
+        operations.parm_reset_status = [this](Transaction, auto keys) {
+            return reset("reset_status", keys);
+        };
+        operations.parm_commit = [this](Transaction) {
+            return add({"commit", {}, {}}) && add({"end", {}, {}});
+        };
+        return operations;
+    }
+
+    const std::vector<Call>& calls() const { return calls_; }
+
+private:
+    bool add(Call call) {
+        if (call.keys.size() > 1)
+            call.method += "_bulk";
+        calls_.push_back(std::move(call));
+        return true;
+    }
+
+    bool set(const char* method, std::span<const KeyValue> values) {
+        Call call{method, {}, {}};
+        for (const auto& [key, value] : values) {
+            call.keys.push_back(key);
+            call.values.push_back(value);
+        }
+        return values.empty() || add(std::move(call));
+    }
+
+    bool reset(const char* method, std::span<const std::string> keys) {
+        return keys.empty() || add({method, {keys.begin(), keys.end()}, {}});
+    }
+
+    std::vector<Call> calls_;
+};
+
+void writeCalls(const std::vector<Call>& calls) {
+    for (const auto& [method, keys, values] : calls) {
+        std::cout << method << '\n';
+        for (std::size_t i = 0; i < keys.size(); ++i)
+            std::cout << "    " << keys[i] << (values.empty() ? "" : "=" + values[i]) << '\n';
+    }
+}
+
+void writeCallsAsJson(const std::vector<Call>& calls) {
+    auto list = Json::array();
+    for (const auto& [method, keys, values] : calls) {
+        Json call{{"method", method}};
+        if (!keys.empty())
+            call["keys"] = keys;
+        if (!values.empty())
+            call["values"] = values;
+        list.push_back(std::move(call));
+    }
+    writeJson(list);
+}
+
+// A load puts a left-over backup back; nothing is changed here, so the backup itself is read.
+std::string fileToLoad(const std::string& file) {
+    auto backup = leftOverBackup(file);
+    if (backup.empty())
+        return file;
+    note("an interrupted store left " + backup + ", which a load puts back");
+    return backup;
+}
+
+} // namespace
+
+ExitStatus showLoad(const Settings& settings, const char* method) {
+    const auto variant = readVariant(settings);
+    if (!variant)
+        return ExitStatus::error;
+    // The reasons for which a load fails are written to the system log, and here to standard error.
+    openlog("morvanectl", LOG_PERROR, LOG_USER);
+    setlogmask(LOG_UPTO(LOG_ERR));
+    CallList list;
+    const auto operations = list.operations();
+    const bool loaded =
+        std::string_view(method) == "load_default"
+            ? loadDefaults(&operations, settings.preset, variant->manager)
+            : loadPreset(&operations, settings.preset, fileToLoad(settings.file), variant->manager,
+                         std::string_view(method) == "load_with_default");
+    if (!loaded)
+        return ExitStatus::error;
+    settings.json ? writeCallsAsJson(list.calls()) : writeCalls(list.calls());
+    return ExitStatus::yes;
+}
+
+} // namespace morvane::ctl

@@ -1,0 +1,207 @@
+// morvanectl explain: why a key is or is not in a preset, down to the clause that decides.
+
+#include "commands.h"
+#include "condition_text.h"
+#include "engine/preset_entry.h"
+#include "engine/tables/preset_generate.h"
+#include "output.h"
+#include "preset_parts.h"
+#include "problem.h"
+#include "variant.h"
+
+#include <algorithm>
+#include <array>
+#include <iostream>
+
+namespace morvane::ctl {
+
+namespace {
+
+using Kind = PresetList::Kind;
+
+constexpr std::array accessWords = {"an index", "ro", "rostrict", "wo", "rw"};
+
+/// Gathers the reasons for one key and one preset.
+class Explanation {
+public:
+    Explanation(const Settings& settings, const Variant& variant)
+        : settings_(settings),
+          parameters_(variant.definitions.parameters),
+          presets_(variant.definitions.presets.presets),
+          manager_(variant.manager),
+          key_(parsePresetKey(settings.key)) {}
+
+    const std::vector<std::string>& lines() const { return lines_; }
+
+    void explain() {
+        if (explainParameter())
+            explainPreset();
+    }
+
+private:
+    static std::string at(const std::string& file, std::uint32_t line) {
+        return file + ":" + std::to_string(line) + ": ";
+    }
+
+    void add(const std::string& file, std::uint32_t line, const std::string& text) {
+        lines_.push_back(at(file, line) + text);
+    }
+
+    static std::string shortList(const IndexValues& values) {
+        constexpr std::size_t most = 8;
+        std::string text;
+        for (std::size_t i = 0; i < std::min(values.size(), most); ++i)
+            text += (i == 0 ? "" : ", ") + values[i];
+        if (values.size() > most)
+            text += " and " + std::to_string(values.size() - most) + " more";
+        return values.empty() ? "no value" : text;
+    }
+
+    // Says whether the parameter and this instance of it exist on this variant.
+    bool explainParameter() {
+        const auto* const parameter = parameters_.find(key_.name);
+        if (parameter == nullptr) {
+            lines_.push_back("no parameter " + key_.name + " in " + settings_.paramDefFile);
+            return false;
+        }
+        const auto access = static_cast<std::size_t>(parameter->access);
+        add(settings_.paramDefFile, parameter->line,
+            parameter->name + " is " + accessWords.at(access));
+        bool exists = true;
+        for (const auto& condition : parameter->ctrlValid)
+            exists = explainCondition(condition) && exists;
+        if (!exists)
+            return false;
+        if (parameter->access == AccessType::ACCESS_WO ||
+            parameter->access == AccessType::ACCESS_INDEX) {
+            lines_.emplace_back("a preset covers ro, rostrict and rw parameters only");
+            return false;
+        }
+        return explainIndices(*parameter);
+    }
+
+    bool explainCondition(const Expression& condition) {
+        std::string seen;
+        for (const auto& value : valuesSeen(condition, parameters_, settings_.systemArguments))
+            seen += (seen.empty() ? " (" : ", ") + value;
+        seen += seen.empty() ? "" : ")";
+        const auto verdict = judge(condition, parameters_, settings_.systemArguments);
+        const char* const text = verdict == Verdict::holds        ? " holds"
+                                 : verdict == Verdict::laterHolds ? " counts as met"
+                                 : verdict == Verdict::fails
+                                     ? " does not hold"
+                                     : " cannot be evaluated, so it does not hold";
+        const auto line = condition.empty() ? 0 : condition.tokens.front().line;
+        add(settings_.paramDefFile, line, "ctrlValid (" + textOf(condition) + ")" + text + seen);
+        return conditionHolds(condition, parameters_, settings_.systemArguments);
+    }
+
+    bool explainIndices(const SystemParameter& parameter) {
+        if (parameter.indices.size() != key_.indices.size()) {
+            lines_.push_back(parameter.name + " has " + std::to_string(parameter.indices.size()) +
+                             " indices, " + settings_.key + " has " +
+                             std::to_string(key_.indices.size()));
+            return false;
+        }
+        bool all = true;
+        for (std::size_t i = 0; i < key_.indices.size(); ++i)
+            all = explainIndex(parameter.indices[i].indexName(), key_.indices[i]) && all;
+        return all;
+    }
+
+    bool explainIndex(const std::string& name, const std::string& value) {
+        const auto* const index = parameters_.find(name);
+        if (index == nullptr || index->access != AccessType::ACCESS_INDEX) {
+            lines_.push_back("no index " + name + " in " + settings_.paramDefFile);
+            return false;
+        }
+        for (const auto& condition : index->ctrlValid)
+            explainCondition(condition);
+        const auto found = manager_.indices().find(name);
+        if (found == manager_.indices().end()) {
+            add(settings_.paramDefFile, index->line,
+                "index " + name + " does not exist on this variant");
+            return false;
+        }
+        const auto& values = found->second;
+        const bool has = std::find(values.begin(), values.end(), value) != values.end();
+        add(settings_.paramDefFile, index->line,
+            "index " + name +
+                (has ? " has the value " + value
+                     : " has " + shortList(values) + ", which is not " + value));
+        // An include list may name values that the index does not have.
+        return has || manager_.isReadOnly(key_.name);
+    }
+
+    void explainPreset() {
+        bool found = false;
+        for (const auto& preset : presets_) {
+            if (preset.name != settings_.preset)
+                continue;
+            if (std::exchange(found, true)) {
+                add(settings_.presetDefFile, preset.line,
+                    "a second preset of this name, which is ignored");
+                continue;
+            }
+            explainLists(preset);
+        }
+        if (!found)
+            lines_.push_back("no preset " + settings_.preset + " in " + settings_.presetDefFile);
+    }
+
+    void explainLists(const PresetDefinition& preset) {
+        const bool includes = manager_.isReadOnly(key_.name);
+        add(settings_.presetDefFile, preset.line,
+            includes ? "read-only parameters are in a preset if an include list adds them"
+                     : "read-write parameters are in a preset unless an exclude list takes them "
+                       "away");
+        const auto& map = includes ? manager_.readOnly() : manager_.readWrite();
+        const ParameterMap alone{*map.find(key_.name)};
+        bool any = false;
+        for (const auto& part : partsOf(preset)) {
+            if ((part.kind == Kind::include) != includes ||
+                !selectedKeys(part, manager_, alone).contains(settings_.key))
+                continue;
+            any = true;
+            add(settings_.presetDefFile, part.line,
+                std::string(includes ? "added by the include list: "
+                                     : "taken away by the exclude list: ") +
+                    part.text);
+        }
+        if (!any)
+            lines_.emplace_back(includes ? "no include list adds it"
+                                         : "no exclude list takes it away");
+    }
+
+    const Settings& settings_;
+    const SystemParameterTable& parameters_;
+    const std::vector<PresetDefinition>& presets_;
+    const PresetManager& manager_;
+    PresetEntry key_;
+    std::vector<std::string> lines_;
+};
+
+} // namespace
+
+ExitStatus explainKey(const Settings& settings) {
+    const auto variant = readVariant(settings);
+    if (!variant)
+        return ExitStatus::error;
+    const bool covered = variant->manager.in_preset(settings.key, settings.preset);
+    Explanation explanation(settings, *variant);
+    explanation.explain();
+    if (settings.json) {
+        writeJson({{"key", settings.key},
+                   {"preset", settings.preset},
+                   {"covered", covered},
+                   {"reasons", explanation.lines()}});
+    } else {
+        std::cout << settings.key << (covered ? " is in " : " is not in ") << settings.preset
+                  << '\n';
+        for (const auto& line : explanation.lines())
+            std::cout << "    " << line << '\n';
+    }
+    return covered ? ExitStatus::yes : ExitStatus::no;
+}
+
+} // namespace morvane::ctl

@@ -1,0 +1,24 @@
+#include "output.h"
+
+#include <iostream>
+
+namespace morvane::ctl {
+
+void writeList(std::span<const std::string> texts, bool asJson) {
+    if (asJson) {
+        auto list = Json::array();
+        for (const auto& text : texts)
+            list.push_back(text);
+        writeJson(list);
+        return;
+    }
+    for (const auto& text : texts)
+        std::cout << text << '\n';
+}
+
+void writeJson(const Json& value) {
+    constexpr int indentation = 2;
+    std::cout << value.dump(indentation, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
+} // namespace morvane::ctl

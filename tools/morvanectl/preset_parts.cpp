@@ -1,0 +1,107 @@
+#include "preset_parts.h"
+
+#include "engine/tables/preset_generate.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace morvane::ctl {
+
+namespace {
+
+using Kind = PresetList::Kind;
+
+/// Collects the parts of one list.
+class PartCollector {
+public:
+    PartCollector(const PresetDefinition& preset, const PresetList& list,
+                  std::vector<PresetPart>& parts)
+        : preset_(preset),
+          list_(list),
+          parts_(parts) {}
+
+    void addParts() {
+        if (list_.all) {
+            auto everything = emptyList();
+            everything.all = true;
+            add({list_.line, "all", "all", nullptr, {}}, std::move(everything));
+        }
+        for (const auto& clause : list_.indexSpecs) {
+            auto alone = emptyList();
+            alone.indexSpecs = {clause};
+            add({clause.line, "index clause", "index", &clause, {}}, std::move(alone));
+        }
+        for (const auto& item : list_.items)
+            addItem(item);
+    }
+
+private:
+    struct Description {
+        std::uint32_t line;
+        std::string text;
+        std::string word;
+        const IndexSpec* clause;
+        std::string item;
+    };
+
+    PresetList emptyList() const {
+        PresetList list;
+        list.line = list_.line;
+        list.kind = list_.kind;
+        list.access = list_.access;
+        return list;
+    }
+
+    void addItem(const PresetItem& item) {
+        if (item.indexSpecs.empty()) {
+            auto alone = emptyList();
+            alone.items = {item};
+            add({item.line, "item " + item.name, item.name, nullptr, item.name}, std::move(alone));
+        }
+        for (const auto& clause : item.indexSpecs) {
+            auto alone = emptyList();
+            alone.items = {{item.line, item.name, {clause}}};
+            add({clause.line,
+                 "item " + item.name + ", index clause on line " + std::to_string(clause.line),
+                 "index", &clause, item.name},
+                std::move(alone));
+        }
+    }
+
+    void add(const Description& description, PresetList list) {
+        PresetDefinition alone{preset_.line, preset_.name, {}, {}};
+        (list_.kind == Kind::include ? alone.includeLists : alone.excludeLists)
+            .push_back(std::move(list));
+        const auto& [line, text, word, clause, item] = description;
+        parts_.push_back({list_.kind, line, text, word, std::move(alone), clause, item});
+    }
+
+    const PresetDefinition& preset_;
+    const PresetList& list_;
+    std::vector<PresetPart>& parts_;
+};
+
+} // namespace
+
+std::vector<PresetPart> partsOf(const PresetDefinition& preset) {
+    std::vector<PresetPart> parts;
+    for (const auto* const lists : {&preset.includeLists, &preset.excludeLists}) {
+        for (const auto& list : *lists)
+            PartCollector(preset, list, parts).addParts();
+    }
+    return parts;
+}
+
+KeySet selectedKeys(const PresetPart& part, const PresetManager& manager,
+                    const ParameterMap& parameters) {
+    if (part.kind == Kind::include)
+        return PresetGenerate::keySet(manager.indices(), {}, parameters, part.alone);
+    const auto all = PresetGenerate::keySet(manager.indices(), parameters, {}, {});
+    const auto left = PresetGenerate::keySet(manager.indices(), parameters, {}, part.alone);
+    std::vector<std::string> taken;
+    std::set_difference(all.begin(), all.end(), left.begin(), left.end(),
+                        std::back_inserter(taken));
+    return KeySet(std::move(taken));
+}
+
+} // namespace morvane::ctl

@@ -1,0 +1,51 @@
+#include "variant.h"
+
+#include "problem.h"
+
+#include <unistd.h>
+
+#include <utility>
+
+namespace morvane::ctl {
+
+namespace {
+
+// The daemon opens files that cannot be read without a word.
+bool isReadable(const std::string& path) {
+    if (access(path.c_str(), R_OK) == 0)
+        return true;
+    fail("cannot read " + path + "; name the definition files with --parameters and --presets");
+    return false;
+}
+
+} // namespace
+
+std::optional<Definitions> readBothFiles(const Settings& settings) {
+    if (!isReadable(settings.paramDefFile) || !isReadable(settings.presetDefFile))
+        return std::nullopt;
+    auto definitions = readDefinitions(settings.paramDefFile, settings.presetDefFile);
+    if (!definitions)
+        fail("cannot use " + settings.paramDefFile + " and " + settings.presetDefFile +
+             "; without a reason above, one is empty or ends inside a block");
+    return definitions;
+}
+
+std::optional<Variant> readVariant(const Settings& settings) {
+    auto definitions = readBothFiles(settings);
+    if (!definitions)
+        return std::nullopt;
+    PresetManager manager(*definitions, settings.systemArguments);
+    return Variant{*std::move(definitions), std::move(manager)};
+}
+
+std::optional<Variant> readVariantWithPreset(const Settings& settings) {
+    auto variant = readVariant(settings);
+    if (variant && !variant->manager.is_preset(settings.preset)) {
+        fail("no preset " + settings.preset +
+             " covers a key on this variant; see: morvanectl presets, morvanectl check");
+        return std::nullopt;
+    }
+    return variant;
+}
+
+} // namespace morvane::ctl

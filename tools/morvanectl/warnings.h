@@ -1,0 +1,38 @@
+// What may be a mistake in definitions that the daemon accepts.
+#pragma once
+
+#include "variant.h"
+
+#include <compare>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace morvane::ctl {
+
+struct Warning {
+    enum class File {
+        parameters,
+        presets
+    };
+
+    File file = File::parameters;
+    std::uint32_t line = 0; ///< where what is meant began
+    std::string word;       ///< that the caret goes under, on that line or one of the next
+    std::string text;
+    std::optional<std::uint32_t> column{}; ///< of the caret on that line, where it is known
+
+    auto operator<=>(const Warning&) const = default;
+};
+
+/// About the parameters that exist on the variant that the system arguments describe.
+std::vector<Warning> parameterWarnings(const Variant& variant, const SystemArguments& arguments);
+
+/// About the presets.
+std::vector<Warning> presetWarnings(const Variant& variant);
+
+/// About the translate sections.
+std::vector<Warning> translateWarnings(const Variant& variant);
+
+} // namespace morvane::ctl
