@@ -21,6 +21,7 @@ FILES = [
     "usr/share/man/man1/morvanectl.1",
     "usr/share/man/man1/parameter-handler-sim.1",
     "usr/share/man/man5/morvane-parameter-definition.5",
+    "usr/share/man/man5/morvane-preset-data.5",
     "usr/share/man/man5/morvane-preset-definition.5",
     "usr/share/man/man8/morvane.8",
 ]
