@@ -6,6 +6,7 @@ pauses go to a file, through a preloaded library. All waiting is for an event, w
 
 import os
 import re
+import shlex
 import signal
 import subprocess
 import time
@@ -28,6 +29,17 @@ BUS_CONFIG = Path(__file__).parent / "bus.conf"
 
 DEADLINE_SECONDS = 60
 ERROR, INFO = 3, 6  # the priorities of syslog.h
+
+
+def tools_on_path(folder):
+    """A PATH that leads to the programs under test by their names."""
+    tools = folder / "bin"
+    tools.mkdir()
+    for command in (DAEMON, CTL, [SIMULATOR]):
+        program = tools / command[-1].name
+        program.write_text(f'#!/bin/sh\nexec {shlex.join(map(str, command))} "$@"\n')
+        program.chmod(0o755)
+    return f"{tools}:{os.environ['PATH']}"
 
 
 @dataclass(frozen=True)

@@ -7,7 +7,7 @@ from harness import BUILD, SOURCE
 
 PAGES = sorted(path.name for path in (SOURCE / "man").glob("*.[0-9]"))
 DEBIAN = "https://manpages.debian.org/"
-OTHERS = {DEBIAN + page for page in ("dbus-daemon.1", "gdbus.1", "morvanectl.1")}
+OTHERS = {DEBIAN + page for page in ("dbus-daemon.1", "gdbus.1")}
 
 
 class Document(HTMLParser):

@@ -6,7 +6,7 @@ import shlex
 import subprocess
 
 import pytest
-from harness import CTL, SOURCE, wait_until
+from harness import CTL, SOURCE, tools_on_path, wait_until
 
 YES, NO, ERROR = 0, 1, 2
 OLD_FILE = """\
@@ -317,34 +317,30 @@ def test_a_wrong_command_line_is_an_error(ctl, arguments):
     assert problem.endswith("Run with --help for more information.\n")
 
 
-def complete(world, *words):
+def complete(world, path, *words):
     """What bash offers for the last word."""
     script = (f"source {shlex.quote(str(SOURCE))}/tools/morvanectl/completion.bash\n"
               f"COMP_WORDS=(morvanectl {shlex.join(words)})\n"
               "COMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n"
               "_morvanectl\n"
               "printf '%s\\n' \"${COMPREPLY[@]}\"")
-    tools = world.folder / "bin"
-    tools.mkdir(exist_ok=True)
-    command = shlex.join(map(str, CTL))
-    (tools / "morvanectl").write_text(f'#!/bin/sh\nexec {command} "$@"\n')
-    (tools / "morvanectl").chmod(0o755)
     outcome = subprocess.run(["bash", "-c", script], cwd=world.folder, capture_output=True,
                              text=True, check=True,
-                             env={**os.environ, "PATH": f"{tools}:{os.environ['PATH']}"})
+                             env={**os.environ, "PATH": path})
     return sorted(outcome.stdout.split())
 
 
 def test_bash_completes(world):
+    path = tools_on_path(world.folder)
     options = ["-p", "parameters.def", "-d", "presets.def"]
-    assert complete(world, "st") == ["status", "store", "store-subpreset"]
-    assert complete(world, "--js") == ["--json"]
-    assert complete(world, *options, "keys", "s") == ["scene", "single", "states"]
-    assert complete(world, *options, "keys", "") == ["scene", "single", "states"]
-    assert complete(world, *options, "explain", "scene", "gain") == [
+    assert complete(world, path, "st") == ["status", "store", "store-subpreset"]
+    assert complete(world, path, "--js") == ["--json"]
+    assert complete(world, path, *options, "keys", "s") == ["scene", "single", "states"]
+    assert complete(world, path, *options, "keys", "") == ["scene", "single", "states"]
+    assert complete(world, path, *options, "explain", "scene", "gain") == [
         "gain[1]", "gain[2]", "gain[3]"]
-    assert complete(world, *options, "in-preset", "single", "") == ["mode"]
-    assert complete(world, *options, "translate", "para") == ["parameters.def"]
-    assert complete(world, *options, "load", "scene", "pre") == ["presets.def"]
-    assert complete(world, *options, "load", "--dr") == ["--dry-run"]
-    assert complete(world, "--parameters", "para") == ["parameters.def"]
+    assert complete(world, path, *options, "in-preset", "single", "") == ["mode"]
+    assert complete(world, path, *options, "translate", "para") == ["parameters.def"]
+    assert complete(world, path, *options, "load", "scene", "pre") == ["presets.def"]
+    assert complete(world, path, *options, "load", "--dr") == ["--dry-run"]
+    assert complete(world, path, "--parameters", "para") == ["parameters.def"]

@@ -48,8 +48,8 @@ public:
             checkIndex();
         for (const auto& dimension : parameter_.indices)
             checkDimension(dimension);
-        for (const auto& spec : parameter_.defaults)
-            checkDefault(spec);
+        for (const auto& chosen : parameter_.defaults)
+            checkDefault(chosen);
     }
 
 private:
@@ -126,22 +126,22 @@ private:
                 "there is no index " + name + ", so " + parameter_.name + " has no key");
     }
 
-    void checkDefault(const DefaultSpec& spec) {
-        checkCondition(spec.condition);
-        if (spec.value.empty() || !conditionHolds(spec.condition, parameters_, arguments_))
+    void checkDefault(const DefaultSpec& chosen) {
+        checkCondition(chosen.condition);
+        if (chosen.value.empty() || !conditionHolds(chosen.condition, parameters_, arguments_))
             return;
         ExprValue value;
-        evaluate(spec.value, arguments_, &value);
+        evaluate(chosen.value, arguments_, &value);
         if (value.type == ExprValue::Type::invalid) {
-            addAt(spec.value.tokens,
-                  "the default of " + parameter_.name + " cannot be computed" + seen(spec.value));
+            addAt(chosen.value.tokens,
+                  "the default of " + parameter_.name + " cannot be computed" + seen(chosen.value));
             return;
         }
         const auto valid = validValues(parameter_, parameters_, arguments_);
         const bool fits = std::any_of(valid.begin(), valid.end(),
                                       [&](const ValidValue& item) { return holds(item, value); });
         if (!valid.empty() && !fits)
-            addAt(spec.value.tokens, "the default " + valueText(value) + " of " + parameter_.name +
+            addAt(chosen.value.tokens, "the default " + valueText(value) + " of " + parameter_.name +
                                          " is none of its values");
     }
 

@@ -1,0 +1,46 @@
+"""The tutorial, typed as it is written, into an empty folder: what comes back is what it says."""
+
+import re
+import subprocess
+
+from harness import SOURCE, tools_on_path
+
+TUTORIAL = (SOURCE / "docs/tutorial.md").read_text()
+
+
+def steps():
+    """The commands of the tutorial with what they print."""
+    found = []
+    for block in re.findall(r"^```console\n(.*?)^```$", TUTORIAL, re.MULTILINE | re.DOTALL):
+        inside = None  # the end of a here document
+        for line in block.splitlines():
+            if inside is not None:
+                found[-1][0].append(line)
+                inside = None if line == inside else inside
+            elif line.startswith("$ "):
+                found.append(([line[2:]], []))
+                document = re.search(r"<<'(\w+)'$", line)
+                inside = document and document[1]
+            elif line.startswith("> "):
+                found[-1][0].append(line[2:])
+            else:
+                found[-1][1].append(line)
+    return [("\n".join(command), "".join(text + "\n" for text in output))
+            for command, output in found]
+
+
+def test_every_step_prints_what_the_tutorial_says(world):
+    # Job control, as an interactive shell has it, for "kill %1".
+    script = ["set -m"]
+    for number, (command, _) in enumerate(steps()):
+        script += [f"echo '=== {number}'", command]
+    folder = world.folder / "empty"
+    folder.mkdir()
+    outcome = subprocess.run(
+        ["bash", "-c", "\n".join(script)], cwd=folder, check=False, text=True,
+        stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+        env=world.bus.environment(PATH=tools_on_path(world.folder)))
+    without_jobs = re.sub(r"^\[\d+\].*\n", "", outcome.stdout, flags=re.MULTILINE)
+    printed = re.split(r"^=== \d+\n", without_jobs, flags=re.MULTILINE)[1:]
+    assert list(zip([command for command, _ in steps()], printed)) == steps()
+    assert len(steps()) > 20
