@@ -239,7 +239,8 @@ def test_compares_a_file_with_the_device(world, ctl):
         "parameters.def:3: mode is rw",
         "presets.def:9: read-write parameters are in a preset unless an exclude list takes them "
         "away",
-        "presets.def:9: taken away by the exclude list: all"]),
+        "presets.def:9: taken away by the exclude list: all",
+        "presets.def:9: this preset covers no key on this variant, so it is not used"]),
     ("scene", "temperature", YES, [
         "parameters.def:4: temperature is ro",
         "presets.def:6: read-only parameters are in a preset if an include list adds them",
@@ -300,6 +301,33 @@ whose value is not known yet, model is rack)
     assert ctl("explain", "all", "led[1]", "-s", "ports=0")[1].endswith(
         "    parameters.def:1: ctrlValid (ports > 0) does not hold (ports is 0)\n"
         "    parameters.def:1: index port does not exist on this variant\n")
+
+
+def test_explains_which_of_two_presets_counts(world, ctl):
+    world.write("presets.def", """\
+twice preset { exclude rw { all } }
+twice preset { include ro { temperature } exclude rw { all } }
+twice preset { }
+""")
+    assert ctl("explain", "twice", "temperature") == (YES, """\
+temperature is in twice
+    parameters.def:4: temperature is ro
+    presets.def:1: read-only parameters are in a preset if an include list adds them
+    no include list adds it
+    presets.def:1: this preset covers no key on this variant, so it is not used
+    presets.def:2: read-only parameters are in a preset if an include list adds them
+    presets.def:2: added by the include list: item temperature
+    presets.def:3: a preset of this name stands before this one, which is not used
+""", "")
+
+
+@pytest.mark.parametrize("make", [os.mkdir, os.mkfifo])
+@pytest.mark.parametrize("command", [["translate", "x"], ["diff", "x", "x"]])
+def test_reads_nothing_but_files(world, ctl, make, command):
+    make(world.folder / "x")
+    status, output, problem = ctl(*command)
+    assert (status, output) == (ERROR, "")
+    assert set(problem.splitlines()) == {"morvanectl: cannot read x"}
 
 
 def test_prints_help_and_version(ctl):

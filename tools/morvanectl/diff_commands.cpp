@@ -2,11 +2,11 @@
 
 #include "bus_client.h"
 #include "commands.h"
+#include "data_file.h"
 #include "engine/preset_file.h"
 #include "engine/preset_translate.h"
 #include "output.h"
 #include "problem.h"
-#include "text/line_reader.h"
 #include "variant.h"
 
 #include <iostream>
@@ -26,11 +26,9 @@ struct Difference {
 };
 
 std::optional<PresetEntryList> readEntries(const std::string& file) {
-    const OwnedStream stream(std::fopen(file.c_str(), "r"));
-    if (!stream) {
-        fail("cannot read " + file);
+    const auto stream = openDataFile(file);
+    if (!stream)
         return std::nullopt;
-    }
     PresetEntryList entries;
     readPresetFile(stream.get(), entries);
     return entries;

@@ -134,19 +134,31 @@ private:
     }
 
     void explainPreset() {
-        bool found = false;
+        bool isDefined = false;
+        bool isUsed = false;
         for (const auto& preset : presets_) {
             if (preset.name != settings_.preset)
                 continue;
-            if (std::exchange(found, true)) {
+            isDefined = true;
+            if (isUsed) {
                 add(settings_.presetDefFile, preset.line,
-                    "a second preset of this name, which is ignored");
+                    "a preset of this name stands before this one, which is not used");
                 continue;
             }
             explainLists(preset);
+            isUsed = coversKey(preset);
+            if (!isUsed)
+                add(settings_.presetDefFile, preset.line,
+                    "this preset covers no key on this variant, so it is not used");
         }
-        if (!found)
+        if (!isDefined)
             lines_.push_back("no preset " + settings_.preset + " in " + settings_.presetDefFile);
+    }
+
+    bool coversKey(const PresetDefinition& preset) const {
+        return !PresetGenerate::keySet(manager_.indices(), manager_.readWrite(),
+                                       manager_.readOnly(), preset)
+                    .empty();
     }
 
     void explainLists(const PresetDefinition& preset) {

@@ -141,8 +141,8 @@ private:
         const bool fits = std::any_of(valid.begin(), valid.end(),
                                       [&](const ValidValue& item) { return holds(item, value); });
         if (!valid.empty() && !fits)
-            addAt(chosen.value.tokens, "the default " + valueText(value) + " of " + parameter_.name +
-                                         " is none of its values");
+            addAt(chosen.value.tokens, "the default " + valueText(value) + " of " +
+                                           parameter_.name + " is none of its values");
     }
 
     const SystemParameter& parameter_;

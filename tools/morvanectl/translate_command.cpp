@@ -1,12 +1,11 @@
 // morvanectl translate: what becomes of each line of a preset data file when it is loaded.
 
 #include "commands.h"
+#include "data_file.h"
 #include "engine/preset_file.h"
 #include "engine/preset_translate.h"
 #include "output.h"
-#include "problem.h"
 #include "text/cursor.h"
-#include "text/line_reader.h"
 #include "variant.h"
 
 #include <iostream>
@@ -95,9 +94,9 @@ ExitStatus translateFile(const Settings& settings) {
     const auto variant = readVariant(settings);
     if (!variant)
         return ExitStatus::error;
-    const OwnedStream stream(std::fopen(settings.file.c_str(), "r"));
+    const auto stream = openDataFile(settings.file);
     if (!stream)
-        return fail("cannot read " + settings.file);
+        return ExitStatus::error;
     std::vector<TranslatedLine> lines;
     LineReader<presetLineBufferSize> reader(stream.get());
     while (const auto line = reader.next()) {
