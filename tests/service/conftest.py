@@ -22,9 +22,9 @@ nothing preset { exclude rw { all } }
 class World:
     """A bus and what runs on it. Definition files are written where they are used."""
 
-    def __init__(self, folder):
+    def __init__(self, folder, bus=None):
         self.folder = folder
-        self.bus = Bus()
+        self.bus = bus or Bus()
         self.started = []
         self.parameters = self.write("parameters.def", PARAMETERS)
         self.presets = self.write("presets.def", PRESETS)

@@ -12,6 +12,7 @@ import subprocess
 import time
 from dataclasses import dataclass
 from pathlib import Path
+from xml.sax.saxutils import escape
 
 from gi.repository import Gio, GLib
 from jeepney import DBusAddress, HeaderFields, MessageType, message_bus, new_method_call
@@ -61,11 +62,11 @@ def wait_until(condition, what):
 
 
 class Bus:
-    """A private session bus."""
+    """A private session bus, or another one that `config` describes."""
 
-    def __init__(self):
+    def __init__(self, config=BUS_CONFIG):
         self.process = subprocess.Popen(
-            ["dbus-daemon", f"--config-file={BUS_CONFIG}", "--nofork", "--print-address"],
+            ["dbus-daemon", f"--config-file={config}", "--nofork", "--print-address"],
             stdout=subprocess.PIPE, text=True)
         self.address = self.process.stdout.readline().strip()
 
@@ -97,7 +98,7 @@ class Client:
         self.connection.set_exit_on_close(False)
 
     def start_call(self, destination, path, interface, method, signature="()", *arguments,
-                   timeout_seconds=DEADLINE_SECONDS):
+                   timeout_seconds=DEADLINE_SECONDS, flags=Gio.DBusCallFlags.NO_AUTO_START):
         """Sends a call. What is returned waits for the answer when it is called: the reply's
         values, alone if there is one, or a RemoteError for an error reply."""
         loop, results = GLib.MainLoop(), []
@@ -113,7 +114,7 @@ class Client:
 
         self.connection.call(
             destination, path, interface, method, GLib.Variant(signature, arguments), None,
-            Gio.DBusCallFlags.NO_AUTO_START, timeout_seconds * 1000, None, done)
+            flags, timeout_seconds * 1000, None, done)
         self.connection.flush_sync(None)
         return answer
 
@@ -212,6 +213,24 @@ class RawClient:
         except ConnectionError:
             pass
 
+    def listen(self, interface):
+        """Subscribes to the signals of an interface."""
+        self.connection.send_and_get_reply(
+            message_bus.AddMatch(f"type='signal',interface='{interface}'"))
+
+    def signals(self):
+        """The names of the signals that arrived since the last call, once a reply arrived."""
+        serial = self.send("GetId", address=DBusAddress(
+            "/org/freedesktop/DBus", "org.freedesktop.DBus", "org.freedesktop.DBus"))
+        names = []
+        while True:
+            message = self.connection.receive(timeout=DEADLINE_SECONDS)
+            fields = message.header.fields
+            if fields.get(HeaderFields.reply_serial) == serial:
+                return names
+            if fields.get(HeaderFields.interface) != "org.freedesktop.DBus":
+                names.append(fields[HeaderFields.member])
+
     def close(self):
         self.connection.close()
 
@@ -260,9 +279,7 @@ class Daemon:
 
     def __init__(self, bus, folder, parameters, presets, *arguments, options=("--debug",),
                  name="daemon", wrapper=(), fault=None):
-        self.bus, self.folder, self.name = bus, folder, name
-        self.log_file = folder / f"{name}.log"
-        self.log_file.write_bytes(b"")
+        self._prepare(folder, name)
         faults = {}
         if fault is not None:  # "FUNCTION N ACTION", and the file that it is about
             faults = dict(zip(("MORVANE_TEST_FAULT", "MORVANE_TEST_FAULT_PATH"), fault))
@@ -270,11 +287,20 @@ class Daemon:
             self.process = subprocess.Popen(
                 [*wrapper, *DAEMON, *options, parameters, presets, *arguments],
                 stdin=subprocess.DEVNULL, stdout=out, stderr=err,
-                env=bus.environment(
-                    # By name: LD_PRELOAD has no way to write a path with blanks.
-                    LD_PRELOAD=SHIM.name, LD_LIBRARY_PATH=str(SHIM.parent),
-                    MORVANE_TEST_LOG=str(self.log_file), **faults,
-                    ASAN_OPTIONS="verify_asan_link_order=0"))  # the shim comes first
+                env=bus.environment(**self.environment(), **faults))
+
+    def _prepare(self, folder, name):
+        self.folder, self.name = folder, name
+        self.log_file = folder / f"{name}.log"
+        self.log_file.write_bytes(b"")
+
+    def environment(self):
+        """What makes the daemon write to its log file."""
+        return {
+            # By name: LD_PRELOAD has no way to write a path with blanks.
+            "LD_PRELOAD": SHIM.name, "LD_LIBRARY_PATH": str(SHIM.parent),
+            "MORVANE_TEST_LOG": str(self.log_file),
+            "ASAN_OPTIONS": "verify_asan_link_order=0"}  # the shim comes first
 
     @property
     def stdout(self):
@@ -335,6 +361,31 @@ class Daemon:
         for pid in self.process_ids():
             os.kill(pid, signal.SIGKILL)
         self.process.wait()
+
+
+class ActivatedDaemon(Daemon):
+    """morvane under test that a bus is to start, by the activation file of `build/packaging`."""
+
+    def __init__(self, folder, parameters, presets):
+        self._prepare(folder, "activated")
+        services = folder / "services"
+        services.mkdir()
+        variables = [f"{name}={value}" for name, value in self.environment().items()]
+        text = (BUILD / "packaging/org.norvix.preset.service").read_text()
+        for installed, here in (
+                ("/usr/sbin/morvane", ["/usr/bin/env", *variables, *DAEMON]),
+                ("/etc/morvane/parameters.def", [parameters]),
+                ("/etc/morvane/presets.def", [presets])):
+            assert text.count(installed) == 1, text
+            text = text.replace(installed, shlex.join(map(str, here)))
+        (services / "org.norvix.preset.service").write_text(text)
+        self.config = folder / "bus.conf"
+        self.config.write_text(BUS_CONFIG.read_text().replace(
+            "</listen>", f"</listen><servicedir>{escape(str(services))}</servicedir>"))
+
+    def kill(self):
+        for pid in self.process_ids():
+            os.kill(pid, signal.SIGKILL)
 
 
 READY = "morvane:main Ready to serve requests (daemonizing).\n"

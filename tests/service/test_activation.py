@@ -1,0 +1,47 @@
+"""The activation file: a bus starts the daemon when it is called first."""
+
+import pytest
+from gi.repository import Gio
+from harness import ActivatedDaemon, Bus, Client, Simulator, wait_until
+
+SERVICE = ("org.norvix.preset", "/preset", "org.norvix.preset")
+
+
+@pytest.fixture
+def activated(tmp_path):
+    """A bus that can start the daemon, and a client."""
+    parameters, presets = tmp_path / "parameters.def", tmp_path / "presets.def"
+    parameters.write_text("mode rw { default { 1 } }\n")
+    presets.write_text("scene preset { }\n")
+    activated = ActivatedDaemon(tmp_path, parameters, presets)
+    activated.bus = Bus(activated.config)
+    activated.client = Client(activated.bus)
+    activated.parameters = parameters
+    yield activated
+    activated.client.close()
+    activated.kill()
+    activated.bus.stop()
+
+
+def test_the_first_call_starts_the_daemon(activated):
+    assert not activated.client.owns("org.norvix.preset")
+    assert activated.client.call(*SERVICE, "is_preset", "(s)", "scene",
+                                 flags=Gio.DBusCallFlags.NONE) is True
+    assert len(activated.process_ids()) == 1
+
+
+def test_the_daemon_uses_the_bus_that_started_it(activated, tmp_path):
+    simulator = Simulator(activated.bus, tmp_path, activated.parameters)
+    try:
+        assert activated.client.call(*SERVICE, "store", "(ss)", "scene", str(tmp_path / "p"),
+                                     flags=Gio.DBusCallFlags.NONE) is True
+    finally:
+        simulator.stop()
+    assert (tmp_path / "p").read_text() == "mode=1\n"
+
+
+def test_a_call_after_die_starts_the_daemon_again(activated):
+    for _ in range(2):
+        assert activated.client.call(*SERVICE, "die", flags=Gio.DBusCallFlags.NONE) == ()
+        wait_until(lambda: not activated.process_ids(), "the daemon to end")
+        assert not activated.client.owns("org.norvix.preset")
