@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # bash completion for morvanectl: subcommands and options as --help lists them, presets and keys as the
 # definition files give them, and files.
 
