@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <functional>
 #include <iterator>
 #include <string_view>
 #include <utility>
@@ -27,7 +28,6 @@ namespace {
 struct Assignments {
     std::vector<KeyValue> values;
     std::vector<KeyValue> statusValues;
-    KeySet keys; ///< of both
 };
 
 bool isReadOnlyParameter(std::string_view key, const PresetManager& manager) {
@@ -65,16 +65,13 @@ bool readEntries(const std::string& filePath, PresetEntryList& entries) {
 Assignments assignmentsOf(PresetEntryList entries, const KeySet& presetKeys,
                           const PresetManager& manager) {
     Assignments assignments;
-    std::vector<std::string> keys;
     for (auto& entry : entries) {
         auto key = presetKey(entry);
         if (!presetKeys.contains(key))
             continue;
-        keys.push_back(key);
         auto& list = manager.isReadOnly(entry.name) ? assignments.statusValues : assignments.values;
         list.emplace_back(std::move(key), std::move(entry.value));
     }
-    assignments.keys = KeySet(std::move(keys));
     return assignments;
 }
 
@@ -87,12 +84,27 @@ bool setAll(const ParameterOperations& handler, Transaction transaction,
            });
 }
 
+// The keys of the assignments in order, borrowed from them.
+std::vector<std::string_view> sortedKeys(const Assignments& assignments) {
+    std::vector<std::string_view> keys;
+    keys.reserve(assignments.values.size() + assignments.statusValues.size());
+    for (const auto* const list : {&assignments.values, &assignments.statusValues}) {
+        for (const auto& [key, value] : *list)
+            keys.push_back(key);
+    }
+    if (!std::is_sorted(keys.begin(), keys.end())) // as what a store has written is
+        std::sort(keys.begin(), keys.end());
+    return keys;
+}
+
 // Puts those keys of a preset to their defaults that have not been set.
 bool resetOthers(const ParameterOperations& handler, Transaction transaction,
-                 const KeySet& presetKeys, const KeySet& setKeys, const PresetManager& manager) {
+                 const KeySet& presetKeys, const Assignments& assignments,
+                 const PresetManager& manager) {
+    const auto setKeys = sortedKeys(assignments);
     std::vector<std::string> others;
     std::set_difference(presetKeys.begin(), presetKeys.end(), setKeys.begin(), setKeys.end(),
-                        std::back_inserter(others));
+                        std::back_inserter(others), std::less<>());
     std::vector<std::string> keys;
     std::vector<std::string> statusKeys;
     std::partition_copy(std::make_move_iterator(others.begin()),
@@ -141,8 +153,7 @@ bool loadPreset(const ParameterOperations* handler, const std::string& presetNam
     Transaction transaction = 0;
     const bool loaded =
         startTransaction(*handler, transaction) && setAll(*handler, transaction, assignments) &&
-        (!withDefaults ||
-         resetOthers(*handler, transaction, *presetKeys, assignments.keys, manager)) &&
+        (!withDefaults || resetOthers(*handler, transaction, *presetKeys, assignments, manager)) &&
         commit(*handler, transaction);
     if (loaded)
         syslog(LOG_INFO, "loadPreset(): %s preset loaded (%s) from %s.\n", presetName.c_str(),

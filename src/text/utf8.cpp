@@ -67,7 +67,12 @@ std::size_t utf8CharacterLength(std::string_view text) {
 }
 
 bool isUtf8(std::string_view text) {
+    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
     while (!text.empty()) {
+        if (isAscii(text.front())) { // as nearly all of them are
+            text.remove_prefix(1);
+            continue;
+        }
         const auto length = utf8CharacterLength(text);
         if (length == 0)
             return false;

@@ -6,7 +6,8 @@
 namespace morvane {
 
 KeySet::KeySet(std::vector<std::string> keys) : keys_(std::move(keys)) {
-    std::sort(keys_.begin(), keys_.end());
+    if (!std::is_sorted(keys_.begin(), keys_.end()))
+        std::sort(keys_.begin(), keys_.end());
     keys_.erase(std::unique(keys_.begin(), keys_.end()), keys_.end());
     keys_.shrink_to_fit();
 }
