@@ -1,0 +1,106 @@
+// What the programs that measure share: plain libdbus, with as little around it as possible.
+#pragma once
+
+#include <dbus/dbus.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace morvane::bench {
+
+struct MessageReleaser {
+    void operator()(DBusMessage* message) const noexcept { dbus_message_unref(message); }
+};
+using Message = std::unique_ptr<DBusMessage, MessageReleaser>;
+
+/// Ends the process with a word about what went wrong.
+[[noreturn]] inline void give_up(const char* what) {
+    std::fprintf(stderr, "bench: %s\n", what);
+    std::exit(EXIT_FAILURE);
+}
+
+/// Connects to the session bus; messages may be as big as the bus allows.
+inline DBusConnection* connect() {
+    DBusConnection* const bus = dbus_bus_get(DBUS_BUS_SESSION, nullptr);
+    if (bus == nullptr)
+        give_up("no session bus");
+    return bus;
+}
+
+/// Takes a name and says on standard output that the service can be called.
+inline void own(DBusConnection* bus, const char* name) {
+    if (dbus_bus_request_name(bus, name, DBUS_NAME_FLAG_DO_NOT_QUEUE, nullptr) !=
+        DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER)
+        give_up("another process owns the name");
+    std::printf("ready\n");
+    std::fflush(stdout);
+}
+
+/// Sends a call and waits for its reply, however long it takes.
+inline Message call(DBusConnection* bus, const Message& message) {
+    Message reply(dbus_connection_send_with_reply_and_block(bus, message.get(),
+                                                            DBUS_TIMEOUT_INFINITE, nullptr));
+    if (!reply)
+        give_up("a call failed");
+    return reply;
+}
+
+/// Appends strings, each of which ends with a byte 0.
+inline void append(DBusMessage* message, std::span<const char* const> texts) {
+    DBusMessageIter arguments;
+    DBusMessageIter list;
+    dbus_message_iter_init_append(message, &arguments);
+    dbus_message_iter_open_container(&arguments, DBUS_TYPE_ARRAY, DBUS_TYPE_STRING_AS_STRING,
+                                     &list);
+    for (const char* const text : texts)
+        dbus_message_iter_append_basic(&list, DBUS_TYPE_STRING, &text);
+    dbus_message_iter_close_container(&arguments, &list);
+}
+
+/// Reads a list of strings at a place of a message and goes on to the next argument.
+/// @return pointers into the message.
+inline std::vector<const char*> read_strings(DBusMessageIter& arguments) {
+    std::vector<const char*> texts;
+    DBusMessageIter list;
+    for (dbus_message_iter_recurse(&arguments, &list);
+         dbus_message_iter_get_arg_type(&list) == DBUS_TYPE_STRING; dbus_message_iter_next(&list)) {
+        const char* text = nullptr;
+        dbus_message_iter_get_basic(&list, &text);
+        texts.push_back(text);
+    }
+    dbus_message_iter_next(&arguments);
+    return texts;
+}
+
+/// Hands every method call to `serve`, which answers it, until the bus is gone.
+template <typename Serve>
+void serve_calls(DBusConnection* bus, Serve serve) {
+    while (dbus_connection_read_write(bus, -1) != FALSE) {
+        while (const Message message{dbus_connection_pop_message(bus)}) {
+            if (dbus_message_get_type(message.get()) == DBUS_MESSAGE_TYPE_METHOD_CALL)
+                serve(message);
+        }
+    }
+}
+
+/// The lines of a file without their line feeds.
+inline std::vector<std::string> read_lines(const char* path) {
+    std::vector<std::string> lines;
+    std::FILE* const file = std::fopen(path, "r");
+    if (file == nullptr)
+        give_up("cannot read a file");
+    char buffer[1024];
+    while (std::fgets(buffer, sizeof buffer, file) != nullptr) {
+        lines.emplace_back(buffer);
+        lines.back().pop_back();
+    }
+    std::fclose(file);
+    return lines;
+}
+
+} // namespace morvane::bench

@@ -1,0 +1,189 @@
+// floor: the least that a store and a load can cost, directly on libdbus: the same calls of the
+// Parameter Handler, the same file with the same renames and syncs, and nothing else. It has one
+// preset, with the sorted keys of the file KEYS, and serves as org.norvix.floor what the daemon
+// serves.
+//
+// Usage: floor KEYS
+
+#include "bus.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstring>
+
+namespace {
+
+using namespace morvane::bench;
+
+constexpr const char* handler = "org.norvix.transaction";
+
+Message handler_call(const char* method) {
+    return Message(dbus_message_new_method_call(handler, "/transaction", handler, method));
+}
+
+void sync_folder(const std::string& path) {
+    const int folder = open(path.substr(0, path.rfind('/') + 1).c_str(), O_RDONLY | O_DIRECTORY);
+    fsync(folder);
+    close(folder);
+}
+
+// A commit's answer ends its transaction.
+void on_committed(DBusPendingCall* pending, void* data) {
+    auto* const bus = static_cast<DBusConnection*>(data);
+    static_cast<void>(Message(dbus_pending_call_steal_reply(pending)));
+    dbus_uint32_t transaction = 1;
+    const auto end = handler_call("end");
+    dbus_message_append_args(end.get(), DBUS_TYPE_UINT32, &transaction, DBUS_TYPE_INVALID);
+    call(bus, end);
+}
+
+class Floor {
+public:
+    Floor(DBusConnection* bus, const char* keys_file) : bus_(bus), keys_(read_lines(keys_file)) {
+        for (const auto& key : keys_)
+            key_texts_.push_back(key.c_str());
+    }
+
+    void serve(const Message& request) {
+        const std::string_view method = dbus_message_get_member(request.get());
+        const char* preset = "";
+        const char* path = "";
+        dbus_message_get_args(request.get(), nullptr, DBUS_TYPE_STRING, &preset, DBUS_TYPE_STRING,
+                              &path, DBUS_TYPE_INVALID);
+        if (method == "store")
+            store(path);
+        else if (method.starts_with("load"))
+            load(path, method == "load_with_default");
+        const Message reply(dbus_message_new_method_return(request.get()));
+        dbus_bool_t success = TRUE;
+        dbus_message_append_args(reply.get(), DBUS_TYPE_BOOLEAN, &success, DBUS_TYPE_INVALID);
+        dbus_connection_send(bus_, reply.get(), nullptr);
+    }
+
+private:
+    dbus_uint32_t start() {
+        dbus_uint32_t transaction = 0;
+        dbus_message_get_args(call(bus_, handler_call("start")).get(), nullptr, DBUS_TYPE_UINT32,
+                              &transaction, DBUS_TYPE_INVALID);
+        return transaction;
+    }
+
+    static Message in_transaction(const char* method, dbus_uint32_t transaction) {
+        auto message = handler_call(method);
+        dbus_message_append_args(message.get(), DBUS_TYPE_UINT32, &transaction, DBUS_TYPE_INVALID);
+        return message;
+    }
+
+    void store(const std::string& path) {
+        const auto transaction = start();
+        const auto get = in_transaction("get_bulk", transaction);
+        dbus_uint32_t option = 0;
+        dbus_message_append_args(get.get(), DBUS_TYPE_UINT32, &option, DBUS_TYPE_INVALID);
+        append(get.get(), key_texts_);
+        const auto reply = call(bus_, get);
+        DBusMessageIter arguments;
+        dbus_message_iter_init(reply.get(), &arguments);
+        write(path, read_strings(arguments));
+        call(bus_, in_transaction("end", transaction));
+    }
+
+    void write(const std::string& path, const std::vector<const char*>& values) const {
+        const auto backup = path + "_bak";
+        std::rename(path.c_str(), backup.c_str());
+        sync_folder(path);
+        std::FILE* const file = std::fopen(path.c_str(), "w");
+        for (std::size_t i = 0; i < keys_.size(); ++i) {
+            std::fputs(key_texts_[i], file);
+            std::fputc('=', file);
+            std::fputs(values[i], file);
+            std::fputc('\n', file);
+        }
+        std::fflush(file);
+        fsync(fileno(file));
+        std::fclose(file);
+        sync_folder(path);
+        std::remove(backup.c_str());
+        sync_folder(path);
+    }
+
+    void load(const char* path, bool with_defaults) {
+        const std::string text = read(path);
+        std::vector<const char*> names;
+        std::vector<const char*> values;
+        for (const char* at = text.c_str(); *at != '\0';) { // lines that read() has cut apart
+            names.push_back(at);
+            at += std::strlen(at) + 1;
+            values.push_back(at);
+            at += std::strlen(at) + 1;
+        }
+        const auto transaction = start();
+        const auto set = in_transaction("set_bulk", transaction);
+        append(set.get(), names);
+        append(set.get(), values);
+        call(bus_, set);
+        if (with_defaults)
+            reset_others(transaction, names);
+        DBusPendingCall* pending = nullptr;
+        dbus_connection_send_with_reply(bus_, in_transaction("commit", transaction).get(), &pending,
+                                        DBUS_TIMEOUT_INFINITE);
+        dbus_pending_call_set_notify(pending, on_committed, bus_, nullptr);
+        dbus_pending_call_unref(pending);
+    }
+
+    // The whole file, with a byte 0 for each "=" and line feed.
+    static std::string read(const char* path) {
+        const int file = open(path, O_RDONLY);
+        struct stat status {};
+        fstat(file, &status);
+        std::string text(static_cast<std::size_t>(status.st_size), '\0');
+        if (::read(file, text.data(), text.size()) != status.st_size)
+            give_up("cannot read a file");
+        close(file);
+        for (auto& c : text) {
+            if (c == '=' || c == '\n')
+                c = '\0';
+        }
+        return text;
+    }
+
+    // Both lists are sorted.
+    void reset_others(dbus_uint32_t transaction, const std::vector<const char*>& names) {
+        std::vector<const char*> others;
+        std::size_t next = 0;
+        for (const char* const key : key_texts_) {
+            if (next < names.size() && std::strcmp(names[next], key) == 0)
+                ++next;
+            else
+                others.push_back(key);
+        }
+        const auto reset = in_transaction("reset_bulk", transaction);
+        append(reset.get(), others);
+        call(bus_, reset);
+    }
+
+    DBusConnection* bus_;
+    std::vector<std::string> keys_;
+    std::vector<const char*> key_texts_;
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2)
+        give_up("usage: floor KEYS");
+    DBusConnection* const bus = connect();
+    Floor floor(bus, argv[1]);
+    own(bus, "org.norvix.floor");
+    // Answers of calls without waiting are dispatched, calls are served.
+    const auto serve = [](DBusConnection*, DBusMessage* message, void* data) {
+        if (dbus_message_get_type(message) != DBUS_MESSAGE_TYPE_METHOD_CALL)
+            return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
+        static_cast<Floor*>(data)->serve(Message(dbus_message_ref(message)));
+        return DBUS_HANDLER_RESULT_HANDLED;
+    };
+    dbus_connection_add_filter(bus, serve, &floor, nullptr);
+    while (dbus_connection_read_write_dispatch(bus, -1) != FALSE)
+        ;
+}
