@@ -24,7 +24,7 @@ namespace {
 using namespace morvane;
 
 constexpr std::size_t fileSize = std::size_t{10} << 20U;
-constexpr int rounds = 5; // some files are refused at once; the good one is read as often as they
+constexpr int rounds = 3; // some files are refused at once; the good one is read as often as they
 
 /// A file in memory that is read by its path.
 class MemoryFile {
