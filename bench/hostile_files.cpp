@@ -5,10 +5,10 @@
 #include "engine/preset_file.h"
 #include "paramdef/param_def_file.h"
 #include "presetdef/preset_def_file.h"
+#include "support/memory_file.h"
 #include "text/line_reader.h"
 
 #include <benchmark/benchmark.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -22,28 +22,10 @@
 namespace {
 
 using namespace morvane;
+using test::MemoryFile;
 
 constexpr std::size_t fileSize = std::size_t{10} << 20U;
 constexpr int rounds = 3; // some files are refused at once; the good one is read as often as they
-
-/// A file in memory that is read by its path.
-class MemoryFile {
-public:
-    explicit MemoryFile(const std::string& content)
-        : descriptor_(memfd_create("bench", MFD_CLOEXEC)) {
-        if (write(descriptor_, content.data(), content.size()) !=
-            static_cast<ssize_t>(content.size()))
-            std::abort();
-    }
-    ~MemoryFile() { close(descriptor_); }
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
-
-    std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
-
-private:
-    int descriptor_;
-};
 
 /// A file's text: a beginning, and then what `next` makes of the numbers from 0, to the full size.
 std::string fill(std::string text, const std::function<std::string(std::size_t)>& next) {

@@ -100,9 +100,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto parts = partsOf(text, 4);
     SystemArguments arguments;
     addSystemArgument(arguments, parts[0]);
-    const fuzz::MemoryFile parameters(parts[1]);
-    const fuzz::MemoryFile presets(parts[2]);
-    const fuzz::MemoryFile stored(parts[3]);
+    const test::MemoryFile parameters(parts[1]);
+    const test::MemoryFile presets(parts[2]);
+    const test::MemoryFile stored(parts[3]);
     const auto definitions = readDefinitions(parameters.path(), presets.path());
     // Each item or clause may select all of them once more.
     const auto selections =

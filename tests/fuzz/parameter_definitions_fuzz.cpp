@@ -6,7 +6,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace morvane;
     fuzz::silence();
-    const fuzz::MemoryFile file(fuzz::textOf(data, size));
+    const test::MemoryFile file(fuzz::textOf(data, size));
     SystemParameterTable table;
     static_cast<void>(readParamDefFile(file.path().c_str(), &table));
     return 0;

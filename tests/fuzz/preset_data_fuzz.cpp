@@ -33,13 +33,13 @@ bool comesBack(const morvane::PresetEntry& entry) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace morvane;
-    const fuzz::MemoryFile file(fuzz::textOf(data, size));
+    const test::MemoryFile file(fuzz::textOf(data, size));
     auto entries = read(file.path());
     std::erase_if(entries, [](const PresetEntry& entry) { return !comesBack(entry); });
     std::string text;
     for (const auto& entry : entries)
         text += formatPresetLine(entry) + "\n";
-    const fuzz::MemoryFile again(text);
+    const test::MemoryFile again(text);
     if (read(again.path()) != entries)
         __builtin_trap();
     return 0;

@@ -28,7 +28,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     using namespace morvane;
     fuzz::silence();
     static const auto parameters = makeParameters();
-    const fuzz::MemoryFile file(fuzz::textOf(data, size));
+    const test::MemoryFile file(fuzz::textOf(data, size));
     PresetDefinitions definitions;
     if (readPresetDefFile(file.path().c_str(), &definitions) == PresetParseResult::PARSE_PRESET_OK)
         static_cast<void>(validatePresetDefinitions(definitions, parameters));
