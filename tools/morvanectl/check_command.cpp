@@ -97,13 +97,6 @@ std::vector<std::vector<std::string>> combinations(const std::vector<VariantAxis
     return all;
 }
 
-std::string joined(const std::vector<std::string>& texts, const char* separator) {
-    std::string all;
-    for (const auto& text : texts)
-        all += (all.empty() ? "" : separator) + text;
-    return all;
-}
-
 void addFindings(const Variant& variant, const SystemArguments& arguments, const std::string& name,
                  Findings& findings) {
     for (const auto& warnings : {parameterWarnings(variant, arguments), presetWarnings(variant),

@@ -4,6 +4,13 @@
 
 namespace morvane::ctl {
 
+std::string joined(std::span<const std::string> texts, const char* separator) {
+    std::string all;
+    for (const auto& text : texts)
+        all += (all.empty() ? "" : separator) + text;
+    return all;
+}
+
 void writeList(std::span<const std::string> texts, bool asJson) {
     if (asJson) {
         auto list = Json::array();

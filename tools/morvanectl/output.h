@@ -9,6 +9,9 @@ namespace morvane::ctl {
 
 using Json = nlohmann::ordered_json;
 
+/// The texts one after the other, with the separator between them.
+std::string joined(std::span<const std::string> texts, const char* separator);
+
 /// Writes one text a line, or one JSON array of texts.
 void writeList(std::span<const std::string> texts, bool asJson);
 

@@ -21,13 +21,6 @@ struct TranslatedLine {
     std::string what;   ///< what was done, or why it is not loaded
 };
 
-std::string joined(const std::vector<std::string>& texts) {
-    std::string all;
-    for (const auto& text : texts)
-        all += (all.empty() ? "" : ", ") + text;
-    return all;
-}
-
 std::string changes(const PresetEntry& before, const PresetEntry& after) {
     std::vector<std::string> what;
     if (after.name != before.name)
@@ -36,7 +29,7 @@ std::string changes(const PresetEntry& before, const PresetEntry& after) {
         what.emplace_back("value mapped");
     if (after.indices != before.indices)
         what.emplace_back("re-indexed");
-    return what.empty() ? "kept" : joined(what);
+    return what.empty() ? "kept" : joined(what, ", ");
 }
 
 std::string reasonForDropping(const PresetEntry& entry, const PresetManager& manager) {
