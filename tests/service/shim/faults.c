@@ -33,17 +33,20 @@ static int is_meant(const char* path) {
 static struct {
     int is_read;       /* whether the next three have been read from the environment */
     char function[20]; /* empty for no fault */
-    int number;
+    long number;
     char action[16];
-    int calls;
+    long calls;
     int began; /* whether an operation on the file was seen */
 } fault;
 
 static int is_chosen(const char* function) {
     if (!fault.is_read) {
         const char* text = getenv("MORVANE_TEST_FAULT");
-        if (!text || sscanf(text, "%19s %d %15s", fault.function, &fault.number, fault.action) != 3)
+        char number[16];
+        if (!text || sscanf(text, "%19s %15s %15s", fault.function, number, fault.action) != 3)
             fault.function[0] = 0;
+        else
+            fault.number = strtol(number, NULL, 10);
         fault.is_read = 1;
     }
     return strcmp(fault.function, function) == 0;
@@ -55,7 +58,7 @@ static int is_its_turn(void) {
         return 0;
     if (strcmp(fault.action, "kill") == 0)
         raise(SIGKILL);
-    errno = atoi(fault.action);
+    errno = (int)strtol(fault.action, NULL, 10);
     return 1;
 }
 
