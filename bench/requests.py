@@ -125,4 +125,5 @@ def main():
         measure(options.build, int(size), options.rounds)
 
 
-main()
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,168 @@
+#!/usr/bin/python3
+"""Counts the instructions of the daemon with callgrind and compares them with kept numbers.
+
+Usage: bench/instructions.py [--keep] [--build FOLDER]
+
+Prints a table: for each name the kept number of instructions, the number now, the change in percent
+and, of a request, the instructions for each key. Kept numbers are those of bench/instructions.txt;
+--keep rewrites it. Exits with another status than 0 if something could not be counted, never for
+a change.
+
+A start-up counts from main() to the main loop, which is entered when the name is owned. A request
+counts what storePreset() and loadPreset() do, with the calls of the Parameter Handler below them:
+not the dispatch of the request, its answer, or the end of a transaction after its commit. Of
+several requests the median counts, without the first, which warms everything up.
+
+Runs of one build differ, on an idle machine as on a busy one, by up to 0.02 % for a store and
+0.5 % for a start-up and a load: messages arrive in other pieces, memory lies elsewhere. Processors
+may differ more, by the variants of memcpy() and its like that the C library picks for them.
+"""
+
+import argparse
+import os
+import re
+import shutil
+import statistics
+import subprocess
+import sys
+import tempfile
+from contextlib import contextmanager
+from pathlib import Path
+
+from requests import PRESET, ROOT, Processes, keep_half
+
+KEPT = ROOT / "bench/instructions.txt"
+HEAD = "# Written by bench/instructions.py --keep: name, instructions, instructions for each key.\n"
+SIZES = (1000, 10000)
+METHODS = ("store", "load", "load_with_default")
+ROUNDS = 8  # requests of each kind, of which the first does not count
+START_UP = "start_up"
+PLAIN_PARAMETERS = 1000
+
+
+def callgrind(folder, collect, dumps):
+    """The words before a command that count the instructions within the functions `collect`, and
+    write them to a file of `folder` at each of `dumps`. A function may be in one of them only."""
+    valgrind = shutil.which("valgrind") or sys.exit("instructions: valgrind is not installed")
+    return [valgrind, "--quiet", "--tool=callgrind", f"--callgrind-out-file={folder}/counts",
+            *(f"--toggle-collect={function}" for function in collect),
+            *(f"--dump-{dump}" for dump in dumps)]
+
+
+def counts_of(folder, trigger, number):
+    """The counts of a dump option, in order; there must be as many as `number`."""
+    counts = {}
+    for path in folder.glob("counts.*"):
+        text = path.read_text()
+        if f"\ndesc: Trigger: --dump-{trigger}" in text:
+            counts[int(path.suffix[1:])] = int(re.search(r"^totals: (\d+)$", text, re.M)[1])
+    if len(counts) != number or 0 in counts.values():
+        sys.exit(f"instructions: not {number} counts of {trigger}, but {list(counts.values())}")
+    return [counts[part] for part in sorted(counts)]
+
+
+class CountedProcesses(Processes):
+    """The same processes, with the requests of the daemon counted."""
+
+    def start(self, program, *arguments):
+        if program != "morvane":
+            return super().start(program, *arguments)
+        functions = ("morvane::storePreset(*", "morvane::loadPreset(*")
+        return super().start(
+            *callgrind(self.folder, functions, [f"after=value_object_{m}(*" for m in METHODS]),
+            self.build / program, *arguments)
+
+
+@contextmanager
+def started(kind, build, size):
+    with tempfile.TemporaryDirectory() as folder:
+        processes = kind(build, Path(folder), size)
+        try:
+            yield processes
+        finally:
+            processes.stop()
+
+
+def count_requests(build, size):
+    """The counts of each request of `size` keys, by name."""
+    with started(CountedProcesses, build, size) as processes:
+        for method in METHODS:
+            if method == "load_with_default":
+                keep_half(processes.folder)
+            processes.run(build / "bench/request_client", str(ROUNDS), method, PRESET,
+                          str(processes.folder / "file."))
+        return {f"{method}_{size}":
+                round(statistics.median(counts_of(processes.folder,
+                                                  f"after=value_object_{method}(", ROUNDS)[1:]))
+                for method in METHODS}
+
+
+def count_start_up(build):
+    """The count of a start with 1,000 parameters, and 10 indexed ones of 1,000 keys."""
+    with started(Processes, build, 1000) as processes:
+        daemon = processes.started[-1]
+        *_, parameters, presets = daemon.args
+        with parameters.open("a") as definitions:
+            definitions.writelines(
+                f"plain{n:04}Level rw {{ rangeValid {{ -60..12 }} default {{ 0 }} }}\n"
+                for n in range(PLAIN_PARAMETERS))
+        daemon.kill()
+        daemon.wait()
+        processes.start(*callgrind(processes.folder, ["main"], ["before=g_main_loop_run"]),
+                        build / "morvane", "--debug", parameters, presets)
+        processes.run("gdbus", "wait", "--session", "--timeout=60", "org.norvix.preset")
+        # Its answer comes from within the main loop.
+        processes.run("gdbus", "call", "--session", "--dest=org.norvix.preset",
+                      "--object-path=/preset", "--method=org.norvix.preset.is_preset", PRESET)
+        return {START_UP: counts_of(processes.folder, "before=g_main_loop_run", 1)[0]}
+
+
+def output_of(*command):
+    return subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True).stdout
+
+
+def tools_line(build):
+    """What the numbers depend on besides the sources."""
+    compiler = re.search(r"^CMAKE_CXX_COMPILER:\w+=(.*)$", (build / "CMakeCache.txt").read_text(),
+                         re.M)[1]
+    libraries = [f"{library} {output_of('pkg-config', '--modversion', library).strip()}"
+                 for library in ("dbus-1", "dbus-glib-1", "glib-2.0")]
+    compiler_version = output_of(compiler, "--version").partition("\n")[0]
+    return "# " + ", ".join([os.uname().machine, compiler_version, *libraries]) + "\n"
+
+
+def each_key(name, count):
+    """The instructions for each key, as text; empty of a start-up."""
+    return "" if name == START_UP else f"{count / int(name.rpartition('_')[2]):.1f}"
+
+
+def print_table(kept, counts):
+    print("| name | kept | now | change, % | each key |\n| --- | --- | --- | --- | --- |")
+    for name, count in counts.items():
+        change = f"{100 * (count / kept[name] - 1):+.2f}" if name in kept else ""
+        print(f"| {name} | {kept.get(name, '')} | {count} | {change} | {each_key(name, count)} |")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.partition("\n")[0])
+    parser.add_argument("--keep", action="store_true", help="rewrite bench/instructions.txt")
+    parser.add_argument("--build", type=Path, default=ROOT / "build-bench", help="build folder")
+    options = parser.parse_args()
+    build = options.build.resolve()
+    lines = KEPT.read_text().splitlines(keepends=True) if KEPT.exists() else []
+    kept = {line.split()[0]: int(line.split()[1]) for line in lines if not line.startswith("#")}
+    counts = count_start_up(build)
+    for size in SIZES:
+        counts |= count_requests(build, size)
+    print_table(kept, counts)
+    tools = tools_line(build)
+    if kept and tools not in lines:
+        print(f"The kept numbers are from other tools than {tools[2:]}", end="")
+    if options.keep:
+        KEPT.write_text(HEAD + tools + "".join(
+            f"{name} {count} {each_key(name, count)}".rstrip() + "\n"
+            for name, count in counts.items()))
+
+
+if __name__ == "__main__":
+    main()
