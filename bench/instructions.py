@@ -14,8 +14,9 @@ not the dispatch of the request, its answer, or the end of a transaction after i
 several requests the median counts, without the first, which warms everything up.
 
 Runs of one build differ, on an idle machine as on a busy one, by up to 0.02 % for a store and
-0.5 % for a start-up and a load: messages arrive in other pieces, memory lies elsewhere. Processors
-may differ more, by the variants of memcpy() and its like that the C library picks for them.
+0.5 % for a start-up and a load: messages arrive in other pieces, memory lies elsewhere. A folder
+for temporary files with a longer path made 1 %. Processors may differ more, by the variants of
+memcpy() and its like that the C library picks for them.
 """
 
 import argparse
@@ -44,7 +45,8 @@ def callgrind(folder, collect, dumps):
     """The words before a command that count the instructions within the functions `collect`, and
     write them to a file of `folder` at each of `dumps`. A function may be in one of them only."""
     valgrind = shutil.which("valgrind") or sys.exit("instructions: valgrind is not installed")
-    return [valgrind, "--quiet", "--tool=callgrind", f"--callgrind-out-file={folder}/counts",
+    return [valgrind, "--quiet", "--vgdb=no", "--tool=callgrind",
+            f"--callgrind-out-file={folder}/counts",
             *(f"--toggle-collect={function}" for function in collect),
             *(f"--dump-{dump}" for dump in dumps)]
 
