@@ -128,10 +128,8 @@ std::vector<Pattern> presetDefinitionsPatterns() {
 }
 
 void readPresetData(const std::string& path) {
-    PresetEntryList entries;
     const OwnedStream stream(std::fopen(path.c_str(), "r"));
-    readPresetFile(stream.get(), entries);
-    benchmark::DoNotOptimize(entries);
+    readPresetFile(stream.get(), [](PresetEntry& entry) { benchmark::DoNotOptimize(entry); });
 }
 
 std::vector<Pattern> presetDataPatterns() {

@@ -30,10 +30,12 @@
 #include <filesystem>
 #include <iterator>
 #include <map>
+#include <memory>
 #include <optional>
 #include <random>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -118,13 +120,6 @@ std::string dataOf(const KeySet& keys, Spelling spelling, std::size_t step = 1) 
     return data;
 }
 
-PresetEntryList entriesOf(const std::string& path) {
-    PresetEntryList entries;
-    const OwnedStream stream(std::fopen(path.c_str(), "r"));
-    readPresetFile(stream.get(), entries);
-    return entries;
-}
-
 // Files.
 
 void readParameterDefinitions(benchmark::State& state) {
@@ -162,8 +157,12 @@ BENCHMARK(readPresetDefinitions)->Arg(100)->Arg(10000);
 void readPresetData(benchmark::State& state) {
     const auto text = dataOf(keysOf(state.range()), today);
     const MemoryFile file(text);
-    while (state.KeepRunning())
-        require(std::ssize(entriesOf(file.path())) == state.range(), "reading preset data");
+    while (state.KeepRunning()) {
+        const OwnedStream stream(std::fopen(file.path().c_str(), "r"));
+        const int count = readPresetFile(
+            stream.get(), [](PresetEntry& entry) { benchmark::DoNotOptimize(entry); });
+        require(count == state.range(), "reading preset data");
+    }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
 BENCHMARK(readPresetData)->Apply(sizes);
@@ -237,40 +236,42 @@ BENCHMARK_CAPTURE(inPreset, miss, "[1]", false)->Apply(sizes);
 
 void parseKey(benchmark::State& state) {
     const std::string key = "mixer1Level[1000][1]";
-    while (state.KeepRunning())
-        benchmark::DoNotOptimize(parsePresetKey(key));
+    PresetEntry entry;
+    while (state.KeepRunning()) {
+        parsePresetKey(key, entry);
+        benchmark::DoNotOptimize(entry);
+    }
     state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(parseKey);
 
-void formatKey(benchmark::State& state) {
-    const auto entry = parsePresetKey("mixer1Level[1000][1]");
+void formatKey(benchmark::State& state, std::string_view key) {
+    PresetEntry entry;
+    parsePresetKey(key, entry);
+    std::string buffer;
     while (state.KeepRunning())
-        benchmark::DoNotOptimize(presetKey(entry));
+        benchmark::DoNotOptimize(presetKey(entry, buffer));
     state.SetItemsProcessed(state.iterations());
 }
-BENCHMARK(formatKey);
+BENCHMARK_CAPTURE(formatKey, as_written, "mixer1Level[1000][1]");
+BENCHMARK_CAPTURE(formatKey, put_together, "mixer1Level[1000] [1]");
 
+// With the parsing of the line, which the entry borrows from.
 void translate(benchmark::State& state, Spelling spelling) {
-    const auto& manager = managerOf(state.range());
-    const MemoryFile file(dataOf(keysOf(state.range()), spelling));
+    constexpr std::int64_t size = 100;
+    const auto& manager = managerOf(size);
+    const auto line = spelling(keysOf(size).keys().back());
+    PresetEntry entry;
     while (state.KeepRunning()) {
-        state.PauseTiming();
-        auto entries = entriesOf(file.path());
-        state.ResumeTiming();
-        translateEntries(manager, entries);
-        state.PauseTiming();
-        require(std::ssize(entries) == state.range() &&
-                    manager.in_preset(presetKey(entries.back()), scene),
-                "a translation");
-        entries = {};
-        state.ResumeTiming();
+        parsePresetLine(line, entry);
+        benchmark::DoNotOptimize(translateEntry(manager.translation(), entry));
     }
-    state.SetItemsProcessed(state.iterations() * state.range());
+    require(manager.in_preset(presetKey(entry), scene), "a translation");
+    state.SetItemsProcessed(state.iterations());
 }
-BENCHMARK_CAPTURE(translate, nothing, today)->Apply(sizes);
-BENCHMARK_CAPTURE(translate, renamed, renamed)->Apply(sizes);
-BENCHMARK_CAPTURE(translate, reindexed, reindexed)->Apply(sizes);
+BENCHMARK_CAPTURE(translate, nothing, today);
+BENCHMARK_CAPTURE(translate, renamed, renamed);
+BENCHMARK_CAPTURE(translate, reindexed, reindexed);
 
 // Whole requests.
 
@@ -280,14 +281,15 @@ ParameterOperations idleHandler() {
         .parm_start_trans = [](Transaction&) { return true; },
         .parm_end_trans = [](Transaction) { return true; },
         .parm_get =
-            [](Transaction, const KeySet& keys, std::vector<std::string>& values) {
-                values.assign(keys.size(), "-60");
+            [](Transaction, const KeySet& keys, SharedTexts& values) {
+                const auto texts = std::make_shared<std::vector<const char*>>(keys.size(), "-60");
+                values = {texts, *texts};
                 return true;
             },
         .parm_set = [](Transaction, std::span<const KeyValue>) { return true; },
         .parm_set_status = [](Transaction, std::span<const KeyValue>) { return true; },
-        .parm_reset = [](Transaction, std::span<const std::string>) { return true; },
-        .parm_reset_status = [](Transaction, std::span<const std::string>) { return true; },
+        .parm_reset = [](Transaction, std::span<const BorrowedText>) { return true; },
+        .parm_reset_status = [](Transaction, std::span<const BorrowedText>) { return true; },
         .parm_commit = [](Transaction) { return true; },
     };
 }

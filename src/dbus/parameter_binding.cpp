@@ -11,7 +11,7 @@ ParameterOperations bindOperations(DBusGProxy* proxy) {
         .parm_end_trans =
             [proxy](Transaction transaction) { return parm_end_trans(proxy, transaction); },
         .parm_get =
-            [proxy](Transaction transaction, const KeySet& keys, std::vector<std::string>& values) {
+            [proxy](Transaction transaction, const KeySet& keys, SharedTexts& values) {
                 return parm_get(proxy, &transaction, bulkGetOption, keys.keys(), values);
             },
         .parm_set =
@@ -23,11 +23,11 @@ ParameterOperations bindOperations(DBusGProxy* proxy) {
                 return parm_set_status(proxy, &transaction, values);
             },
         .parm_reset =
-            [proxy](Transaction transaction, std::span<const std::string> keys) {
+            [proxy](Transaction transaction, std::span<const BorrowedText> keys) {
                 return parm_reset(proxy, &transaction, keys);
             },
         .parm_reset_status =
-            [proxy](Transaction transaction, std::span<const std::string> keys) {
+            [proxy](Transaction transaction, std::span<const BorrowedText> keys) {
                 return parm_reset_status(proxy, &transaction, keys);
             },
         .parm_commit = [proxy](Transaction transaction) { return parm_commit(proxy, transaction); },

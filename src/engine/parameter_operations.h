@@ -3,13 +3,12 @@
 #pragma once
 
 #include "engine/tables/key_set.h"
+#include "text/borrowed_text.h"
 
 #include <cstdint>
 #include <functional>
 #include <span>
-#include <string>
 #include <utility>
-#include <vector>
 
 namespace morvane {
 
@@ -17,7 +16,7 @@ namespace morvane {
 using Transaction = std::uint32_t;
 
 /// What is set: a key and its new value.
-using KeyValue = std::pair<std::string, std::string>;
+using KeyValue = std::pair<BorrowedText, BorrowedText>;
 
 /// Each operation returns whether it succeeded. One that did not may be tried again.
 struct ParameterOperations {
@@ -29,9 +28,7 @@ struct ParameterOperations {
 
     /// Reads the values of `keys`.
     /// @param values replaced by one value for each key, in their order; left alone by a failure.
-    std::function<bool(Transaction transaction, const KeySet& keys,
-                       std::vector<std::string>& values)>
-        parm_get;
+    std::function<bool(Transaction transaction, const KeySet& keys, SharedTexts& values)> parm_get;
 
     /// Sets read-write parameters, in list order; equal keys are sent as often as they come. An
     /// empty list succeeds without a call, here and below.
@@ -41,10 +38,10 @@ struct ParameterOperations {
     std::function<bool(Transaction transaction, std::span<const KeyValue> values)> parm_set_status;
 
     /// Puts read-write parameters back to their defaults.
-    std::function<bool(Transaction transaction, std::span<const std::string> keys)> parm_reset;
+    std::function<bool(Transaction transaction, std::span<const BorrowedText> keys)> parm_reset;
 
     /// Puts the status values of read-only parameters back to their defaults.
-    std::function<bool(Transaction transaction, std::span<const std::string> keys)>
+    std::function<bool(Transaction transaction, std::span<const BorrowedText> keys)>
         parm_reset_status;
 
     /// Sends the commit and does not wait for it. The transaction is ended when its answer comes.

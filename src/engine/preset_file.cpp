@@ -1,34 +1,27 @@
 #include "engine/preset_file.h"
 
-#include "text/line_reader.h"
-
-#include <utility>
+#include <cassert>
 
 namespace morvane {
 
-int readPresetFile(std::FILE* stream, PresetEntryList& entries) {
-    LineReader<presetLineBufferSize> lines(stream);
-    int count = 0;
-    while (const auto line = lines.next()) {
-        auto entry = parsePresetLine(*line);
-        if (entry.name.empty() || entry.value.empty())
-            continue;
-        entries.push_back(std::move(entry));
-        ++count;
-    }
-    return count;
-}
-
-bool writePresetEntry(std::FILE* stream, const PresetEntry& entry) {
+bool writePresetEntry(std::FILE* stream, const PresetEntry& entry, std::string& line) {
     if (entry.name.empty() || entry.value.empty())
         return false;
-    return std::fputs((formatPresetLine(entry) + "\n").c_str(), stream) != EOF;
+    formatPresetLine(entry, line);
+    line += '\n';
+    return std::fputs(line.c_str(), stream) != EOF;
 }
 
-int writePresetFile(std::FILE* stream, const PresetEntryList& entries) {
+int writePresetFile(std::FILE* stream, std::span<const std::string> keys,
+                    std::span<const char* const> values) {
+    assert(values.size() == keys.size());
+    PresetEntry entry;
+    std::string line;
     int count = 0;
-    for (const auto& entry : entries) {
-        if (!writePresetEntry(stream, entry))
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        parsePresetKey(keys[i], entry);
+        entry.value = values[i];
+        if (!writePresetEntry(stream, entry, line))
             break;
         ++count;
     }

@@ -3,33 +3,54 @@
 #pragma once
 
 #include "engine/preset_entry.h"
+#include "text/line_reader.h"
 
 #include <cstddef>
 #include <cstdio>
+#include <span>
+#include <string>
 
 namespace morvane {
 
 /// For a line with its line feed and a byte 0; longer ones are read as several.
 constexpr std::size_t presetLineBufferSize = 1024;
 
-/// Reads to the end of the stream and appends every entry with a name and a value; all other lines
-/// are skipped, and lines of more than 1023 bytes are read as several.
+/// Reads to the end of the stream and hands every entry with a name and a value to `use`; all other
+/// lines are skipped, and lines of more than 1023 bytes are read as several.
 ///
 /// @param stream open for reading; borrowed, stays open.
-/// @return the number of entries appended.
-int readPresetFile(std::FILE* stream, PresetEntryList& entries);
+/// @param use    a callable that takes a PresetEntry&, which it may change. The entry and its texts
+///               are gone when the call returns: files are read line by line, whatever their size.
+/// @return the number of entries handed out.
+template <typename Use>
+int readPresetFile(std::FILE* stream, Use use) {
+    LineReader<presetLineBufferSize> lines(stream);
+    PresetEntry entry;
+    int count = 0;
+    while (const auto line = lines.next()) {
+        parsePresetLine(*line, entry);
+        if (entry.name.empty() || entry.value.empty())
+            continue;
+        use(entry);
+        ++count;
+    }
+    return count;
+}
 
 /// Writes the line of one entry with a line feed.
 ///
 /// @param stream open for writing; borrowed, stays open.
+/// @param line   overwritten: the one buffer for all lines of a file.
 /// @return false if the entry has no name or no value, with nothing written, or if the stream
 ///         refuses the line, with its error indicator set.
-bool writePresetEntry(std::FILE* stream, const PresetEntry& entry);
+bool writePresetEntry(std::FILE* stream, const PresetEntry& entry, std::string& line);
 
-/// Writes the entries in list order and stops at the first that cannot be written. Lines already
-/// written stay.
+/// Writes a line for each key with its value, in order, and stops at the first that cannot be
+/// written. Lines already written stay.
 ///
+/// @param values one for each key.
 /// @return the number of lines written.
-int writePresetFile(std::FILE* stream, const PresetEntryList& entries);
+int writePresetFile(std::FILE* stream, std::span<const std::string> keys,
+                    std::span<const char* const> values);
 
 } // namespace morvane

@@ -12,26 +12,28 @@ namespace morvane {
 
 namespace {
 
-// What an element stands for: itself, or the old index that it refers to; null if the entry has no
-// index there.
-const std::string* indexOf(const std::string& element, const std::vector<std::string>& oldIndices) {
+// What an element stands for: itself, or the old index that it refers to; nothing if the entry has
+// no index there.
+std::optional<std::string_view> indexOf(const std::string& element, const PresetEntry& entry) {
     const auto position = PresetTranslate::referredPosition(element);
     if (!position)
-        return &element;
-    return *position < oldIndices.size() ? &oldIndices[*position] : nullptr;
+        return element;
+    if (*position >= entry.indices.size())
+        return std::nullopt;
+    return entry.indices[*position];
 }
 
-std::optional<std::vector<std::string>> newIndices(const PresetEntry& entry,
-                                                   const IndexTemplate& elements) {
-    std::vector<std::string> indices;
+std::optional<std::vector<std::string_view>> newIndices(const PresetEntry& entry,
+                                                        const IndexTemplate& elements) {
+    std::vector<std::string_view> indices;
     for (const auto& element : elements) {
-        const auto* const index = indexOf(element, entry.indices);
-        if (index == nullptr) {
+        const auto index = indexOf(element, entry);
+        if (!index) {
             // The blank that is missing before "with" is part of the text that people search for.
             std::fprintf(stderr,
                          "PresetTranslate::translate() Error:Could not locate index value for %s "
                          "for parameter %swith %d indices\n",
-                         element.c_str(), entry.name.c_str(),
+                         element.c_str(), std::string(entry.name).c_str(),
                          static_cast<int>(entry.indices.size()));
             return std::nullopt;
         }
@@ -46,6 +48,7 @@ void mapName(const TranslationTables& tables, PresetEntry& entry) {
         return;
     const auto& [newName, values] = mapping->second;
     entry.name = newName;
+    entry.writtenKey = {};
     if (const auto value = values.find(entry.value); value != values.end())
         entry.value = value->second;
 }
@@ -74,26 +77,28 @@ PresetEntry PresetTranslate::translate(PresetEntry entry, const IndexMaps& index
         std::fprintf(stderr,
                      "PresetTranslate::translate() Error:Could not located index mapping for %s "
                      "with %d indices\n",
-                     entry.name.c_str(), static_cast<int>(count));
+                     std::string(entry.name).c_str(), static_cast<int>(count));
         return {};
     }
     auto indices = newIndices(entry, elements->second);
     if (!indices)
         return {};
     entry.indices = *std::move(indices);
+    entry.writtenKey = {};
     return entry;
 }
 
-void translateEntries(const PresetManager& manager, PresetEntryList& entries) {
-    const auto& tables = manager.translation();
-    auto kept = entries.begin();
-    for (auto& entry : entries) {
-        mapName(tables, entry);
-        if (tables.removed.contains(entry.name) || !manager.isParameter(entry.name))
-            continue;
-        *kept++ = PresetTranslate::translate(std::move(entry), tables.indexMaps);
-    }
-    entries.erase(kept, entries.end());
+bool translateEntry(const TranslationTables& tables, PresetEntry& entry) {
+    mapName(tables, entry);
+    if (tables.removed.contains(entry.name))
+        return false;
+    if (!tables.indexMaps.empty())
+        entry = PresetTranslate::translate(std::move(entry), tables.indexMaps);
+    return true;
+}
+
+bool isOfKnownParameter(const PresetManager& manager, const PresetEntry& entry) {
+    return entry.name.empty() || manager.isParameter(entry.name);
 }
 
 } // namespace morvane

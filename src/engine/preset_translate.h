@@ -12,9 +12,16 @@ namespace morvane {
 
 class PresetManager;
 
-/// Rewrites the entries in place: old names and values become the current ones, entries of removed
-/// and of unknown parameters are dropped without a word, and indices are mapped.
-void translateEntries(const PresetManager& manager, PresetEntryList& entries);
+/// Rewrites an entry in place: an old name and value become the current ones, and the indices are
+/// mapped as `PresetTranslate::translate` does. What is new is borrowed from the tables.
+///
+/// @return false if the entry is dropped because its parameter has been removed. Those of unknown
+///         parameters are to be dropped, too: see `isOfKnownParameter`.
+bool translateEntry(const TranslationTables& tables, PresetEntry& entry);
+
+/// Whether a translated entry is one of a parameter of this device, or could not be mapped. Apart
+/// from the translation because a load needs it for few entries: what is in a preset is known.
+bool isOfKnownParameter(const PresetManager& manager, const PresetEntry& entry);
 
 struct PresetTranslate {
     /// Maps the indices of an entry.

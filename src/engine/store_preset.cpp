@@ -9,7 +9,6 @@
 #include <syslog.h>
 
 #include <algorithm>
-#include <cassert>
 #include <iterator>
 #include <utility>
 
@@ -23,21 +22,8 @@ struct StoreWords {
     const char* done;
 };
 
-PresetEntryList entriesOf(const KeySet& keys, std::vector<std::string> values) {
-    assert(values.size() == keys.size());
-    PresetEntryList entries;
-    entries.reserve(values.size());
-    auto value = values.begin();
-    for (const auto& key : keys) {
-        auto entry = parsePresetKey(key);
-        entry.value = std::move(*value++);
-        entries.push_back(std::move(entry));
-    }
-    return entries;
-}
-
 bool readValues(const ParameterOperations& handler, Transaction transaction, const KeySet& keys,
-                std::vector<std::string>& values) {
+                SharedTexts& values) {
     return withRetries("parm_get", [&] { return handler.parm_get(transaction, keys, values); });
 }
 
@@ -45,15 +31,15 @@ bool endTransaction(const ParameterOperations& handler, Transaction transaction)
     return withRetries("parm_end_trans", [&] { return handler.parm_end_trans(transaction); });
 }
 
-bool writeEntries(const StoreWords& words, const PresetEntryList& entries,
-                  const std::string& presetName, const std::string& filePath) {
+bool writeValues(const StoreWords& words, const KeySet& keys, const SharedTexts& values,
+                 const std::string& presetName, const std::string& filePath) {
     std::FILE* stream = nullptr;
     if (!openPresetForWrite(filePath, stream) || stream == nullptr) {
         syslog(LOG_ERR, "%s(): Error opening file %s\n", words.operation, filePath.c_str());
         return false;
     }
     // An empty value ends the file, which is no error; a stream that refused a line shows at close.
-    writePresetFile(stream, entries);
+    writePresetFile(stream, keys.keys(), values.texts);
     // Whoever reads the log for this line finds it before the close and without a line feed.
     syslog(LOG_INFO, "%s(): %s %s %s", words.operation, presetName.c_str(), words.done,
            filePath.c_str());
@@ -63,9 +49,9 @@ bool writeEntries(const StoreWords& words, const PresetEntryList& entries,
 // The transaction ends only after the file is safe; whatever fails before leaves it open.
 bool storeKeys(const StoreWords& words, const ParameterOperations& handler, Transaction transaction,
                const KeySet& keys, const std::string& presetName, const std::string& filePath) {
-    std::vector<std::string> values;
+    SharedTexts values;
     return readValues(handler, transaction, keys, values) &&
-           writeEntries(words, entriesOf(keys, std::move(values)), presetName, filePath) &&
+           writeValues(words, keys, values, presetName, filePath) &&
            endTransaction(handler, transaction);
 }
 

@@ -80,7 +80,7 @@ bool set(DBusGProxy* proxy, const guint32* transaction, Target target,
 }
 
 bool reset(DBusGProxy* proxy, const guint32* transaction, Target target,
-           std::span<const std::string> request) {
+           std::span<const BorrowedText> request) {
     if (proxy == nullptr)
         return false;
     if (request.empty())
@@ -98,21 +98,25 @@ bool reset(DBusGProxy* proxy, const guint32* transaction, Target target,
     });
 }
 
+SharedTexts shared(OwnedTexts texts, std::size_t count) {
+    gchar** const array = texts.release();
+    return {std::shared_ptr<const void>(array, [array](const void*) { g_strfreev(array); }),
+            {array, count}};
+}
+
 bool getOne(DBusGProxy* proxy, const guint32* transaction, const StringList& names,
-            std::vector<std::string>& values) {
-    OwnedText value;
+            SharedTexts& values) {
+    OwnedTexts reply(g_new0(gchar*, 2));
     const bool answered = callUntilAnswered(proxy, getFailed, [&](GError** error) {
-        gchar* raw = nullptr;
-        callGet(proxy, transaction, names.front(), raw, error);
-        value.reset(raw);
+        callGet(proxy, transaction, names.front(), *reply.get(), error);
     });
     if (answered)
-        values.assign(1, value.get());
+        values = shared(std::move(reply), 1);
     return answered;
 }
 
 bool getSeveral(DBusGProxy* proxy, const guint32* transaction, guint32 option,
-                const StringList& names, std::vector<std::string>& values) {
+                const StringList& names, SharedTexts& values) {
     OwnedTexts reply;
     const bool answered = callUntilAnswered(proxy, bulkGetFailed, [&](GError** error) {
         gchar** raw = nullptr;
@@ -128,7 +132,7 @@ bool getSeveral(DBusGProxy* proxy, const guint32* transaction, guint32 option,
         reportError(bulkGetFailed, detail.c_str(), AfterReport::goOn);
         return false;
     }
-    values.assign(reply.get(), reply.get() + count);
+    values = shared(std::move(reply), count);
     return true;
 }
 
@@ -149,11 +153,11 @@ bool parm_end_trans(DBusGProxy* proxy, guint32 transaction) {
 }
 
 bool parm_get(DBusGProxy* proxy, const guint32* transaction, guint32 option,
-              std::span<const std::string> names, std::vector<std::string>& values) {
+              std::span<const std::string> names, SharedTexts& values) {
     if (proxy == nullptr)
         return false;
     if (names.empty()) {
-        values.clear();
+        values = {};
         return true;
     }
     StringList request(names.size(), getOutOfMemory);
@@ -174,12 +178,13 @@ bool parm_set_status(DBusGProxy* proxy, const guint32* transaction,
     return set(proxy, transaction, Target::status, request);
 }
 
-bool parm_reset(DBusGProxy* proxy, const guint32* transaction, std::span<const std::string> names) {
+bool parm_reset(DBusGProxy* proxy, const guint32* transaction,
+                std::span<const BorrowedText> names) {
     return reset(proxy, transaction, Target::value, names);
 }
 
 bool parm_reset_status(DBusGProxy* proxy, const guint32* transaction,
-                       std::span<const std::string> names) {
+                       std::span<const BorrowedText> names) {
     return reset(proxy, transaction, Target::status, names);
 }
 

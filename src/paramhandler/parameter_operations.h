@@ -8,18 +8,18 @@
 #pragma once
 
 #include "paramhandler/connection.h"
+#include "text/borrowed_text.h"
 
 #include <glib.h>
 
 #include <span>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace morvane {
 
 /// What a set request sends for each parameter: its name and its value.
-using NameValue = std::pair<std::string, std::string>;
+using NameValue = std::pair<BorrowedText, BorrowedText>;
 
 /// The argument of the bulk get methods whose meaning only the Parameter Handler knows; this value
 /// asks for nothing special.
@@ -31,7 +31,7 @@ bool parm_end_trans(DBusGProxy* proxy, guint32 transaction);
 /// @param option see `bulkGetOption`.
 /// @param values replaced by one value for each name, in their order; left alone by a failure.
 bool parm_get(DBusGProxy* proxy, const guint32* transaction, guint32 option,
-              std::span<const std::string> names, std::vector<std::string>& values);
+              std::span<const std::string> names, SharedTexts& values);
 
 /// Sets read-write parameters, in list order.
 bool parm_set(DBusGProxy* proxy, const guint32* transaction, std::span<const NameValue> request);
@@ -41,11 +41,11 @@ bool parm_set_status(DBusGProxy* proxy, const guint32* transaction,
                      std::span<const NameValue> request);
 
 /// Puts read-write parameters back to their defaults.
-bool parm_reset(DBusGProxy* proxy, const guint32* transaction, std::span<const std::string> names);
+bool parm_reset(DBusGProxy* proxy, const guint32* transaction, std::span<const BorrowedText> names);
 
 /// Puts the status values of read-only parameters back to their defaults.
 bool parm_reset_status(DBusGProxy* proxy, const guint32* transaction,
-                       std::span<const std::string> names);
+                       std::span<const BorrowedText> names);
 
 /// Asks whether a value could be set.
 /// @param accepted the answer; left alone by a failure.

@@ -1,5 +1,7 @@
 #include "paramhandler/string_list.h"
 
+#include "text/utf8.h"
+
 #include <dbus/dbus.h>
 
 #include <syslog.h>
@@ -25,23 +27,18 @@ gchar** allocateArray(std::size_t size, const char* outOfMemoryText) {
 
 } // namespace
 
-void SendCheck::add(const std::string& text) {
+void SendCheck::add(std::string_view text) {
     // A string begins at a multiple of 4 with its length of 4 bytes and ends with a byte 0.
     sizeOnBus_ = (sizeOnBus_ + 3) / 4 * 4 + 4 + text.size() + 1;
-    const bool valid =
-        g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) != FALSE;
-    if (!valid && notUtf8_ == nullptr)
-        notUtf8_ = &text;
+    if (!notUtf8_ && !isUtf8(text))
+        notUtf8_ = text;
 }
 
 std::string unsendableReason(std::initializer_list<const SendCheck*> arguments) {
     std::size_t messageSize = messageOverhead;
     for (const auto* const argument : arguments) {
-        if (const auto* const text = argument->notUtf8()) {
-            const OwnedText printable(
-                g_utf8_make_valid(text->data(), static_cast<gssize>(text->size())));
-            return std::string("not valid UTF-8: ") + printable.get();
-        }
+        if (const auto text = argument->notUtf8())
+            return "not valid UTF-8: " + printableText(*text);
         if (argument->sizeOnBus() > DBUS_MAXIMUM_ARRAY_LENGTH)
             return "more than the bus carries in one list";
         messageSize += argument->sizeOnBus();
@@ -54,8 +51,8 @@ std::string unsendableReason(std::initializer_list<const SendCheck*> arguments) 
 StringList::StringList(std::size_t capacity, const char* outOfMemoryText)
     : array_(allocateArray(capacity + 1, outOfMemoryText)) {}
 
-void StringList::add(const std::string& text) {
-    check_.add(text);
+void StringList::add(BorrowedText text) {
+    check_.add(text.view());
     array_.get()[size_++] = const_cast<gchar*>(text.c_str()); // never written to
 }
 

@@ -2,11 +2,14 @@
 #pragma once
 
 #include "paramhandler/glib_owned.h"
+#include "text/borrowed_text.h"
 
 #include <cstddef>
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace morvane {
 
@@ -14,17 +17,17 @@ namespace morvane {
 class SendCheck {
 public:
     /// @param text borrowed; must outlive the check.
-    void add(const std::string& text);
+    void add(std::string_view text);
 
     /// The bytes that the strings take as an array on the bus.
     std::size_t sizeOnBus() const { return sizeOnBus_; }
 
-    /// The first string that is not valid UTF-8, or null.
-    const std::string* notUtf8() const { return notUtf8_; }
+    /// The first string that is not valid UTF-8.
+    std::optional<std::string_view> notUtf8() const { return notUtf8_; }
 
 private:
     std::size_t sizeOnBus_ = 0;
-    const std::string* notUtf8_ = nullptr;
+    std::optional<std::string_view> notUtf8_;
 };
 
 /// Says why a call with these arguments must not be sent: libdbus ends a process that sends
@@ -46,7 +49,7 @@ public:
 
     /// Appends a text, at most `capacity` times.
     /// @param text borrowed; must outlive the list.
-    void add(const std::string& text);
+    void add(BorrowedText text);
 
     std::size_t size() const { return size_; }
     const gchar* front() const { return array_.get()[0]; }

@@ -22,7 +22,7 @@ struct RemovedList {
 struct FromMapping {
     std::uint32_t line = 0;
     std::string oldName;
-    std::map<std::string, std::string> values; ///< old value text to new value text
+    std::map<std::string, std::string, std::less<>> values; ///< old value text to new value text
 
     bool operator==(const FromMapping&) const = default;
 };

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 
 namespace morvane {
 
@@ -42,6 +43,19 @@ std::size_t lengthInForm(std::string_view text, const Form& form) {
     return code >= form.lowest && isCharacter(code) ? form.length : 0;
 }
 
+// Eight bytes at a time: every text that is read or sent comes through here.
+bool isAscii(std::string_view text) {
+    std::uint64_t seen = 0;
+    for (; text.size() >= sizeof seen; text.remove_prefix(sizeof seen)) {
+        std::uint64_t bytes = 0;
+        std::memcpy(&bytes, text.data(), sizeof bytes);
+        seen |= bytes;
+    }
+    for (const char c : text)
+        seen |= static_cast<unsigned char>(c);
+    return (seen & 0x8080808080808080U) == 0;
+}
+
 std::string escaped(char c) {
     constexpr std::string_view digits = "0123456789abcdef";
     const auto byte = static_cast<unsigned char>(c);
@@ -67,12 +81,9 @@ std::size_t utf8CharacterLength(std::string_view text) {
 }
 
 bool isUtf8(std::string_view text) {
-    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+    if (isAscii(text)) // as nearly all of them are
+        return true;
     while (!text.empty()) {
-        if (isAscii(text.front())) { // as nearly all of them are
-            text.remove_prefix(1);
-            continue;
-        }
         const auto length = utf8CharacterLength(text);
         if (length == 0)
             return false;

@@ -111,11 +111,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         !(keyCount(*definitions, arguments) * static_cast<double>(selections) <= mostKeys))
         return 0;
     const PresetManager manager(*definitions, arguments);
-    PresetEntryList entries;
     const OwnedStream stream(std::fopen(stored.path().c_str(), "r"));
-    readPresetFile(stream.get(), entries);
-    translateEntries(manager, entries);
-    for (const auto& entry : entries)
-        manager.in_preset(presetKey(entry), "p");
+    readPresetFile(stream.get(), [&](PresetEntry& entry) {
+        if (translateEntry(manager.translation(), entry))
+            manager.in_preset(presetKey(entry), "p");
+    });
     return 0;
 }

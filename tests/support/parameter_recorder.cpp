@@ -1,5 +1,7 @@
 #include "support/parameter_recorder.h"
 
+#include "support/shared_texts.h"
+
 namespace morvane::test {
 
 namespace {
@@ -13,14 +15,14 @@ std::string textOf(Transaction transaction) {
 std::string textOf(Transaction transaction, std::span<const KeyValue> values) {
     std::string text = textOf(transaction);
     for (const auto& [key, value] : values)
-        text.append(" ").append(key).append("=").append(value);
+        text.append(" ").append(key.view()).append("=").append(value.view());
     return text;
 }
 
-std::string textOf(Transaction transaction, std::span<const std::string> keys) {
+std::string textOf(Transaction transaction, std::span<const BorrowedText> keys) {
     std::string text = textOf(transaction);
     for (const auto& key : keys)
-        text.append(" ").append(key);
+        text.append(" ").append(key.view());
     return text;
 }
 
@@ -38,12 +40,14 @@ ParameterOperations ParameterRecorder::operations() {
                 return record("parm_end_trans", textOf(transaction));
             },
         .parm_get =
-            [this](Transaction transaction, const KeySet& keys, std::vector<std::string>& read) {
-                if (!record("parm_get", textOf(transaction, keys.keys())))
+            [this](Transaction transaction, const KeySet& keys, SharedTexts& read) {
+                const std::vector<BorrowedText> names(keys.begin(), keys.end());
+                if (!record("parm_get", textOf(transaction, names)))
                     return false;
-                read.clear();
+                std::vector<std::string> texts;
                 for (const auto& key : keys)
-                    read.push_back(values.contains(key) ? values[key] : "?");
+                    texts.push_back(values.contains(key) ? values[key] : "?");
+                read = sharedTexts(std::move(texts));
                 return true;
             },
         .parm_set =
@@ -55,11 +59,11 @@ ParameterOperations ParameterRecorder::operations() {
                 return record("parm_set_status", textOf(transaction, pairs));
             },
         .parm_reset =
-            [this](Transaction transaction, std::span<const std::string> keys) {
+            [this](Transaction transaction, std::span<const BorrowedText> keys) {
                 return record("parm_reset", textOf(transaction, keys));
             },
         .parm_reset_status =
-            [this](Transaction transaction, std::span<const std::string> keys) {
+            [this](Transaction transaction, std::span<const BorrowedText> keys) {
                 return record("parm_reset_status", textOf(transaction, keys));
             },
         .parm_commit =

@@ -25,20 +25,18 @@ struct Difference {
     std::optional<std::string> second;
 };
 
-std::optional<PresetEntryList> readEntries(const std::string& file) {
+// The values of a file, without those entries that `takes` refuses. Of two lines with one key the
+// second counts, as it does when both are loaded.
+template <typename Takes>
+std::optional<Values> readValues(const std::string& file, Takes takes) {
     const auto stream = openDataFile(file);
     if (!stream)
         return std::nullopt;
-    PresetEntryList entries;
-    readPresetFile(stream.get(), entries);
-    return entries;
-}
-
-// Of two lines with one key the second counts, as it does when both are loaded.
-Values valuesOf(const PresetEntryList& entries) {
     Values values;
-    for (const auto& entry : entries)
-        values[presetKey(entry)] = entry.value;
+    readPresetFile(stream.get(), [&](PresetEntry& entry) {
+        if (takes(entry))
+            values[presetKey(entry)] = entry.value;
+    });
     return values;
 }
 
@@ -112,28 +110,31 @@ std::optional<Values> liveValues(const std::string& address, const std::vector<s
 } // namespace
 
 ExitStatus diffFiles(const Settings& settings) {
-    const auto first = readEntries(settings.file);
-    const auto second = readEntries(settings.otherFile);
+    const auto all = [](const PresetEntry&) { return true; };
+    const auto first = readValues(settings.file, all);
+    const auto second = readValues(settings.otherFile, all);
     if (!first || !second)
         return ExitStatus::error;
-    return show(differences(valuesOf(*first), valuesOf(*second)), settings.json);
+    return show(differences(*first, *second), settings.json);
 }
 
 ExitStatus diffLive(const Settings& settings) {
     auto variantSettings = settings;
     variantSettings.preset = settings.livePreset;
     const auto variant = readVariantWithPreset(variantSettings);
-    auto entries = readEntries(settings.file);
-    if (!variant || !entries)
+    if (!variant)
         return ExitStatus::error;
     const auto& keys = *variant->manager.findPreset(settings.livePreset);
-    translateEntries(variant->manager, *entries);
-    std::erase_if(*entries,
-                  [&keys](const PresetEntry& entry) { return !keys.contains(presetKey(entry)); });
+    const auto values = readValues(settings.file, [&](PresetEntry& entry) {
+        return translateEntry(variant->manager.translation(), entry) &&
+               keys.contains(presetKey(entry));
+    });
+    if (!values)
+        return ExitStatus::error;
     const auto live = liveValues(settings.address, {keys.begin(), keys.end()});
     if (!live)
         return ExitStatus::error;
-    return show(differences(valuesOf(*entries), *live), settings.json);
+    return show(differences(*values, *live), settings.json);
 }
 
 } // namespace morvane::ctl

@@ -58,14 +58,17 @@ private:
     bool set(const char* method, std::span<const KeyValue> values) {
         Call call{method, {}, {}};
         for (const auto& [key, value] : values) {
-            call.keys.push_back(key);
-            call.values.push_back(value);
+            call.keys.emplace_back(key.view());
+            call.values.emplace_back(value.view());
         }
         return values.empty() || add(std::move(call));
     }
 
-    bool reset(const char* method, std::span<const std::string> keys) {
-        return keys.empty() || add({method, {keys.begin(), keys.end()}, {}});
+    bool reset(const char* method, std::span<const BorrowedText> keys) {
+        Call call{method, {}, {}};
+        for (const auto& key : keys)
+            call.keys.emplace_back(key.view());
+        return keys.empty() || add(std::move(call));
     }
 
     std::vector<Call> calls_;

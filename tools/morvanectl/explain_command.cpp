@@ -21,6 +21,12 @@ using Kind = PresetList::Kind;
 
 constexpr std::array accessWords = {"an index", "ro", "rostrict", "wo", "rw"};
 
+PresetEntry keyOf(const std::string& text) {
+    PresetEntry key;
+    parsePresetKey(text, key);
+    return key;
+}
+
 /// Gathers the reasons for one key and one preset.
 class Explanation {
 public:
@@ -29,7 +35,7 @@ public:
           parameters_(variant.definitions.parameters),
           presets_(variant.definitions.presets.presets),
           manager_(variant.manager),
-          key_(parsePresetKey(settings.key)) {}
+          key_(keyOf(settings.key)) {}
 
     const std::vector<std::string>& lines() const { return lines_; }
 
@@ -61,7 +67,8 @@ private:
     bool explainParameter() {
         const auto* const parameter = parameters_.find(key_.name);
         if (parameter == nullptr) {
-            lines_.push_back("no parameter " + key_.name + " in " + settings_.paramDefFile);
+            lines_.push_back("no parameter " + std::string(key_.name) + " in " +
+                             settings_.paramDefFile);
             return false;
         }
         const auto access = static_cast<std::size_t>(parameter->access);
@@ -105,7 +112,8 @@ private:
         }
         bool all = true;
         for (std::size_t i = 0; i < key_.indices.size(); ++i)
-            all = explainIndex(parameter.indices[i].indexName(), key_.indices[i]) && all;
+            all =
+                explainIndex(parameter.indices[i].indexName(), std::string(key_.indices[i])) && all;
         return all;
     }
 

@@ -35,7 +35,7 @@ std::string changes(const PresetEntry& before, const PresetEntry& after) {
 std::string reasonForDropping(const PresetEntry& entry, const PresetManager& manager) {
     const auto& [removed, nameMappings, indexMaps] = manager.translation();
     const auto mapping = nameMappings.find(entry.name);
-    const auto& name = mapping == nameMappings.end() ? entry.name : mapping->second.newName;
+    const std::string name(mapping == nameMappings.end() ? entry.name : mapping->second.newName);
     return removed.contains(name) ? "dropped: " + name + " is in a removed list"
                                   : "dropped: no parameter " + name + " on this variant";
 }
@@ -43,21 +43,22 @@ std::string reasonForDropping(const PresetEntry& entry, const PresetManager& man
 TranslatedLine translateLine(std::string_view line, std::uint32_t number,
                              const PresetManager& manager) {
     TranslatedLine result{number, std::string(trimSpace(line)), {}, {}};
-    const auto entry = parsePresetLine(line);
+    PresetEntry entry;
+    parsePresetLine(line, entry);
     if (entry.name.empty() || entry.value.empty()) {
         result.what = "skipped: not NAME=VALUE";
         return result;
     }
-    PresetEntryList entries{entry};
-    translateEntries(manager, entries);
-    if (entries.empty()) {
+    auto translated = entry;
+    if (!translateEntry(manager.translation(), translated) ||
+        !isOfKnownParameter(manager, translated)) {
         result.what = reasonForDropping(entry, manager);
-    } else if (entries.front().name.empty()) {
+    } else if (translated.name.empty()) {
         result.what =
             "dropped: its " + std::to_string(entry.indices.size()) + " indices cannot be mapped";
     } else {
-        result.after = formatPresetLine(entries.front());
-        result.what = changes(entry, entries.front());
+        formatPresetLine(translated, result.after);
+        result.what = changes(entry, translated);
     }
     return result;
 }

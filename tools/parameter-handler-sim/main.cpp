@@ -38,18 +38,19 @@ Refusal readValues(const std::string& path, const Device& device, ValueStore& va
     const OwnedStream stream(std::fopen(path.c_str(), "r"));
     if (!stream)
         return "cannot open " + path;
-    PresetEntryList entries;
-    readPresetFile(stream.get(), entries);
-    for (const auto& entry : entries) {
+    Refusal refusal;
+    readPresetFile(stream.get(), [&](const PresetEntry& entry) {
+        if (refusal)
+            return;
         const auto key = presetKey(entry);
         const auto* const parameter = device.find(key);
         const auto target =
             parameter != nullptr && parameter->isReadOnly() ? Target::status : Target::value;
-        const std::array assignment{Assignment{key, entry.value}};
-        if (auto refusal = values.set({}, target, assignment))
-            return path + ": " + *refusal;
-    }
-    return {};
+        const std::array assignment{Assignment{key, std::string(entry.value)}};
+        if (const auto reason = values.set({}, target, assignment))
+            refusal = path + ": " + *reason;
+    });
+    return refusal;
 }
 
 Refusal readFaults(const std::string& path, FaultScript& faults) {

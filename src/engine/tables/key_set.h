@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -35,6 +36,23 @@ public:
 
 private:
     std::vector<std::string> keys_;
+};
+
+/// Finds many keys of a set, one after the other. Looks on from the last key found: keys that come
+/// in the order of the set, as in a file that was stored, are found in constant time.
+class KeySearch {
+public:
+    /// @param set borrowed for the search's life.
+    explicit KeySearch(const KeySet& set) : keys_(set.keys()) {}
+
+    /// @return the key's place in the set, counted from 0; nothing if the set does not have it.
+    std::optional<std::size_t> find(std::string_view key);
+
+private:
+    std::size_t lowerBound(std::string_view key) const;
+
+    std::span<const std::string> keys_;
+    std::size_t next_ = 0; ///< the place behind the last key found
 };
 
 } // namespace morvane

@@ -24,7 +24,7 @@ using IndexMaps = std::map<std::string, IndexTemplateMap, std::less<>>;
 /// What became of an old parameter.
 struct NameMapping {
     std::string newName;
-    std::map<std::string, std::string> values; ///< old value text to new value text
+    std::map<std::string, std::string, std::less<>> values; ///< old value text to new value text
 
     bool operator==(const NameMapping&) const = default;
 };

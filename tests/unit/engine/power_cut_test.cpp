@@ -8,6 +8,7 @@
 #include "engine/preset_file.h"
 #include "support/file_recorder.h"
 #include "support/log_recorder.h"
+#include "support/preset_lines.h"
 #include "support/temp_folder.h"
 #include "text/line_reader.h"
 
@@ -22,13 +23,16 @@
 namespace morvane {
 namespace {
 
-const PresetEntryList oldEntries{{"gain", {"1"}, "old"}, {"mode", {}, "old"}};
-const PresetEntryList newEntries{{"gain", {"1"}, "new"}, {"mode", {}, "new"}};
+using Lines = std::vector<std::string>;
 
-std::string textOf(const PresetEntryList& entries) {
+const Lines keys{"gain[1]", "mode"};
+const Lines oldEntries{"gain[1]=old", "mode=old"};
+const Lines newEntries{"gain[1]=new", "mode=new"};
+
+std::string textOf(const Lines& lines) {
     std::string text;
-    for (const auto& entry : entries)
-        text += formatPresetLine(entry) + "\n";
+    for (const auto& line : lines)
+        text += line + "\n";
     return text;
 }
 
@@ -43,7 +47,7 @@ std::vector<std::string> recordStore() {
     const test::FileRecorder files;
     std::FILE* stream = nullptr;
     EXPECT_TRUE(openPresetForWrite(path, stream));
-    EXPECT_EQ(writePresetFile(stream, newEntries), 2);
+    EXPECT_EQ(writePresetFile(stream, keys, std::vector{"new", "new"}), 2);
     EXPECT_TRUE(closePresetAfterWrite(path, stream));
     auto calls = files.calls();
     for (auto& call : calls) {
@@ -112,7 +116,7 @@ std::set<Disk> disksBehind(const std::vector<std::string>& calls, std::size_t co
 }
 
 // What a load reads from a disk; nothing if there is no file.
-std::optional<PresetEntryList> loadFrom(const Disk& disk) {
+std::optional<Lines> loadFrom(const Disk& disk) {
     const test::TempFolder folder;
     for (const auto& [name, content] : disk)
         folder.write(name, content);
@@ -120,9 +124,7 @@ std::optional<PresetEntryList> loadFrom(const Disk& disk) {
     if (!openPresetForRead(folder.path("p"), raw) || raw == nullptr)
         return std::nullopt;
     const OwnedStream stream(raw);
-    PresetEntryList entries;
-    readPresetFile(stream.get(), entries);
-    return entries;
+    return test::readLines(stream.get());
 }
 
 TEST(PowerCut, LeavesTheOldOrTheNewPreset) {

@@ -4,14 +4,13 @@
 
 namespace morvane {
 
-void PrintTo(const PresetEntry& entry, std::ostream* out) {
-    *out << "{\"" << entry.name << '"';
-    for (const auto& index : entry.indices)
-        *out << " [" << index << ']';
-    *out << " = \"" << entry.value << "\"}";
-}
-
 namespace {
+
+void expectEqual(const PresetEntry& entry, const PresetEntry& expected) {
+    EXPECT_EQ(entry.name, expected.name);
+    EXPECT_EQ(entry.indices, expected.indices);
+    EXPECT_EQ(entry.value, expected.value);
+}
 
 struct KeyRow {
     const char* why;
@@ -30,6 +29,7 @@ const KeyRow keyRows[] = {
      "gain[1]x[2]junk",
      {"gain", {"1", "2"}, ""},
      "gain[1][2]"},
+    {"text between groups is dropped", "gain[1]x[2]", {"gain", {"1", "2"}, ""}, "gain[1][2]"},
     {"an empty index", "gain[][3]", {"gain", {"", "3"}, ""}, "gain[][3]"},
     {"an opening bracket inside a group", "gain[[1]", {"gain", {"[1"}, ""}, "gain[[1]"},
     {"a closing bracket before the first group", "ga]in[1]", {"ga]in", {"1"}, ""}, "ga]in[1]"},
@@ -37,6 +37,7 @@ const KeyRow keyRows[] = {
     {"trailing blanks stay", "gain ", {"gain ", {}, ""}, "gain "},
     {"other trailing white space goes", "gain\t\f\v\n\r", {"gain", {}, ""}, "gain"},
     {"leading white space stays", "\tgain", {"\tgain", {}, ""}, "\tgain"},
+    {"white space alone is a name", "\t", {"\t", {}, ""}, "\t"},
     {"a group without a name", "[1]", {"", {"1"}, ""}, ""},
     {"nothing", "", {"", {}, ""}, ""},
 };
@@ -44,8 +45,13 @@ const KeyRow keyRows[] = {
 TEST(PresetKey, IsTakenApartAndRebuilt) {
     for (const auto& [why, key, entry, canonical] : keyRows) {
         SCOPED_TRACE(why);
-        EXPECT_EQ(parsePresetKey(key), entry);
-        EXPECT_EQ(presetKey(entry), canonical);
+        PresetEntry parsed{"left over", {"1", "2", "3"}, "left over"};
+        parsePresetKey(key, parsed);
+        expectEqual(parsed, entry);
+        EXPECT_EQ(presetKey(parsed), canonical);
+        EXPECT_EQ(presetKey(entry), canonical) << "put together";
+        std::string buffer;
+        EXPECT_EQ(presetKey(parsed, buffer), canonical);
     }
 }
 
@@ -74,13 +80,24 @@ const LineRow lineRows[] = {
 TEST(PresetLine, IsTakenApart) {
     for (const auto& [why, line, entry] : lineRows) {
         SCOPED_TRACE(why);
-        EXPECT_EQ(parsePresetLine(line), entry);
+        PresetEntry parsed{"left over", {"1", "2", "3"}, "left over"};
+        parsePresetLine(line, parsed);
+        expectEqual(parsed, entry);
     }
 }
 
 TEST(PresetLine, IsRebuiltWithoutALineFeed) {
-    EXPECT_EQ(formatPresetLine({"gain", {"1", "2"}, "7"}), "gain[1][2]=7");
-    EXPECT_EQ(formatPresetLine({"mode", {}, "a=b "}), "mode=a=b ");
+    const std::pair<const char*, const char*> lines[] = {{"gain[1][2]=7", "gain[1][2]=7"},
+                                                         {"mode=a=b ", "mode=a=b "},
+                                                         {"a[1]b[2]c=d", "a[1][2]=d"},
+                                                         {"=d", "=d"}};
+    std::string text = "left over";
+    for (const auto& [line, rebuilt] : lines) {
+        PresetEntry entry;
+        parsePresetLine(line, entry);
+        formatPresetLine(entry, text);
+        EXPECT_EQ(text, rebuilt);
+    }
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "engine/preset_file.h"
+#include "support/preset_lines.h"
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>
@@ -8,65 +9,52 @@
 namespace morvane {
 namespace {
 
-struct ReadResult {
-    PresetEntryList entries;
-    int count = 0;
-};
+using Lines = std::vector<std::string>;
 
-ReadResult readText(std::string_view text) {
+Lines readText(std::string_view text) {
     const test::TempFolder folder;
-    std::FILE* const stream = std::fopen(folder.write("preset", text).c_str(), "r");
-    ReadResult result;
-    result.count = readPresetFile(stream, result.entries);
-    std::fclose(stream);
-    return result;
+    const OwnedStream stream(std::fopen(folder.write("preset", text).c_str(), "r"));
+    return test::readLines(stream.get());
 }
 
 struct FileRow {
     const char* why;
     std::string text;
-    PresetEntryList entries;
+    Lines entries;
 };
 
 const FileRow fileRows[] = {
     {"an empty file", "", {}},
     {"comments, blank lines and lines without =", "# a comment\n\n  \nmode\n", {}},
     {"lines without a name or a value", "=5\ngain[1]=\n[1]=5\n", {}},
-    {"a comment with = is an entry", "# a=b\n", {{"# a", {}, "b"}}},
-    {"entries in file order, equal ones twice",
-     "b=1\na[0]=2\nb=1\n",
-     {{"b", {}, "1"}, {"a", {"0"}, "2"}, {"b", {}, "1"}}},
-    {"a last line without a line feed", "a=1\nb=2", {{"a", {}, "1"}, {"b", {}, "2"}}},
+    {"a comment with = is an entry", "# a=b\n", {"# a=b"}},
+    {"entries in file order, equal ones twice", "b=1\na[0]=2\nb=1\n", {"b=1", "a[0]=2", "b=1"}},
+    {"an entry with fewer indices than the one before", "a[0][1]=2\nb=1\n", {"a[0][1]=2", "b=1"}},
+    {"a last line without a line feed", "a=1\nb=2", {"a=1", "b=2"}},
     {"a line of 1023 bytes with its line feed in one piece",
      "a=" + std::string(1020, 'x') + "\n",
-     {{"a", {}, std::string(1020, 'x')}}},
+     {"a=" + std::string(1020, 'x')}},
     {"a longer line in two pieces, the second without =",
      "a=" + std::string(1498, 'x') + "\nb=2\n",
-     {{"a", {}, std::string(1021, 'x')}, {"b", {}, "2"}}},
+     {"a=" + std::string(1021, 'x'), "b=2"}},
     {"a longer line in two pieces, the second with = of its own",
      "a=" + std::string(1021, 'x') + "c=3\n",
-     {{"a", {}, std::string(1021, 'x')}, {"c", {}, "3"}}},
-    {"a byte 0 ends its line",
-     std::string("a=1\0b=2\nc=3\n", 12),
-     {{"a", {}, "1"}, {"c", {}, "3"}}},
+     {"a=" + std::string(1021, 'x'), "c=3"}},
+    {"a byte 0 ends its line", std::string("a=1\0b=2\nc=3\n", 12), {"a=1", "c=3"}},
 };
 
 TEST(PresetFile, ReadsEntriesAndSkipsTheRest) {
     for (const auto& [why, text, entries] : fileRows) {
         SCOPED_TRACE(why);
-        const auto result = readText(text);
-        EXPECT_EQ(result.entries, entries);
-        EXPECT_EQ(result.count, static_cast<int>(entries.size()));
+        EXPECT_EQ(readText(text), entries);
     }
 }
 
-TEST(PresetFile, AppendsToTheList) {
+TEST(PresetFile, CountsTheEntriesThatItHandsOut) {
     const test::TempFolder folder;
-    std::FILE* const stream = std::fopen(folder.write("preset", "b=2\n").c_str(), "r");
-    PresetEntryList entries{{"a", {}, "1"}};
-    EXPECT_EQ(readPresetFile(stream, entries), 1);
-    EXPECT_EQ(entries, (PresetEntryList{{"a", {}, "1"}, {"b", {}, "2"}}));
-    std::fclose(stream);
+    const OwnedStream stream(
+        std::fopen(folder.write("preset", "a=1\n# no entry\nb=2\nb=\n").c_str(), "r"));
+    EXPECT_EQ(readPresetFile(stream.get(), [](PresetEntry&) {}), 2);
 }
 
 struct WriteResult {
@@ -74,50 +62,51 @@ struct WriteResult {
     int count = 0;
 };
 
-WriteResult writeEntries(const PresetEntryList& entries) {
+WriteResult write(const Lines& keys, const std::vector<const char*>& values) {
     const test::TempFolder folder;
     std::FILE* const stream = std::fopen(folder.path("preset").c_str(), "w");
     WriteResult result;
-    result.count = writePresetFile(stream, entries);
+    result.count = writePresetFile(stream, keys, values);
     std::fclose(stream);
     result.text = folder.read("preset");
     return result;
 }
 
-TEST(PresetFile, WritesOneLineForEachEntryInListOrder) {
-    const auto result = writeEntries({{"gain", {"1", "2"}, "7"}, {"a", {}, "x=y "}});
-    EXPECT_EQ(result.text, "gain[1][2]=7\na=x=y \n");
-    EXPECT_EQ(result.count, 2);
+TEST(PresetFile, WritesOneLineForEachKeyInOrder) {
+    const auto result = write({"gain[1][2]", "a", "b[3]c[4"}, {"7", "x=y ", "1"});
+    EXPECT_EQ(result.text, "gain[1][2]=7\na=x=y \nb[3]=1\n");
+    EXPECT_EQ(result.count, 3);
 }
 
 TEST(PresetFile, StopsWritingAtTheFirstEntryWithoutAValue) {
-    const auto result =
-        writeEntries({{"a", {}, "1"}, {"b", {}, "2"}, {"c", {}, ""}, {"d", {}, "4"}});
+    const auto result = write({"a", "b", "c", "d"}, {"1", "2", "", "4"});
     EXPECT_EQ(result.text, "a=1\nb=2\n");
     EXPECT_EQ(result.count, 2);
 }
 
 TEST(PresetFile, StopsWritingAtTheFirstEntryWithoutAName) {
-    const auto result = writeEntries({{"", {"1"}, "1"}, {"b", {}, "2"}});
+    const auto result = write({"[1]", "b"}, {"1", "2"});
     EXPECT_EQ(result.text, "");
     EXPECT_EQ(result.count, 0);
 }
 
 TEST(PresetFile, StopsWritingWhenTheStreamRefuses) {
     const test::TempFolder folder;
-    std::FILE* const stream = std::fopen(folder.write("preset", "").c_str(), "r");
-    EXPECT_FALSE(writePresetEntry(stream, {"a", {}, "1"}));
-    EXPECT_NE(std::ferror(stream), 0);
-    EXPECT_EQ(writePresetFile(stream, {{"a", {}, "1"}, {"b", {}, "2"}}), 0);
-    std::fclose(stream);
+    const OwnedStream stream(std::fopen(folder.write("preset", "").c_str(), "r"));
+    std::string line;
+    EXPECT_FALSE(writePresetEntry(stream.get(), {"a", {}, "1"}, line));
+    EXPECT_NE(std::ferror(stream.get()), 0);
+    EXPECT_EQ(writePresetFile(stream.get(), Lines{"a", "b"}, std::vector{"1", "2"}), 0);
 }
 
 TEST(PresetFile, ReadsBackWhatItWrote) {
-    const PresetEntryList entries{{"gain", {"1", "2"}, "-7"},
-                                  {"name with blanks ", {""}, " v "},
-                                  {"utf8\xc3\xa4", {"a b"}, "a=b=[c]"},
-                                  {"long", {}, std::string(1017, 'x')}};
-    EXPECT_EQ(readText(writeEntries(entries).text).entries, entries);
+    const std::string longValue(1017, 'x');
+    const Lines keys{"gain[1][2]", "name with blanks []", "utf8\xc3\xa4[a b]", "long"};
+    const std::vector<const char*> values{"-7", " v ", "a=b=[c]", longValue.c_str()};
+    Lines lines;
+    for (std::size_t i = 0; i < keys.size(); ++i)
+        lines.push_back(keys[i] + "=" + values[i]);
+    EXPECT_EQ(readText(write(keys, values).text), lines);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "core/preset_manager.h"
 #include "engine/preset_translate.h"
 #include "support/output_capture.h"
+#include "support/preset_lines.h"
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>
@@ -121,32 +122,18 @@ TEST_F(PresetTranslateTest, MakesTodaysEntriesOfOldOnes) {
     ASSERT_TRUE(manager_.is_preset("scene"));
     for (const auto& [why, line, result, errors] : rows) {
         SCOPED_TRACE(why);
-        PresetEntryList entries{parsePresetLine(line)};
-        EXPECT_EQ(test::standardErrorOf([&] { translateEntries(manager_, entries); }), errors);
-        if (entries.empty())
+        auto entry = test::entryOf(line);
+        bool kept = false;
+        EXPECT_EQ(test::standardErrorOf([&] {
+                      kept = translateEntry(manager_.translation(), entry) &&
+                             isOfKnownParameter(manager_, entry);
+                  }),
+                  errors);
+        if (!kept)
             EXPECT_EQ(dropped, result);
         else
-            EXPECT_EQ(entries[0].name.empty() ? unusable : formatPresetLine(entries[0]), result);
+            EXPECT_EQ(entry.name.empty() ? unusable : test::lineOf(entry), result);
     }
-}
-
-TEST_F(PresetTranslateTest, KeepsTheOrderOfTheList) {
-    PresetEntryList entries;
-    for (const char* const line :
-         {"tone=1", "way=on", "gain[1][2][3]=4", "mode=5", "nothing=6", "mode=5", "gain[3]=7"})
-        entries.push_back(parsePresetLine(line));
-    test::standardErrorOf([&] { translateEntries(manager_, entries); });
-    EXPECT_EQ(entries, (PresetEntryList{parsePresetLine("mode=1"),
-                                        {},
-                                        parsePresetLine("mode=5"),
-                                        parsePresetLine("mode=5"),
-                                        parsePresetLine("gain[3][0]=7")}));
-}
-
-TEST_F(PresetTranslateTest, LeavesEmptyListsAlone) {
-    PresetEntryList entries;
-    translateEntries(manager_, entries);
-    EXPECT_TRUE(entries.empty());
 }
 
 } // namespace

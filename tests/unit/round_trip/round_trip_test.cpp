@@ -7,6 +7,8 @@
 #include "engine/store_preset.h"
 #include "support/definition_text.h"
 #include "support/log_recorder.h"
+#include "support/preset_lines.h"
+#include "support/shared_texts.h"
 #include "support/temp_folder.h"
 #include "value_store.h"
 
@@ -139,8 +141,15 @@ ParameterOperations operationsOn(sim::ValueStore& device) {
                                std::span<const KeyValue> values) {
         std::vector<sim::Assignment> assignments;
         for (const auto& [key, value] : values)
-            assignments.push_back({key, value});
+            assignments.push_back({std::string(key.view()), std::string(value.view())});
         return !device.set(transaction, target, assignments);
+    };
+    const auto reset = [&device](Transaction transaction, Target target,
+                                 std::span<const BorrowedText> keys) {
+        std::vector<std::string> names;
+        for (const auto& key : keys)
+            names.emplace_back(key.view());
+        return !device.reset(transaction, target, names);
     };
     return {
         .parm_start_trans =
@@ -150,10 +159,11 @@ ParameterOperations operationsOn(sim::ValueStore& device) {
             },
         .parm_end_trans = [&device](Transaction transaction) { return !device.end(transaction); },
         .parm_get =
-            [&device](Transaction transaction, const KeySet& keys,
-                      std::vector<std::string>& values) {
-                values.clear();
-                return !device.get(transaction, keys.keys(), values);
+            [&device](Transaction transaction, const KeySet& keys, SharedTexts& values) {
+                std::vector<std::string> texts;
+                const bool refused = device.get(transaction, keys.keys(), texts).has_value();
+                values = test::sharedTexts(std::move(texts));
+                return !refused;
             },
         .parm_set =
             [set](Transaction transaction, std::span<const KeyValue> values) {
@@ -164,12 +174,12 @@ ParameterOperations operationsOn(sim::ValueStore& device) {
                 return set(transaction, Target::status, values);
             },
         .parm_reset =
-            [&device](Transaction transaction, std::span<const std::string> keys) {
-                return !device.reset(transaction, Target::value, keys);
+            [reset](Transaction transaction, std::span<const BorrowedText> keys) {
+                return reset(transaction, Target::value, keys);
             },
         .parm_reset_status =
-            [&device](Transaction transaction, std::span<const std::string> keys) {
-                return !device.reset(transaction, Target::status, keys);
+            [reset](Transaction transaction, std::span<const BorrowedText> keys) {
+                return reset(transaction, Target::status, keys);
             },
         .parm_commit =
             [&device](Transaction transaction) {
@@ -287,7 +297,7 @@ TEST(RoundTrip, LeavesWhatIsNotInThePresetAlone) {
         for (std::string stored, old, now; std::getline(after, now);) {
             std::getline(everything, stored);
             std::getline(before, old);
-            const auto key = presetKey(parsePresetLine(now));
+            const auto key = presetKey(test::entryOf(now));
             ASSERT_EQ(now, world.scene()->contains(key) ? stored : old);
         }
     });

@@ -35,12 +35,18 @@ const Row rows[] = {
      "\xe2\x82"
      "a",
      false, "\\xe2\\x82a"},
+    {"a character that a longer one interrupts", "\xe2\x82\xe2\x82\xac", false,
+     "\\xe2\\x82\xe2\x82\xac"},
     {"an overlong form of two bytes", "\xc0\xaf", false, "\\xc0\\xaf"},
     {"an overlong form of three bytes", "\xe0\x9f\xbf", false, "\\xe0\\x9f\\xbf"},
     {"an overlong form of four bytes", "\xf0\x8f\xbf\xbf", false, "\\xf0\\x8f\\xbf\\xbf"},
     {"the first surrogate", "\xed\xa0\x80", false, "\\xed\\xa0\\x80"},
     {"the last surrogate", "\xed\xbf\xbf", false, "\\xed\\xbf\\xbf"},
     {"beyond the last character", "\xf4\x90\x80\x80", false, "\\xf4\\x90\\x80\\x80"},
+    {"a bad byte as the last of eight", "gain[1]\xff", false, "gain[1]\\xff"},
+    {"a bad byte behind eight good ones", "gain[100]\xff", false, "gain[100]\\xff"},
+    {"a bad byte in front of many good ones", "\xffmixer00Level", false, "\\xffmixer00Level"},
+    {"long text", "mixer00Level \xc3\xa4 mixer00Level", true, "mixer00Level \xc3\xa4 mixer00Level"},
     {"bytes that never occur", "\xf8\xff", false, "\\xf8\\xff"},
 };
 

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <utility>
+
 namespace morvane {
 namespace {
 
@@ -39,6 +42,48 @@ TEST(KeySet, CanBeEmpty) {
 TEST(KeySet, EqualsASetOfTheSameKeys) {
     EXPECT_EQ(KeySet({"a", "b"}), KeySet({"b", "a", "b"}));
     EXPECT_NE(KeySet({"a", "b"}), KeySet({"a"}));
+}
+
+using Place = std::optional<std::size_t>;
+
+Keys manyKeys(std::size_t count) {
+    Keys keys;
+    for (std::size_t i = 0; i < count; ++i)
+        keys.push_back("gain[" + std::to_string(1000 + i) + "]");
+    return keys;
+}
+
+TEST(KeySearch, FindsKeysInTheOrderOfTheSetAndLeavesSomeOut) {
+    const auto keys = manyKeys(100);
+    const KeySet set(keys);
+    for (std::size_t stride = 1; stride <= keys.size(); ++stride) {
+        KeySearch search(set);
+        for (std::size_t i = stride - 1; i < keys.size(); i += stride)
+            EXPECT_EQ(search.find(keys[i]), Place(i)) << "every " << stride;
+        EXPECT_EQ(search.find("z"), Place());
+    }
+}
+
+TEST(KeySearch, FindsKeysInAnyOrder) {
+    const auto keys = manyKeys(20);
+    const KeySet set(keys);
+    for (std::size_t first = 0; first < keys.size(); ++first) {
+        for (std::size_t second = 0; second < keys.size(); ++second) {
+            KeySearch search(set);
+            EXPECT_EQ(search.find(keys[first]), Place(first));
+            EXPECT_EQ(search.find(keys[second]), Place(second)) << first;
+        }
+    }
+}
+
+TEST(KeySearch, GoesOnBehindKeysThatAreNotThere) {
+    const KeySet set({"b", "d", "f"});
+    KeySearch search(set);
+    for (const auto& [key, place] : std::vector<std::pair<const char*, Place>>{
+             {"a", {}}, {"b", 0}, {"c", {}}, {"a", {}}, {"f", 2}, {"g", {}}, {"", {}}, {"d", 1}})
+        EXPECT_EQ(search.find(key), place) << key;
+    const KeySet nothing;
+    EXPECT_EQ(KeySearch(nothing).find("a"), Place());
 }
 
 } // namespace

@@ -1,0 +1,62 @@
+// What a load sends to the Parameter Handler, gathered from the entries of a preset data file.
+#pragma once
+
+#include "engine/parameter_operations.h"
+#include "engine/preset_entry.h"
+#include "engine/tables/key_set.h"
+
+#include <cstddef>
+#include <memory_resource>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace morvane {
+
+class PresetManager;
+
+/// Keys, those of read-only parameters by themselves: their live values are status.
+struct KeysToReset {
+    std::vector<BorrowedText> keys;
+    std::vector<BorrowedText> statusKeys;
+};
+
+/// Entries go in one after the other and leave nothing behind but a value and the place of its key:
+/// a file is never in memory as a whole.
+class LoadPlan {
+public:
+    /// Both are borrowed for the plan's life; what it hands out is borrowed from them and from it.
+    LoadPlan(const PresetManager& manager, const KeySet& presetKeys);
+
+    /// Translates an entry and, if its key is in the preset, takes its value. A key that comes
+    /// twice is set twice.
+    /// @param entry as it was read; changed by the translation.
+    void add(PresetEntry& entry);
+
+    /// Whether translation has dropped every entry.
+    bool empty() const { return empty_; }
+
+    /// What is set, in the order of the entries, and what of it belongs to read-only parameters.
+    std::span<const KeyValue> values() const { return values_; }
+    std::span<const KeyValue> statusValues() const { return statusValues_; }
+
+    /// The keys of the preset that no entry sets, in order.
+    KeysToReset unsetKeys() const;
+
+private:
+    bool isReadOnlyParameter(std::string_view key) const;
+    BorrowedText kept(std::string_view value);
+
+    const PresetManager& manager_;
+    std::span<const std::string> presetKeys_;
+    KeySearch search_;
+    std::vector<bool> isSet_; ///< by place in the preset
+    bool empty_ = true;
+    std::string key_; ///< the one buffer for keys that must be put together
+    std::pmr::monotonic_buffer_resource texts_;
+    std::vector<KeyValue> values_;
+    std::vector<KeyValue> statusValues_;
+};
+
+} // namespace morvane
