@@ -11,7 +11,9 @@ LoadPlan::LoadPlan(const PresetManager& manager, const KeySet& presetKeys)
     : manager_(manager),
       presetKeys_(presetKeys.keys()),
       search_(presetKeys),
-      isSet_(presetKeys.size()) {}
+      isSet_(presetKeys.size()) {
+    values_.reserve(presetKeys.size()); // what a stored file has, unless it is a sub-preset
+}
 
 void LoadPlan::add(PresetEntry& entry) {
     if (!translateEntry(manager_.translation(), entry))

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdint>
-#include <cstring>
 
 namespace morvane {
 
@@ -43,19 +42,6 @@ std::size_t lengthInForm(std::string_view text, const Form& form) {
     return code >= form.lowest && isCharacter(code) ? form.length : 0;
 }
 
-// Eight bytes at a time: every text that is read or sent comes through here.
-bool isAscii(std::string_view text) {
-    std::uint64_t seen = 0;
-    for (; text.size() >= sizeof seen; text.remove_prefix(sizeof seen)) {
-        std::uint64_t bytes = 0;
-        std::memcpy(&bytes, text.data(), sizeof bytes);
-        seen |= bytes;
-    }
-    for (const char c : text)
-        seen |= static_cast<unsigned char>(c);
-    return (seen & 0x8080808080808080U) == 0;
-}
-
 std::string escaped(char c) {
     constexpr std::string_view digits = "0123456789abcdef";
     const auto byte = static_cast<unsigned char>(c);
@@ -80,9 +66,7 @@ std::size_t utf8CharacterLength(std::string_view text) {
     return 0;
 }
 
-bool isUtf8(std::string_view text) {
-    if (isAscii(text)) // as nearly all of them are
-        return true;
+bool isUtf8BeyondAscii(std::string_view text) {
     while (!text.empty()) {
         const auto length = utf8CharacterLength(text);
         if (length == 0)

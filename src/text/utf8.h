@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -12,8 +14,29 @@ namespace morvane {
 ///         overlong form, a surrogate, or beyond U+10FFFF.
 std::size_t utf8CharacterLength(std::string_view text);
 
+/// Whether a text has nothing but bytes below 128. Eight at a time, and inline: every text that is
+/// read or sent comes through here.
+inline bool isAscii(std::string_view text) {
+    const char* next = text.data();
+    const char* const end = next + text.size();
+    std::uint64_t seen = 0;
+    for (std::uint64_t bytes = 0; end - next >= std::ptrdiff_t{sizeof bytes};
+         next += sizeof bytes) {
+        std::memcpy(&bytes, next, sizeof bytes);
+        seen |= bytes;
+    }
+    for (; next != end; ++next)
+        seen |= static_cast<unsigned char>(*next);
+    return (seen & 0x8080808080808080U) == 0;
+}
+
+/// The slow road of `isUtf8`.
+bool isUtf8BeyondAscii(std::string_view text);
+
 /// Whether a text is UTF-8 from its beginning to its end.
-bool isUtf8(std::string_view text);
+inline bool isUtf8(std::string_view text) {
+    return isAscii(text) || isUtf8BeyondAscii(text);
+}
 
 /// The text with a "\xNN" for each byte that is a control character or not UTF-8.
 std::string printableText(std::string_view text);
