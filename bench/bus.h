@@ -62,6 +62,22 @@ inline void append(DBusMessage* message, std::span<const char* const> texts) {
     dbus_message_iter_close_container(&arguments, &list);
 }
 
+inline void append(DBusMessage* message, dbus_uint32_t number) {
+    dbus_message_append_args(message, DBUS_TYPE_UINT32, &number, DBUS_TYPE_INVALID);
+}
+
+inline void append(DBusMessage* message, const char* text) {
+    dbus_message_append_args(message, DBUS_TYPE_STRING, &text, DBUS_TYPE_INVALID);
+}
+
+/// The number that a reply consists of.
+inline dbus_uint32_t read_number(const Message& reply) {
+    dbus_uint32_t number = 0;
+    if (!dbus_message_get_args(reply.get(), nullptr, DBUS_TYPE_UINT32, &number, DBUS_TYPE_INVALID))
+        give_up("a reply is not a number");
+    return number;
+}
+
 /// Reads a list of strings at a place of a message and goes on to the next argument.
 /// @return pointers into the message.
 inline std::vector<const char*> read_strings(DBusMessageIter& arguments) {

@@ -33,9 +33,8 @@ void sync_folder(const std::string& path) {
 void on_committed(DBusPendingCall* pending, void* data) {
     auto* const bus = static_cast<DBusConnection*>(data);
     static_cast<void>(Message(dbus_pending_call_steal_reply(pending)));
-    dbus_uint32_t transaction = 1;
     const auto end = handler_call("end");
-    dbus_message_append_args(end.get(), DBUS_TYPE_UINT32, &transaction, DBUS_TYPE_INVALID);
+    append(end.get(), dbus_uint32_t{1});
     call(bus, end);
 }
 
@@ -54,7 +53,9 @@ public:
                               &path, DBUS_TYPE_INVALID);
         if (method == "store")
             store(path);
-        else if (method.starts_with("load"))
+        else if (method == "load_default")
+            load_default();
+        else
             load(path, method == "load_with_default");
         const Message reply(dbus_message_new_method_return(request.get()));
         dbus_bool_t success = TRUE;
@@ -63,24 +64,18 @@ public:
     }
 
 private:
-    dbus_uint32_t start() {
-        dbus_uint32_t transaction = 0;
-        dbus_message_get_args(call(bus_, handler_call("start")).get(), nullptr, DBUS_TYPE_UINT32,
-                              &transaction, DBUS_TYPE_INVALID);
-        return transaction;
-    }
+    dbus_uint32_t start() { return read_number(call(bus_, handler_call("start"))); }
 
     static Message in_transaction(const char* method, dbus_uint32_t transaction) {
         auto message = handler_call(method);
-        dbus_message_append_args(message.get(), DBUS_TYPE_UINT32, &transaction, DBUS_TYPE_INVALID);
+        append(message.get(), transaction);
         return message;
     }
 
     void store(const std::string& path) {
         const auto transaction = start();
         const auto get = in_transaction("get_bulk", transaction);
-        dbus_uint32_t option = 0;
-        dbus_message_append_args(get.get(), DBUS_TYPE_UINT32, &option, DBUS_TYPE_INVALID);
+        append(get.get(), dbus_uint32_t{0}); // no options
         append(get.get(), key_texts_);
         const auto reply = call(bus_, get);
         DBusMessageIter arguments;
@@ -124,7 +119,17 @@ private:
         append(set.get(), values);
         call(bus_, set);
         if (with_defaults)
-            reset_others(transaction, names);
+            reset(transaction, all_but(names));
+        commit(transaction);
+    }
+
+    void load_default() {
+        const auto transaction = start();
+        reset(transaction, key_texts_);
+        commit(transaction);
+    }
+
+    void commit(dbus_uint32_t transaction) {
         DBusPendingCall* pending = nullptr;
         dbus_connection_send_with_reply(bus_, in_transaction("commit", transaction).get(), &pending,
                                         DBUS_TIMEOUT_INFINITE);
@@ -149,7 +154,7 @@ private:
     }
 
     // Both lists are sorted.
-    void reset_others(dbus_uint32_t transaction, const std::vector<const char*>& names) {
+    std::vector<const char*> all_but(const std::vector<const char*>& names) const {
         std::vector<const char*> others;
         std::size_t next = 0;
         for (const char* const key : key_texts_) {
@@ -158,8 +163,12 @@ private:
             else
                 others.push_back(key);
         }
+        return others;
+    }
+
+    void reset(dbus_uint32_t transaction, const std::vector<const char*>& keys) {
         const auto reset = in_transaction("reset_bulk", transaction);
-        append(reset.get(), others);
+        append(reset.get(), keys);
         call(bus_, reset);
     }
 

@@ -9,9 +9,9 @@ and, of a request, the instructions for each key. Kept numbers are those of benc
 a change.
 
 A start-up counts from main() to the main loop, which is entered when the name is owned. A request
-counts what storePreset() and loadPreset() do, with the calls of the Parameter Handler below them:
-not the dispatch of the request, its answer, or the end of a transaction after its commit. Of
-several requests the median counts, without the first, which warms everything up.
+counts what the handler of its method does, with the calls of the Parameter Handler below it: not
+the dispatch of the request, its answer, or the end of a transaction after its commit. Of several
+requests the median counts, without the first, which warms everything up.
 
 Runs of one build differ, on an idle machine as on a busy one, by up to 0.02 % for a store and
 0.5 % for a start-up and a load: messages arrive in other pieces, memory lies elsewhere. A folder
@@ -27,10 +27,11 @@ import statistics
 import subprocess
 import sys
 import tempfile
-from contextlib import contextmanager
 from pathlib import Path
 
-from requests import PRESET, ROOT, Processes, keep_half
+from definitions import PRESET
+from requests import Services
+from session import ROOT
 
 KEPT = ROOT / "bench/instructions.txt"
 HEAD = "# Written by bench/instructions.py --keep: name, instructions, instructions for each key.\n"
@@ -63,46 +64,39 @@ def counts_of(folder, trigger, number):
     return [counts[part] for part in sorted(counts)]
 
 
-class CountedProcesses(Processes):
-    """The same processes, with the requests of the daemon counted."""
+class CountedServices(Services):
+    """The same services, with the requests of the daemon counted: what the handler of a method
+    does, written out behind the function that unpacks its arguments. Both are called through the
+    table of methods, which keeps the linker from merging them into others."""
+
+    UNPACKED = "after=dbus_glib_marshal_value_object_BOOLEAN__STRING_STRING_POINTER_POINTER"
 
     def start(self, program, *arguments):
         if program != "morvane":
             return super().start(program, *arguments)
-        functions = ("morvane::storePreset(*", "morvane::loadPreset(*")
-        return super().start(
-            *callgrind(self.folder, functions, [f"after=value_object_{m}(*" for m in METHODS]),
-            self.build / program, *arguments)
-
-
-@contextmanager
-def started(kind, build, size):
-    with tempfile.TemporaryDirectory() as folder:
-        processes = kind(build, Path(folder), size)
-        try:
-            yield processes
-        finally:
-            processes.stop()
+        handlers = [f"value_object_{method}(*" for method in METHODS]
+        return super().start(*callgrind(self.folder, handlers, [f"{self.UNPACKED}*"]),
+                             self.build / program, *arguments)
 
 
 def count_requests(build, size):
     """The counts of each request of `size` keys, by name."""
-    with started(CountedProcesses, build, size) as processes:
+    with tempfile.TemporaryDirectory() as folder, \
+            CountedServices(build, Path(folder), size) as services:
         for method in METHODS:
             if method == "load_with_default":
-                keep_half(processes.folder)
-            processes.run(build / "bench/request_client", str(ROUNDS), method, PRESET,
-                          str(processes.folder / "file."))
+                services.keep_half()
+            services.samples(ROUNDS - 1, method, services.folder / "file.")
+        counts = iter(counts_of(services.folder, services.UNPACKED, ROUNDS * len(METHODS)))
         return {f"{method}_{size}":
-                round(statistics.median(counts_of(processes.folder,
-                                                  f"after=value_object_{method}(", ROUNDS)[1:]))
+                round(statistics.median([next(counts) for _ in range(ROUNDS)][1:]))
                 for method in METHODS}
 
 
 def count_start_up(build):
     """The count of a start with 1,000 parameters, and 10 indexed ones of 1,000 keys."""
-    with started(Processes, build, 1000) as processes:
-        daemon = processes.started[-1]
+    with tempfile.TemporaryDirectory() as folder, Services(build, Path(folder), 1000) as services:
+        daemon = services.started[-1]
         *_, parameters, presets = daemon.args
         with parameters.open("a") as definitions:
             definitions.writelines(
@@ -110,13 +104,13 @@ def count_start_up(build):
                 for n in range(PLAIN_PARAMETERS))
         daemon.kill()
         daemon.wait()
-        processes.start(*callgrind(processes.folder, ["main"], ["before=g_main_loop_run"]),
-                        build / "morvane", "--debug", parameters, presets)
-        processes.run("gdbus", "wait", "--session", "--timeout=60", "org.norvix.preset")
+        services.start(*callgrind(services.folder, ["main"], ["before=g_main_loop_run"]),
+                       build / "morvane", "--debug", parameters, presets)
+        services.run("gdbus", "wait", "--session", "--timeout=60", "org.norvix.preset")
         # Its answer comes from within the main loop.
-        processes.run("gdbus", "call", "--session", "--dest=org.norvix.preset",
-                      "--object-path=/preset", "--method=org.norvix.preset.is_preset", PRESET)
-        return {START_UP: counts_of(processes.folder, "before=g_main_loop_run", 1)[0]}
+        services.run("gdbus", "call", "--session", "--dest=org.norvix.preset",
+                     "--object-path=/preset", "--method=org.norvix.preset.is_preset", PRESET)
+        return {START_UP: counts_of(services.folder, "before=g_main_loop_run", 1)[0]}
 
 
 def output_of(*command):

@@ -1,6 +1,6 @@
 // lean_handler: a Parameter Handler for measuring, that costs as little as one can. It has the keys
 // of the file KEYS, each with a value, and knows no definitions, conditions or transactions: what
-// is set is set at once.
+// is set is set at once. Its own method open_transactions answers how many have not ended.
 //
 // Usage: lean_handler KEYS
 
@@ -26,8 +26,11 @@ public:
         dbus_message_iter_init(call.get(), &arguments);
         if (method == "start") {
             ++transaction_;
-            dbus_message_append_args(reply.get(), DBUS_TYPE_UINT32, &transaction_,
-                                     DBUS_TYPE_INVALID);
+            append(reply.get(), transaction_);
+        } else if (method == "end") {
+            ++ended_;
+        } else if (method == "open_transactions") {
+            append(reply.get(), transaction_ - ended_);
         } else if (method == "get_bulk") {
             dbus_message_iter_next(&arguments);
             dbus_message_iter_next(&arguments);
@@ -56,6 +59,7 @@ private:
 
     DBusConnection* bus_;
     dbus_uint32_t transaction_ = 0;
+    dbus_uint32_t ended_ = 0;
     std::unordered_map<std::string, std::string> values_;
 };
 

@@ -1,91 +1,155 @@
-// request_client: calls the daemon and the floor in turns, and measures each call: the time that
-// the client waits, and the time that the serving process computes.
+// request_client: calls services in turns and measures each call.
 //
-// Usage: request_client ROUNDS METHOD PRESET FILE
+// Usage: request_client ROUNDS store|load|load_with_default|load_default PRESET FILE
+//        request_client ROUNDS is_preset|in_preset PRESET KEY
 //
-// METHOD is store, load, load_with_default or is_preset. Each service has a file of its own, FILE
-// with the service's name behind it. Prints a line for each round: waiting and computing time of
-// the daemon, the same of the floor, in nanoseconds.
+// The first form calls the daemon and the floor. Each has a file of its own, FILE with the
+// service's name behind it. Prints a line for each round: the time that the client waits for the
+// daemon and that the daemon computes, and the same of the floor, in nanoseconds.
+//
+// The second form prints the times that the client waits for the daemon, for the daemon's process
+// to answer a ping, which libdbus does by itself, and for the empty service. KEY is asked for by
+// in_preset.
 
 #include "bus.h"
 
 #include <chrono>
 #include <fstream>
+#include <iterator>
+#include <thread>
 
 namespace {
 
 using namespace morvane::bench;
 using Clock = std::chrono::steady_clock;
 
+constexpr const char* daemon_name = "org.norvix.preset";
+constexpr std::chrono::milliseconds nap{1};
+constexpr std::chrono::seconds patience{60};
+
+Message preset_call(const char* service, const char* method, const char* preset) {
+    Message message(dbus_message_new_method_call(service, "/preset", "org.norvix.preset", method));
+    append(message.get(), preset);
+    return message;
+}
+
+/// Waits for the reply, which must be TRUE, or be empty.
+std::int64_t waiting_time(DBusConnection* bus, const Message& request) {
+    const auto start = Clock::now();
+    const auto reply = call(bus, request);
+    const auto waited = Clock::now() - start;
+    dbus_bool_t success = TRUE;
+    dbus_message_get_args(reply.get(), nullptr, DBUS_TYPE_BOOLEAN, &success, DBUS_TYPE_INVALID);
+    if (success == FALSE)
+        give_up("a service answered FALSE");
+    return std::chrono::nanoseconds(waited).count();
+}
+
 struct Sample {
     std::int64_t waiting;
     std::uint64_t computing;
 };
 
+/// A service that stores and loads.
 class Service {
 public:
     Service(DBusConnection* bus, const char* name) : bus_(bus), name_(name) {
         const Message message(dbus_message_new_method_call(
             DBUS_SERVICE_DBUS, DBUS_PATH_DBUS, DBUS_INTERFACE_DBUS, "GetConnectionUnixProcessID"));
-        dbus_message_append_args(message.get(), DBUS_TYPE_STRING, &name_, DBUS_TYPE_INVALID);
-        dbus_uint32_t process = 0;
-        dbus_message_get_args(call(bus_, message).get(), nullptr, DBUS_TYPE_UINT32, &process,
-                              DBUS_TYPE_INVALID);
-        schedule_ = "/proc/" + std::to_string(process) + "/schedstat";
+        append(message.get(), name_);
+        process_ = "/proc/" + std::to_string(read_number(call(bus_, message)));
     }
 
-    Sample measure(const char* method, const char* preset, const std::string& file) const {
-        const auto path = file + name_;
-        const char* const path_text = path.c_str();
-        const Message request(
-            dbus_message_new_method_call(name_, "/preset", "org.norvix.preset", method));
-        dbus_message_append_args(request.get(), DBUS_TYPE_STRING, &preset, DBUS_TYPE_INVALID);
-        if (std::string_view(method) != "is_preset")
-            dbus_message_append_args(request.get(), DBUS_TYPE_STRING, &path_text,
-                                     DBUS_TYPE_INVALID);
+    Sample measure(const std::string& method, const char* preset, const std::string& file) const {
+        const auto request = preset_call(name_, method.c_str(), preset);
+        if (method != "load_default")
+            append(request.get(), (file + name_).c_str());
         const auto computed = computing_time();
-        const auto start = Clock::now();
-        call(bus_, request);
-        const auto waited = Clock::now() - start;
+        const auto waited = waiting_time(bus_, request);
         settle();
-        return {std::chrono::nanoseconds(waited).count(), computing_time() - computed};
+        return {waited, computing_time() - computed};
     }
 
 private:
-    // Lets the end of a transaction, which comes after the answer, count for this call.
+    // What comes after the answer counts for this call: the end of the transaction, and whatever
+    // the process does until it sleeps. Nothing is asked of the process, for that would count too.
     void settle() const {
-        const char* const none = "none";
-        const Message request(
-            dbus_message_new_method_call(name_, "/preset", "org.norvix.preset", "is_preset"));
-        dbus_message_append_args(request.get(), DBUS_TYPE_STRING, &none, DBUS_TYPE_INVALID);
-        for (int i = 0; i < 2; ++i)
-            call(bus_, request);
+        const Message open(dbus_message_new_method_call("org.norvix.transaction", "/transaction",
+                                                        "org.norvix.transaction",
+                                                        "open_transactions"));
+        const auto end = Clock::now() + patience;
+        bool at_rest = false;
+        while (!at_rest) {
+            const Message question(dbus_message_copy(open.get()));
+            at_rest = read_number(call(bus_, question)) == 0;
+            std::this_thread::sleep_for(nap); // in which the handler's last answer arrives
+            at_rest = at_rest && asleep();
+            if (Clock::now() > end)
+                give_up("a service does not come to rest");
+        }
+    }
+
+    bool asleep() const {
+        std::ifstream file(process_ + "/stat");
+        const std::string text(std::istreambuf_iterator<char>(file), {});
+        const auto name_end = text.rfind(") ");
+        if (name_end == std::string::npos)
+            give_up("cannot read the state of a process");
+        return text[name_end + 2] == 'S';
     }
 
     std::uint64_t computing_time() const {
         std::uint64_t nanoseconds = 0;
-        std::ifstream(schedule_) >> nanoseconds;
+        if (!(std::ifstream(process_ + "/schedstat") >> nanoseconds))
+            give_up("cannot read the computing time of a process");
         return nanoseconds;
     }
 
     DBusConnection* bus_;
     const char* name_;
-    std::string schedule_;
+    std::string process_;
 };
+
+void measure_requests(DBusConnection* bus, long rounds, char** arguments) {
+    const Service daemon(bus, daemon_name);
+    const Service floor(bus, "org.norvix.floor");
+    for (; rounds > 0; --rounds) {
+        const auto a = daemon.measure(arguments[0], arguments[1], arguments[2]);
+        const auto b = floor.measure(arguments[0], arguments[1], arguments[2]);
+        std::printf("%lld %llu %lld %llu\n", static_cast<long long>(a.waiting),
+                    static_cast<unsigned long long>(a.computing), static_cast<long long>(b.waiting),
+                    static_cast<unsigned long long>(b.computing));
+    }
+}
+
+void measure_round_trips(DBusConnection* bus, long rounds, char** arguments) {
+    const std::string_view method = arguments[0];
+    const auto question = [&](const char* service) {
+        auto message = preset_call(service, arguments[0], arguments[1]);
+        if (method == "in_preset")
+            append(message.get(), std::span<const char* const>(arguments + 2, 1));
+        return message;
+    };
+    for (; rounds > 0; --rounds) {
+        const Message ping(
+            dbus_message_new_method_call(daemon_name, "/", DBUS_INTERFACE_PEER, "Ping"));
+        const auto answered = waiting_time(bus, question(daemon_name));
+        const auto pinged = waiting_time(bus, ping);
+        const auto empty = waiting_time(bus, question("org.norvix.empty"));
+        std::printf("%lld %lld %lld\n", static_cast<long long>(answered),
+                    static_cast<long long>(pinged), static_cast<long long>(empty));
+    }
+}
 
 } // namespace
 
 int main(int argc, char** argv) {
     if (argc != 5)
-        give_up("usage: request_client ROUNDS METHOD PRESET FILE");
+        give_up("usage: request_client ROUNDS METHOD PRESET FILE|KEY");
     DBusConnection* const bus = connect();
-    const Service daemon(bus, "org.norvix.preset");
-    const Service floor(bus, "org.norvix.floor");
-    for (auto round = std::strtol(argv[1], nullptr, 10); round > 0; --round) {
-        const auto a = daemon.measure(argv[2], argv[3], argv[4]);
-        const auto b = floor.measure(argv[2], argv[3], argv[4]);
-        std::printf("%lld %llu %lld %llu\n", static_cast<long long>(a.waiting),
-                    static_cast<unsigned long long>(a.computing), static_cast<long long>(b.waiting),
-                    static_cast<unsigned long long>(b.computing));
-    }
+    const auto rounds = std::strtol(argv[1], nullptr, 10);
+    if (std::string_view(argv[2]).ends_with("_preset"))
+        measure_round_trips(bus, rounds, argv + 2);
+    else
+        measure_requests(bus, rounds, argv + 2);
 }

@@ -1,128 +1,128 @@
 #!/usr/bin/python3
-"""Measures stores and loads of the daemon against the floor, called in turns on a private bus.
+"""Measures the requests of the daemon, in turns with the least that they can cost.
 
-Usage: bench/requests.py [--sizes N,N...] [--rounds N] [--build FOLDER]
-
-Prints a table: for each operation and number of keys the medians of the time that the client waits
-and of the time that the process computes, and the median of the ratios of neighbouring calls with
-its quartiles.
+Stores and loads stand beside the floor (bench/floor.cpp); questions about presets beside a round
+trip without a question: a ping of the daemon's process, and an empty service on the same libraries.
+Prints tables of medians and quartiles, and of the ratios of neighbouring calls.
 """
 
-import argparse
-import os
 import statistics
-import subprocess
 import tempfile
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parents[1]
-OPERATIONS = ("store", "load", "load_with_default", "is_preset")
-PRESET = "scene"
+import definitions
+from definitions import PRESET
+from report import Report, ratios, spread
+from session import Session, parse_options
+
+OPERATIONS = ("store", "load", "load_with_default", "load_default")
+QUESTIONS = ("is_preset", "in_preset")
+GROWTH_FROM = 10000  # keys; below, the fixed part of a request counts
 
 
-def write_definitions(folder, size):
-    """Definitions of `size` keys of about 24 characters; a size is 1,000 times a whole number."""
-    parameters = folder / "parameters.def"
-    names = "".join(f"mixer{n:02}Level rw {{ index {{ row }} index {{ column }} }}\n"
-                    for n in range(10))
-    parameters.write_text(
-        f"row index {{ rangeValid {{ 100..{100 + size // 1000 - 1} }} }}\n"
-        f"column index {{ rangeValid {{ 100..199 }} }}\n{names}")
-    presets = folder / "presets.def"
-    presets.write_text(f"{PRESET} preset {{ }}\n")
-    return parameters, presets
-
-
-class Processes:
-    """The bus and what runs on it."""
+class Services(Session):
+    """The daemon, the floor and the empty service, beside a Parameter Handler of `size` keys."""
 
     def __init__(self, build, folder, size):
-        self.build, self.folder, self.started = build, folder, []
-        parameters, presets = write_definitions(folder, size)
-        self.keys = folder / "keys"
-        with self.keys.open("w") as keys:
-            subprocess.run([build / "morvanectl", "-p", parameters, "-d", presets, "keys", PRESET],
-                           stdout=keys, check=True)
-        bus = subprocess.Popen(
-            ["dbus-daemon", f"--config-file={ROOT}/tests/service/bus.conf", "--nofork",
-             "--print-address"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
-        self.started.append(bus)
-        self.environment = {**os.environ,
-                            "DBUS_SESSION_BUS_ADDRESS": bus.stdout.readline().strip()}
-        self.start_and_wait("bench/lean_handler", self.keys)
-        self.start_and_wait("bench/floor", self.keys)
-        self.start("morvane", "--debug", parameters, presets)
-        self.run("gdbus", "wait", "--session", "--timeout=60", "org.norvix.preset")
+        super().__init__(build)
+        self.folder = folder
+        files = definitions.write_keys(folder, size)
+        self.keys = definitions.list_keys(build, files, PRESET)
+        keys_file = folder / "keys"
+        keys_file.write_text(self.keys)
+        self.start_service("bench/lean_handler", keys_file)
+        self.start_service("bench/floor", keys_file)
+        self.start_service("bench/empty_service")
+        self.start_daemon(*files)
 
-    def start(self, program, *arguments):
-        process = subprocess.Popen([self.build / program, *arguments], env=self.environment,
-                                   stdout=subprocess.PIPE, text=True)
-        self.started.append(process)
-        return process
+    def samples(self, rounds, method, argument):
+        """The rows that the client prints, without the first one, which warms everything up."""
+        output = self.run(self.build / "bench/request_client", str(rounds + 1), method, PRESET,
+                          argument)
+        return [tuple(map(int, line.split())) for line in output.splitlines()][1:]
 
-    def start_and_wait(self, program, *arguments):
-        assert self.start(program, *arguments).stdout.readline() == "ready\n"
+    def middle_key(self):
+        keys = self.keys.splitlines()
+        return keys[len(keys) // 2]
 
-    def run(self, *command):
-        return subprocess.run(command, env=self.environment, check=True, stdout=subprocess.PIPE,
-                              text=True).stdout
-
-    def stop(self):
-        for process in reversed(self.started):
-            process.kill()
-            process.wait()
-            process.stdout.close()
+    def keep_half(self):
+        """Takes every second line out of the stored files."""
+        for path in self.folder.glob("file.*"):
+            lines = path.read_text().splitlines(keepends=True)
+            path.write_text("".join(lines[::2]))
 
 
-def samples_of(processes, method, rounds):
-    """Rows of four times in nanoseconds, without the first round, which warms everything up."""
-    output = processes.run(processes.build / "bench/request_client", str(rounds + 1), method,
-                           PRESET, str(processes.folder / "file."))
-    return [tuple(map(int, line.split())) for line in output.splitlines()][1:]
+def milliseconds(column):
+    return spread([sample / 1e6 for sample in column])
 
 
-def ratio_text(pairs):
-    ratios = sorted(a / b for a, b in pairs)
-    low, middle, high = statistics.quantiles(ratios, n=4)
-    return f"{middle:.3f} ({low:.3f} to {high:.3f})"
+def request_row(size, operation, samples):
+    waiting, computing, floor_waiting, floor_computing = zip(*samples)
+    return (size, operation, milliseconds(waiting), milliseconds(floor_waiting),
+            spread(ratios(zip(waiting, floor_waiting))), milliseconds(computing),
+            milliseconds(floor_computing), spread(ratios(zip(computing, floor_computing))))
 
 
-def row(size, method, samples):
-    waiting = [(a, b) for a, _, b, _ in samples]
-    computing = [(a, b) for _, a, _, b in samples]
-    medians = " | ".join(f"{statistics.median(column) / 1e6:.3f}" for column in zip(*samples))
-    return f"| {size} | {method} | {medians} | {ratio_text(waiting)} | {ratio_text(computing)} |"
+def measure_requests(report, options):
+    report.head("keys", "operation", "daemon waits, ms", "floor waits, ms", "ratio",
+                "daemon computes, ms", "floor computes, ms", "ratio")
+    measured = report.data["requests"] = []
+    for size in options.sizes:
+        rounds = options.rounds if size <= 100000 else options.large_rounds
+        with tempfile.TemporaryDirectory() as folder, \
+                Services(options.build, Path(folder), size) as services:
+            for operation in OPERATIONS:
+                if operation == "load_with_default":
+                    services.keep_half()
+                samples = services.samples(rounds, operation, services.folder / "file.")
+                measured.append({"keys": size, "operation": operation, "samples": samples})
+                report.row(*request_row(size, operation, samples))
 
 
-def measure(build, size, rounds):
-    with tempfile.TemporaryDirectory() as folder:
-        processes = Processes(build, Path(folder), size)
-        try:
-            for method in OPERATIONS:
-                if method == "load_with_default":
-                    keep_half(processes.folder)
-                print(row(size, method, samples_of(processes, method, rounds)), flush=True)
-        finally:
-            processes.stop()
+def measure_round_trips(report, options):
+    report.head("keys", "question", "daemon, us", "ping, us", "empty service, us",
+                "ratio to the ping", "ratio to the empty service")
+    measured = report.data["round_trips"] = []
+    for size in options.sizes:
+        with tempfile.TemporaryDirectory() as folder, \
+                Services(options.build, Path(folder), size) as services:
+            for question in QUESTIONS:
+                samples = services.samples(options.trips, question, services.middle_key())
+                measured.append({"keys": size, "operation": question, "samples": samples})
+                daemon, ping, empty = zip(*samples)
+                report.row(size, question,
+                           *(spread([sample / 1e3 for sample in column], 1)
+                             for column in (daemon, ping, empty)),
+                           spread(ratios(zip(daemon, ping))), spread(ratios(zip(daemon, empty))))
 
 
-def keep_half(folder):
-    """Takes every second line out of the stored files."""
-    for path in folder.glob("file.*"):
-        lines = path.read_text().splitlines(keepends=True)
-        path.write_text("".join(lines[::2]))
+def report_growth(report, options):
+    """What a key costs to compute at each size, and how that grows."""
+    base, largest = GROWTH_FROM, max(options.sizes)
+    grows = base in options.sizes and largest > base
+    report.head("operation", "process", *(f"{size} keys, ns/key" for size in options.sizes),
+                *([f"{largest} against {base}"] if grows else []))
+    growth = report.data["growth"] = []
+    for operation in OPERATIONS:
+        for process, column in (("daemon", 1), ("floor", 3)):
+            costs = {row["keys"]: statistics.median(sample[column] for sample in row["samples"])
+                     / row["keys"]
+                     for row in report.data["requests"] if row["operation"] == operation}
+            cells = [f"{costs[size]:.1f}" for size in options.sizes]
+            if grows:
+                ratio = costs[largest] / costs[base]
+                growth.append({"operation": operation, "process": process, "keys": largest,
+                               "ratio": ratio})
+                cells.append(f"{ratio:.3f}")
+            report.row(operation, process, *cells)
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.partition("\n")[0])
-    parser.add_argument("--sizes", default="1000,10000,100000", help="numbers of keys")
-    parser.add_argument("--rounds", type=int, default=15, help="calls of each service")
-    parser.add_argument("--build", type=Path, default=ROOT / "build-bench", help="build folder")
-    options = parser.parse_args()
-    print("| keys | operation | daemon waits, ms | computes | floor waits, ms | computes "
-          "| ratio of waiting | ratio of computing |\n| --- " + "| --- " * 7 + "|")
-    for size in options.sizes.split(","):
-        measure(options.build, int(size), options.rounds)
+    options = parse_options(__doc__)
+    with Report("requests") as report:
+        measure_requests(report, options)
+        report_growth(report, options)
+        measure_round_trips(report, options)
 
 
 if __name__ == "__main__":
