@@ -1,0 +1,70 @@
+// bare_reader: the least that reading definitions can cost with the containers of the standard
+// library: reads both definition files through the readers' buffer, counts each word in a map, and
+// puts the keys of the presets into a set.
+//
+// Usage: bare_reader PARAMETERS PRESETS KEYS
+//
+// KEYS has the keys of all presets, one a line.
+
+#include "text/line_reader.h"
+
+#include <cctype>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <set>
+#include <string>
+#include <utility>
+
+namespace {
+
+using namespace morvane;
+
+constexpr std::size_t line_buffer_size = 512; // that of the readers of the definition files
+
+/// Hands each line of a file to `take`.
+template <typename Take>
+void read_file(const char* path, Take take) {
+    const OwnedStream stream(std::fopen(path, "r"));
+    if (!stream) {
+        std::fprintf(stderr, "bare_reader: cannot read %s\n", path);
+        std::exit(EXIT_FAILURE);
+    }
+    LineReader<line_buffer_size> lines(stream.get());
+    while (const auto line = lines.next())
+        take(*line);
+}
+
+bool is_space(char c) {
+    return std::isspace(static_cast<unsigned char>(c)) != 0;
+}
+
+void count_words(std::string_view line, std::map<std::string, unsigned, std::less<>>& words) {
+    for (std::size_t at = 0; at < line.size();) {
+        std::size_t end = at;
+        while (end < line.size() && !is_space(line[end]))
+            ++end;
+        if (end > at)
+            ++words.try_emplace(std::string(line.substr(at, end - at))).first->second;
+        at = end + 1;
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 4) {
+        std::fputs("usage: bare_reader PARAMETERS PRESETS KEYS\n", stderr);
+        return EXIT_FAILURE;
+    }
+    std::map<std::string, unsigned, std::less<>> words;
+    for (const char* const path : {argv[1], argv[2]})
+        read_file(path, [&](std::string_view line) { count_words(line, words); });
+    std::set<std::string> keys;
+    read_file(argv[3], [&](std::string_view line) {
+        line.remove_suffix(line.ends_with('\n') ? 1 : 0);
+        keys.emplace(line);
+    });
+    // The daemon, which is killed when it has its name, frees none of its tables either.
+    std::_Exit(words.empty() || keys.empty() ? EXIT_FAILURE : EXIT_SUCCESS);
+}
