@@ -66,9 +66,9 @@ class Session:
         if self.start(program, *arguments).stdout.readline() != "ready\n":
             raise RuntimeError(f"{program} did not start")
 
-    def start_daemon(self, parameters, presets):
+    def start_daemon(self, *arguments):
         """Starts the daemon, and returns its process when it can be called."""
-        process = self.start("morvane", "--debug", parameters, presets)
+        process = self.start("morvane", "--debug", *arguments)
         self.run("gdbus", "wait", "--session", "--timeout=60", "org.norvix.preset")
         return process
 
