@@ -41,8 +41,11 @@ const SystemParameter* SystemParameterTable::find(std::string_view name) const {
 }
 
 SystemParameter* SystemParameterTable::find(std::string_view name) {
+    if (last_ != nullptr && last_->name == name)
+        return last_;
     const auto found = parameters_.find(name);
-    return found == parameters_.end() ? nullptr : &found->second;
+    last_ = found == parameters_.end() ? nullptr : &found->second;
+    return last_;
 }
 
 void SystemParameterTable::insert(std::string_view name, std::uint32_t line) {
@@ -51,6 +54,7 @@ void SystemParameterTable::insert(std::string_view name, std::uint32_t line) {
         place->second.name = name;
         place->second.line = line;
     }
+    last_ = &place->second;
 }
 
 } // namespace morvane

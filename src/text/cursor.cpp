@@ -26,13 +26,16 @@ bool Cursor::accept(std::string_view expected) {
 }
 
 bool Cursor::accept(char expected) {
-    return accept(std::string_view(&expected, 1));
+    if (!sees(expected))
+        return false;
+    ++position_;
+    return true;
 }
 
 std::string_view Cursor::peekWord(std::string_view delimiters) const {
     const auto text = rest();
     const auto end = std::find_if(text.begin(), text.end(), [delimiters](char c) {
-        return isSpace(c) || delimiters.find(c) != std::string_view::npos;
+        return isSpace(c) || std::find(delimiters.begin(), delimiters.end(), c) != delimiters.end();
     });
     return text.substr(0, static_cast<std::size_t>(end - text.begin()));
 }

@@ -41,8 +41,11 @@ public:
 
     bool atEnd() const { return position_ == line_.text.size(); }
 
-    /// Says whether the rest of the line begins with `expected`, without consuming it.
-    bool sees(std::string_view expected) const { return rest().starts_with(expected); }
+    /// Says whether the rest of the line begins with `expected`, which is not empty, without
+    /// consuming it. Looks at one character before it compares: most lookups end there.
+    bool sees(std::string_view expected) const {
+        return sees(expected.front()) && rest().starts_with(expected);
+    }
     bool sees(char expected) const { return rest().starts_with(expected); }
     bool seesDigit() const { return !atEnd() && isDigit(rest().front()); }
 

@@ -6,7 +6,12 @@
 namespace morvane {
 
 KeySet::KeySet(std::vector<std::string> keys) : keys_(std::move(keys)) {
-    if (!std::is_sorted(keys_.begin(), keys_.end()))
+    // A preset's keys come as two sorted runs, of read-only and of read-write parameters, unless
+    // the values of an index are in another order.
+    const auto second = std::is_sorted_until(keys_.begin(), keys_.end());
+    if (std::is_sorted(second, keys_.end()))
+        std::inplace_merge(keys_.begin(), second, keys_.end());
+    else
         std::sort(keys_.begin(), keys_.end());
     keys_.erase(std::unique(keys_.begin(), keys_.end()), keys_.end());
     keys_.shrink_to_fit();

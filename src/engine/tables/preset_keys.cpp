@@ -5,8 +5,8 @@
 #include "presetdef/preset_definition.h"
 
 #include <algorithm>
-#include <deque>
 #include <iterator>
+#include <list>
 #include <utility>
 
 namespace morvane {
@@ -48,7 +48,7 @@ public:
     void add(const std::string& name, const IndexNames& indexNames, const Selection& selection) {
         if (!hasInstances(indexNames, selection))
             return;
-        std::deque<IndexValues> chosen;
+        std::list<IndexValues> chosen; // which never moves what the dimensions point to
         Dimensions dimensions;
         for (std::size_t i = 0; i < indexNames.size(); ++i) {
             if (selection[i] == nullptr) {
@@ -66,7 +66,7 @@ public:
     /// every key whose first index is 1, whatever the second.
     void addRemaining(const std::string& name, const IndexNames& indexNames,
                       const std::vector<Selection>& exclusions) {
-        std::deque<IndexValues> remaining;
+        std::list<IndexValues> remaining;
         Dimensions dimensions;
         for (const auto& indexName : indexNames)
             dimensions.push_back(valuesOf(indexName));

@@ -23,6 +23,11 @@ TEST(KeySet, HoldsEachKeyOnceInBytewiseOrder) {
     EXPECT_FALSE(keys.empty());
 }
 
+TEST(KeySet, MergesTwoSortedRuns) {
+    const KeySet keys({"a", "c", "e", "e", "b", "c", "f"});
+    EXPECT_EQ(keysOf(keys), (Keys{"a", "b", "c", "e", "f"}));
+}
+
 TEST(KeySet, FindsExactlyItsKeys) {
     const KeySet keys({"gain[2]", "gain", "mode"});
     for (const auto* const key : {"gain[2]", "gain", "mode"})
