@@ -12,9 +12,10 @@ namespace morvane {
 /// Valid as long as the text that it was made from stays where it is, unchanged.
 class BorrowedText {
 public:
-    BorrowedText(const std::string& text) : text_(text) {} // in place of one, as string_view is
+    // Made from texts without a word, as a string_view is.
+    BorrowedText(const std::string& text) : text_(text) {} // NOLINT(google-explicit-constructor)
+    BorrowedText(const char* text) : text_(text) {}        // NOLINT(google-explicit-constructor)
     BorrowedText(std::string&&) = delete;
-    BorrowedText(const char* text) : text_(text) {}
 
     /// @param text with a byte 0 at text[size].
     BorrowedText(const char* text, std::size_t size) : text_(text, size) {}
