@@ -94,7 +94,7 @@ def measure_sizes(report, options):
     report.line("\nResident at rest, MiB: "
                 f"{mebibytes(empty)} with almost empty definitions, "
                 f"{mebibytes(example)} with those of examples/.")
-    report.head("keys", "idle, MiB", "at most in a store, MiB", "at most in a load, MiB",
+    report.head("keys", "idle, MiB", "peak of a store, MiB", "peak of a load, MiB",
                 "afterwards, MiB", "idle, bytes/key", "store", "load", "afterwards")
     measured = report.data["sizes"] = []
     for size in options.memory_sizes:

@@ -8,6 +8,7 @@ Prints tables of medians and quartiles, and of the ratios of neighbouring calls.
 
 import statistics
 import tempfile
+from contextlib import contextmanager
 from pathlib import Path
 
 import definitions
@@ -20,36 +21,35 @@ QUESTIONS = ("is_preset", "in_preset")
 GROWTH_FROM = 10000  # keys; below, the fixed part of a request counts
 
 
-class Services(Session):
-    """The daemon, the floor and the empty service, beside a Parameter Handler of `size` keys."""
-
-    def __init__(self, build, folder, size):
-        super().__init__(build)
-        self.folder = folder
+@contextmanager
+def running_services(build, size):
+    """Runs the daemon, the floor and the empty service beside a Parameter Handler of `size` keys.
+    Hands out their session, a folder for their files, and the keys."""
+    with tempfile.TemporaryDirectory() as name, Session(build) as session:
+        folder = Path(name)
         files = definitions.write_keys(folder, size)
-        self.keys = definitions.list_keys(build, files, PRESET)
+        keys = definitions.list_keys(build, files, PRESET)
         keys_file = folder / "keys"
-        keys_file.write_text(self.keys)
-        self.start_service("bench/lean_handler", keys_file)
-        self.start_service("bench/floor", keys_file)
-        self.start_service("bench/empty_service")
-        self.start_daemon(*files)
+        keys_file.write_text(keys)
+        session.start_service("bench/lean_handler", keys_file)
+        session.start_service("bench/floor", keys_file)
+        session.start_service("bench/empty_service")
+        session.start_daemon(*files)
+        yield session, folder, keys.splitlines()
 
-    def samples(self, rounds, method, argument):
-        """The rows that the client prints, without the first one, which warms everything up."""
-        output = self.run(self.build / "bench/request_client", str(rounds + 1), method, PRESET,
-                          argument)
-        return [tuple(map(int, line.split())) for line in output.splitlines()][1:]
 
-    def middle_key(self):
-        keys = self.keys.splitlines()
-        return keys[len(keys) // 2]
+def samples_of(session, rounds, method, argument):
+    """The rows that the client prints, without the first one, which warms everything up."""
+    output = session.run(session.build / "bench/request_client", str(rounds + 1), method, PRESET,
+                         argument)
+    return [tuple(map(int, line.split())) for line in output.splitlines()][1:]
 
-    def keep_half(self):
-        """Takes every second line out of the stored files."""
-        for path in self.folder.glob("file.*"):
-            lines = path.read_text().splitlines(keepends=True)
-            path.write_text("".join(lines[::2]))
+
+def keep_half(folder):
+    """Takes every second line out of the stored files."""
+    for path in folder.glob("file.*"):
+        lines = path.read_text().splitlines(keepends=True)
+        path.write_text("".join(lines[::2]))
 
 
 def milliseconds(column):
@@ -69,12 +69,11 @@ def measure_requests(report, options):
     measured = report.data["requests"] = []
     for size in options.sizes:
         rounds = options.rounds if size <= 100000 else options.large_rounds
-        with tempfile.TemporaryDirectory() as folder, \
-                Services(options.build, Path(folder), size) as services:
+        with running_services(options.build, size) as (session, folder, _):
             for operation in OPERATIONS:
                 if operation == "load_with_default":
-                    services.keep_half()
-                samples = services.samples(rounds, operation, services.folder / "file.")
+                    keep_half(folder)
+                samples = samples_of(session, rounds, operation, folder / "file.")
                 measured.append({"keys": size, "operation": operation, "samples": samples})
                 report.row(*request_row(size, operation, samples))
 
@@ -84,10 +83,9 @@ def measure_round_trips(report, options):
                 "ratio to the ping", "ratio to the empty service")
     measured = report.data["round_trips"] = []
     for size in options.sizes:
-        with tempfile.TemporaryDirectory() as folder, \
-                Services(options.build, Path(folder), size) as services:
+        with running_services(options.build, size) as (session, _, keys):
             for question in QUESTIONS:
-                samples = services.samples(options.trips, question, services.middle_key())
+                samples = samples_of(session, options.trips, question, keys[len(keys) // 2])
                 measured.append({"keys": size, "operation": question, "samples": samples})
                 daemon, ping, empty = zip(*samples)
                 report.row(size, question,
