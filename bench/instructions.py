@@ -29,9 +29,10 @@ import sys
 import tempfile
 from pathlib import Path
 
+import definitions
 from definitions import PRESET
-from requests import Services
-from session import ROOT
+from requests import keep_half, running_services, samples_of
+from session import ROOT, Session
 
 KEPT = ROOT / "bench/instructions.txt"
 HEAD = "# Written by bench/instructions.py --keep: name, instructions, instructions for each key.\n"
@@ -64,30 +65,38 @@ def counts_of(folder, trigger, number):
     return [counts[part] for part in sorted(counts)]
 
 
-class CountedServices(Services):
-    """The same services, with the requests of the daemon counted: what the handler of a method
-    does, written out behind the function that unpacks its arguments. Both are called through the
-    table of methods, which keeps the linker from merging them into others."""
+class CountedSession(Session):
+    """A session that counts the requests of the daemon: what the handler of a method does, written
+    out behind the function that unpacks its arguments. Both are called through the table of
+    methods, which keeps the linker from merging them into others."""
 
     UNPACKED = "after=dbus_glib_marshal_value_object_BOOLEAN__STRING_STRING_POINTER_POINTER"
+
+    def __init__(self, build):
+        super().__init__(build)
+        self.counts = tempfile.TemporaryDirectory()
+
+    def __exit__(self, *reason):
+        super().__exit__(*reason)
+        self.counts.cleanup()
 
     def start(self, program, *arguments):
         if program != "morvane":
             return super().start(program, *arguments)
         handlers = [f"value_object_{method}(*" for method in METHODS]
-        return super().start(*callgrind(self.folder, handlers, [f"{self.UNPACKED}*"]),
+        return super().start(*callgrind(self.counts.name, handlers, [f"{self.UNPACKED}*"]),
                              self.build / program, *arguments)
 
 
 def count_requests(build, size):
     """The counts of each request of `size` keys, by name."""
-    with tempfile.TemporaryDirectory() as folder, \
-            CountedServices(build, Path(folder), size) as services:
+    with running_services(build, size, CountedSession) as (session, folder, _):
         for method in METHODS:
             if method == "load_with_default":
-                services.keep_half()
-            services.samples(ROUNDS - 1, method, services.folder / "file.")
-        counts = iter(counts_of(services.folder, services.UNPACKED, ROUNDS * len(METHODS)))
+                keep_half(folder)
+            samples_of(session, ROUNDS - 1, method, folder / "file.")
+        counts = iter(counts_of(Path(session.counts.name), session.UNPACKED,
+                                ROUNDS * len(METHODS)))
         return {f"{method}_{size}":
                 round(statistics.median([next(counts) for _ in range(ROUNDS)][1:]))
                 for method in METHODS}
@@ -95,22 +104,19 @@ def count_requests(build, size):
 
 def count_start_up(build):
     """The count of a start with 1,000 parameters, and 10 indexed ones of 1,000 keys."""
-    with tempfile.TemporaryDirectory() as folder, Services(build, Path(folder), 1000) as services:
-        daemon = services.started[-1]
-        *_, parameters, presets = daemon.args
-        with parameters.open("a") as definitions:
-            definitions.writelines(
-                f"plain{n:04}Level rw {{ rangeValid {{ -60..12 }} default {{ 0 }} }}\n"
-                for n in range(PLAIN_PARAMETERS))
-        daemon.kill()
-        daemon.wait()
-        services.start(*callgrind(services.folder, ["main"], ["before=g_main_loop_run"]),
-                       build / "morvane", "--debug", parameters, presets)
-        services.run("gdbus", "wait", "--session", "--timeout=60", "org.norvix.preset")
+    with tempfile.TemporaryDirectory() as name, Session(build) as session:
+        folder = Path(name)
+        parameters, presets = definitions.write_keys(folder, 1000)
+        with parameters.open("a") as text:
+            text.writelines(f"plain{n:04}Level rw {{ rangeValid {{ -60..12 }} default {{ 0 }} }}\n"
+                            for n in range(PLAIN_PARAMETERS))
+        session.start(*callgrind(folder, ["main"], ["before=g_main_loop_run"]),
+                      build / "morvane", "--debug", parameters, presets)
+        session.run("gdbus", "wait", "--session", "--timeout=60", "org.norvix.preset")
         # Its answer comes from within the main loop.
-        services.run("gdbus", "call", "--session", "--dest=org.norvix.preset",
-                     "--object-path=/preset", "--method=org.norvix.preset.is_preset", PRESET)
-        return {START_UP: counts_of(services.folder, "before=g_main_loop_run", 1)[0]}
+        session.run("gdbus", "call", "--session", "--dest=org.norvix.preset",
+                    "--object-path=/preset", "--method=org.norvix.preset.is_preset", PRESET)
+        return {START_UP: counts_of(folder, "before=g_main_loop_run", 1)[0]}
 
 
 def output_of(*command):

@@ -22,10 +22,10 @@ GROWTH_FROM = 10000  # keys; below, the fixed part of a request counts
 
 
 @contextmanager
-def running_services(build, size):
+def running_services(build, size, kind=Session):
     """Runs the daemon, the floor and the empty service beside a Parameter Handler of `size` keys.
-    Hands out their session, a folder for their files, and the keys."""
-    with tempfile.TemporaryDirectory() as name, Session(build) as session:
+    Hands out their session, of a `kind` of it, a folder for their files, and the keys."""
+    with tempfile.TemporaryDirectory() as name, kind(build) as session:
         folder = Path(name)
         files = definitions.write_keys(folder, size)
         keys = definitions.list_keys(build, files, PRESET)
