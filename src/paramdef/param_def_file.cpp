@@ -11,9 +11,6 @@ namespace morvane {
 
 namespace {
 
-// Longer lines are read as several, each with a number of its own.
-constexpr std::size_t lineBufferSize = 512;
-
 void reportError(ParamDefResult result, std::string_view line, std::uint32_t lineNumber,
                  std::uint32_t column) {
     std::string heading = "Error on line " + std::to_string(lineNumber) + "\n";
@@ -31,7 +28,7 @@ ParamDefResult readParamDefFile(const char* path, SystemParameterTable* table) {
         report("Can't open file\n");
         return ParamDefResult::internalError;
     }
-    LineReader<lineBufferSize> lines(stream.get());
+    DefinitionLineReader lines(stream.get());
     ParamDefParser parser;
     ParamDefResult result = ParamDefResult::internalError;
     std::uint32_t lineNumber = 1;

@@ -13,9 +13,6 @@ using enum PresetParseResult;
 
 namespace {
 
-// Longer lines are read as several, each with a number of its own.
-constexpr std::size_t lineBufferSize = 512;
-
 void reportError(PresetParseResult result, std::string_view line, std::uint32_t lineNumber,
                  std::uint32_t column) {
     std::string heading(nameOf(result));
@@ -31,7 +28,7 @@ PresetParseResult readPresetDefFile(const char* path, PresetDefinitions* definit
     const OwnedStream stream(std::fopen(path, "r"));
     if (!stream)
         return PARSE_PRESET_IO_ERROR;
-    LineReader<lineBufferSize> lines(stream.get());
+    DefinitionLineReader lines(stream.get());
     PresetDefParser parser;
     PresetParseResult result = PARSE_PRESET_IO_ERROR;
     std::uint32_t lineNumber = 1;

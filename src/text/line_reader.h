@@ -37,4 +37,7 @@ private:
     std::array<char, BufferSize> buffer_{};
 };
 
+/// Both kinds of definition files. Longer lines are read as several, each with a number of its own.
+using DefinitionLineReader = LineReader<512>;
+
 } // namespace morvane

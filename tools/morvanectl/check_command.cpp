@@ -27,7 +27,7 @@ public:
         const OwnedStream stream(std::fopen(path_.c_str(), "r"));
         if (!stream)
             return;
-        LineReader<512> reader(stream.get());
+        DefinitionLineReader reader(stream.get());
         while (const auto line = reader.next())
             lines_.emplace_back(*line);
     }

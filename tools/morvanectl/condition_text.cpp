@@ -9,12 +9,6 @@ namespace morvane::ctl {
 
 namespace {
 
-bool namesParameter(const Expression& condition, const SystemParameterTable& parameters) {
-    return std::any_of(condition.tokens.begin(), condition.tokens.end(), [&](const Token& token) {
-        return token.type == TokenType::TOKEN_NAME && parameters.find(token.text) != nullptr;
-    });
-}
-
 bool canBeEvaluated(const Expression& condition, const NameTable& names) {
     ExprValue value;
     evaluate(condition, names, &value);

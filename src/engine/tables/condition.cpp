@@ -7,15 +7,16 @@
 
 namespace morvane {
 
+bool namesParameter(const Expression& condition, const SystemParameterTable& parameters) {
+    return std::any_of(condition.tokens.begin(), condition.tokens.end(), [&](const Token& token) {
+        return token.type == TokenType::TOKEN_NAME && parameters.find(token.text) != nullptr;
+    });
+}
+
 bool conditionHolds(const Expression& condition, const SystemParameterTable& parameters,
                     const SystemArguments& arguments) {
-    if (condition.empty())
-        return true;
-    const bool namesParameter =
-        std::any_of(condition.tokens.begin(), condition.tokens.end(), [&](const Token& token) {
-            return token.type == TokenType::TOKEN_NAME && parameters.find(token.text) != nullptr;
-        });
-    return namesParameter || evaluate(condition, arguments);
+    return condition.empty() || namesParameter(condition, parameters) ||
+           evaluate(condition, arguments);
 }
 
 bool conditionsHold(const std::vector<Expression>& conditions,

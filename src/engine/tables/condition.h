@@ -10,6 +10,9 @@ namespace morvane {
 
 class SystemParameterTable;
 
+/// Says whether `condition` names a system parameter or an index.
+bool namesParameter(const Expression& condition, const SystemParameterTable& parameters);
+
 /// Says whether `condition` holds. The empty condition does. One that names a system parameter or
 /// an index does too: it depends on values that change while the device runs, so it is not decided
 /// here. One that cannot be evaluated does not hold.
