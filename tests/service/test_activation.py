@@ -44,4 +44,4 @@ def test_a_call_after_die_starts_the_daemon_again(activated):
     for _ in range(2):
         assert activated.client.call(*SERVICE, "die", flags=Gio.DBusCallFlags.NONE) == ()
         wait_until(lambda: not activated.process_ids(), "the daemon to end")
-        assert not activated.client.owns("org.norvix.preset")
+        wait_until(lambda: not activated.client.owns("org.norvix.preset"), "the name to be free")
