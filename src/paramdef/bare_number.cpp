@@ -5,7 +5,7 @@
 
 namespace morvane {
 
-ParamDefResult readBareNumber(Cursor& line, std::string_view delimiters, Token& token) {
+ParamDefResult readBareNumber(Cursor& line, const CharacterSet& delimiters, Token& token) {
     const auto word = line.peekWord(delimiters);
     const auto number = numberPrefix(word);
     if (word.empty())

@@ -4,10 +4,9 @@
 #include "paramdef/expression.h"
 #include "paramdef/param_def_result.h"
 
-#include <string_view>
-
 namespace morvane {
 
+class CharacterSet;
 class Cursor;
 
 /// Reads the word at the cursor as a number.
@@ -16,6 +15,6 @@ class Cursor;
 /// @param token      becomes a TOKEN_NUMBER.
 /// @return ok; syntaxError for an empty word, or for one that is not a number to its end, with the
 ///         cursor's mark moved to the first byte that is not part of the number.
-ParamDefResult readBareNumber(Cursor& line, std::string_view delimiters, Token& token);
+ParamDefResult readBareNumber(Cursor& line, const CharacterSet& delimiters, Token& token);
 
 } // namespace morvane

@@ -34,7 +34,7 @@ constexpr std::array operators{
     OperatorText{"$", TokenType::OP_CONTAINS},
 };
 
-constexpr std::string_view wordDelimiters = "()|&^=!<>+-*/%$[]";
+constexpr CharacterSet wordDelimiters = "()|&^=!<>+-*/%$[]";
 
 Token tokenAt(const Cursor& line, TokenType type) {
     return {.line = line.line().number, .column = line.tokenColumn(), .type = type, .text = {}};

@@ -79,8 +79,8 @@ ParamDefResult RangeParser::readExpression(Cursor& line, TokenList& bound, Expec
     return ParamDefResult::incomplete;
 }
 
-ParamDefResult RangeParser::readNumber(Cursor& line, std::string_view delimiters, TokenList& bound,
-                                       Expect next) {
+ParamDefResult RangeParser::readNumber(Cursor& line, const CharacterSet& delimiters,
+                                       TokenList& bound, Expect next) {
     Token number;
     const auto result = readBareNumber(line, delimiters, number);
     if (result != ParamDefResult::ok)

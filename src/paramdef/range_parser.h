@@ -7,11 +7,11 @@
 #include "paramdef/quoted_string.h"
 #include "paramdef/system_parameter.h"
 
-#include <string_view>
 #include <utility>
 
 namespace morvane {
 
+class CharacterSet;
 class Cursor;
 
 /// Reads `(condition) { item, low..high }`, over as many lines as it takes.
@@ -40,7 +40,7 @@ private:
     ParamDefResult readString(Cursor& line);
     ParamDefResult readHighBound(Cursor& line);
     ParamDefResult readExpression(Cursor& line, TokenList& bound, Expect next);
-    ParamDefResult readNumber(Cursor& line, std::string_view delimiters, TokenList& bound,
+    ParamDefResult readNumber(Cursor& line, const CharacterSet& delimiters, TokenList& bound,
                               Expect next);
     ParamDefResult readCommaOrClose(Cursor& line);
     ParamDefResult close();

@@ -43,7 +43,7 @@ ParamDefResult ValueChangeParser::readToken(Cursor& line) {
 
 // The "-" of the arrow ends a number, so a negative one must be quoted.
 ParamDefResult ValueChangeParser::readSide(Cursor& line, Expect stringEnd, Expect next) {
-    constexpr std::string_view delimiters = "-}";
+    constexpr CharacterSet delimiters = "-}";
     if (string_.open(line)) {
         expect_ = stringEnd;
         return readString(line, next);

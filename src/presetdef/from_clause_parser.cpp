@@ -3,6 +3,8 @@
 #include "text/cursor.h"
 #include "text/token_loop.h"
 
+#include <algorithm>
+
 namespace morvane {
 
 using enum PresetParseResult;
@@ -11,13 +13,14 @@ namespace {
 
 // Reads a word, or a quoted text, which may hold blanks but none of the delimiters. A quote that is
 // missing at the end of the line leaves the line feed in the text.
-std::string quotedTextOrWord(Cursor& line, std::string_view delimiters) {
+std::string quotedTextOrWord(Cursor& line, const CharacterSet& delimiters) {
     if (!line.accept('"'))
         return std::string(line.word(delimiters));
     const auto rest = line.rest();
-    std::string stops(delimiters);
-    stops += '"';
-    const auto text = rest.substr(0, rest.find_first_of(stops));
+    const auto end = std::find_if(rest.begin(), rest.end(), [&delimiters](char c) {
+        return c == '"' || delimiters.contains(c);
+    });
+    const auto text = rest.substr(0, static_cast<std::size_t>(end - rest.begin()));
     line.advance(text.size());
     line.accept('"');
     return std::string(text);

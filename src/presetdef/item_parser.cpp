@@ -9,7 +9,7 @@ using enum PresetParseResult;
 
 namespace {
 
-constexpr std::string_view delimiters = "{,}";
+constexpr CharacterSet delimiters = "{,}";
 
 } // namespace
 

@@ -32,15 +32,15 @@ bool Cursor::accept(char expected) {
     return true;
 }
 
-std::string_view Cursor::peekWord(std::string_view delimiters) const {
+std::string_view Cursor::peekWord(const CharacterSet& delimiters) const {
     const auto text = rest();
-    const auto end = std::find_if(text.begin(), text.end(), [delimiters](char c) {
-        return isSpace(c) || std::find(delimiters.begin(), delimiters.end(), c) != delimiters.end();
+    const auto end = std::find_if(text.begin(), text.end(), [&delimiters](char c) {
+        return isSpace(c) || delimiters.contains(c);
     });
     return text.substr(0, static_cast<std::size_t>(end - text.begin()));
 }
 
-std::string_view Cursor::word(std::string_view delimiters) {
+std::string_view Cursor::word(const CharacterSet& delimiters) {
     const auto found = peekWord(delimiters);
     position_ += found.size();
     return found;

@@ -2,6 +2,8 @@
 // it, so a column means the same thing in every error report.
 #pragma once
 
+#include "text/character_set.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -55,10 +57,10 @@ public:
 
     /// The word that begins here, possibly empty: the run of characters that are neither white
     /// space nor one of `delimiters`. Not consumed.
-    std::string_view peekWord(std::string_view delimiters) const;
+    std::string_view peekWord(const CharacterSet& delimiters) const;
 
     /// Consumes and returns the word that begins here; its end stays unread.
-    std::string_view word(std::string_view delimiters);
+    std::string_view word(const CharacterSet& delimiters);
 
     /// Consumes `count` bytes, at most those that are left.
     void advance(std::size_t count);

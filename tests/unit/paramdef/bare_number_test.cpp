@@ -10,7 +10,7 @@ namespace {
 
 struct Row {
     const char* text; ///< "@" behind the number, or at the caret of a mistake
-    const char* delimiters;
+    CharacterSet delimiters;
     ParamDefResult result;
     const char* number;
 };

@@ -27,7 +27,7 @@ TEST(Cursor, SkipsSpaceAndSaysWhetherAnythingIsLeft) {
 struct WordRow {
     const char* why;
     std::string_view text;
-    std::string_view delimiters;
+    CharacterSet delimiters;
     std::string_view word;
 };
 
