@@ -61,8 +61,16 @@ struct Token {
 
 using TokenList = std::vector<Token>;
 
-/// Source lines by number, for messages about what stands in them.
-using SourceTexts = std::map<std::uint32_t, std::string>;
+/// One line of a definition file, for messages about what stands in it.
+struct SourceText {
+    std::uint32_t number = 0; ///< counted from 1
+    std::string text;
+
+    bool operator==(const SourceText&) const = default;
+};
+
+/// Source lines in the order of their numbers. A flat list: most expressions stand in one line.
+using SourceTexts = std::vector<SourceText>;
 
 /// Tokens in source order, with the text of every line that gave one. Empty without tokens.
 struct Expression {
@@ -75,8 +83,12 @@ struct Expression {
     void append(Token token, const SourceLine& line);
 };
 
-/// Keeps the line's text in `texts` under its number; a line that is there already is left alone.
+/// Keeps the line's text in `texts`, unless it is the last line there.
+/// @param line not before the lines that are there.
 void keepLine(SourceTexts& texts, const SourceLine& line);
+
+/// @return the text of the line with this number, which must be in `texts`; borrowed from them.
+std::string_view textOfLine(const SourceTexts& texts, std::uint32_t number);
 
 /// The value of an operand during an evaluation.
 struct ExprValue {

@@ -55,7 +55,7 @@ std::string textOf(const Expression& condition) {
     std::size_t end = 0; // of the token before, on its line
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         const auto& token = tokens[i];
-        const std::string_view line = lines.at(token.line);
+        const auto line = textOfLine(lines, token.line);
         const bool isNewLine = i == 0 || tokens[i - 1].line != token.line;
         if (i > 0 && (isNewLine || token.column > end))
             text += ' ';

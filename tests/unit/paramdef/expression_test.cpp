@@ -17,6 +17,13 @@ TEST(Expression, KeepsTheLinesThatGaveItTokens) {
     EXPECT_EQ(expression.lines, (SourceTexts{{1, "one\n"}, {3, "three\n"}}));
 }
 
+TEST(Expression, FindsALineByItsNumber) {
+    const SourceTexts lines{{1, "one\n"}, {3, "three\n"}, {7, "seven"}};
+    EXPECT_EQ(textOfLine(lines, 1), "one\n");
+    EXPECT_EQ(textOfLine(lines, 3), "three\n");
+    EXPECT_EQ(textOfLine(lines, 7), "seven");
+}
+
 TEST(Expression, TellsOperatorsFromOperands) {
     for (std::int32_t code = -3; code <= 21; ++code) {
         EXPECT_EQ(isOperator(static_cast<TokenType>(code)), code >= 0 && code <= 18) << code;
