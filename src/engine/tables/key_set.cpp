@@ -1,20 +1,50 @@
 #include "engine/tables/key_set.h"
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
 #include <utility>
 
 namespace morvane {
 
-KeySet::KeySet(std::vector<std::string> keys) : keys_(std::move(keys)) {
-    // A preset's keys come as two sorted runs, of read-only and of read-write parameters, unless
-    // the values of an index are in another order.
-    const auto second = std::is_sorted_until(keys_.begin(), keys_.end());
-    if (std::is_sorted(second, keys_.end()))
-        std::inplace_merge(keys_.begin(), second, keys_.end());
-    else
-        std::sort(keys_.begin(), keys_.end());
-    keys_.erase(std::unique(keys_.begin(), keys_.end()), keys_.end());
-    keys_.shrink_to_fit();
+namespace {
+
+using Keys = std::vector<std::string>;
+
+// The first key that is not greater than the one before it.
+Keys::iterator firstOutOfOrder(Keys::iterator begin, Keys::iterator end) {
+    const auto before = std::adjacent_find(begin, end, std::greater_equal<>{});
+    return before == end ? end : std::next(before);
+}
+
+// The keys of both runs, each of which is in order and has no key twice.
+Keys merged(Keys::iterator begin, Keys::iterator second, Keys::iterator end) {
+    Keys result;
+    result.reserve(static_cast<std::size_t>(end - begin));
+    std::set_union(std::move_iterator(begin), std::move_iterator(second),
+                   std::move_iterator(second), std::move_iterator(end), std::back_inserter(result));
+    return result;
+}
+
+void sortAndUnify(Keys& keys) {
+    std::sort(keys.begin(), keys.end());
+    keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
+}
+
+} // namespace
+
+// A preset's keys come as two runs, of read-only and of read-write parameters, each in order unless
+// the values of an index are not.
+KeySet::KeySet(std::vector<std::string> keys) {
+    const auto second = firstOutOfOrder(keys.begin(), keys.end());
+    if (second != keys.end()) {
+        if (firstOutOfOrder(second, keys.end()) == keys.end())
+            keys = merged(keys.begin(), second, keys.end());
+        else
+            sortAndUnify(keys);
+    }
+    keys.shrink_to_fit();
+    keys_ = std::move(keys);
 }
 
 bool KeySet::contains(std::string_view key) const {

@@ -37,7 +37,10 @@ bool advance(std::vector<std::size_t>& positions, const Dimensions& dimensions) 
 /// Gathers the keys of one preset.
 class KeyCollector {
 public:
-    explicit KeyCollector(const IndexTable& indices) : indices_(indices) {}
+    /// @param parameters how many parameters there are, most of which have one key as a rule.
+    KeyCollector(const IndexTable& indices, std::size_t parameters) : indices_(indices) {
+        keys_.reserve(parameters);
+    }
 
     /// Adds every instance of a parameter.
     void addAll(const std::string& name, const IndexNames& indexNames) {
@@ -119,6 +122,10 @@ private:
     // Appends the key of every combination of one value per dimension; the bare name without
     // dimensions.
     void appendKeys(const std::string& name, const Dimensions& dimensions) {
+        if (dimensions.empty()) {
+            keys_.push_back(name);
+            return;
+        }
         if (std::any_of(dimensions.begin(), dimensions.end(),
                         [](const IndexValues* values) { return values->empty(); }))
             return;
@@ -173,7 +180,7 @@ void addNotExcluded(const PresetDefinition& preset, const IndexTable& indices,
 
 KeySet PresetGenerate::keySet(const IndexTable& indices, const ParameterMap& readWrite,
                               const ParameterMap& readOnly, const PresetDefinition& preset) {
-    KeyCollector keys(indices);
+    KeyCollector keys(indices, readWrite.size());
     addIncluded(preset, indices, readOnly, keys);
     addNotExcluded(preset, indices, readWrite, keys);
     return keys.take();
@@ -181,7 +188,7 @@ KeySet PresetGenerate::keySet(const IndexTable& indices, const ParameterMap& rea
 
 KeySet PresetGenerate::parameterKeys(const IndexTable& indices, const std::string& name,
                                      const IndexNames& indexNames) {
-    KeyCollector keys(indices);
+    KeyCollector keys(indices, 1);
     keys.addAll(name, indexNames);
     return keys.take();
 }

@@ -24,8 +24,15 @@ TEST(KeySet, HoldsEachKeyOnceInBytewiseOrder) {
 }
 
 TEST(KeySet, MergesTwoSortedRuns) {
-    const KeySet keys({"a", "c", "e", "e", "b", "c", "f"});
-    EXPECT_EQ(keysOf(keys), (Keys{"a", "b", "c", "e", "f"}));
+    EXPECT_EQ(keysOf(KeySet({"a", "c", "e", "b", "c", "f"})), (Keys{"a", "b", "c", "e", "f"}));
+    EXPECT_EQ(keysOf(KeySet({"b", "c", "a"})), (Keys{"a", "b", "c"}));
+    EXPECT_EQ(keysOf(KeySet({"a", "b", "a", "b"})), (Keys{"a", "b"}));
+}
+
+TEST(KeySet, TakesEqualKeysWithinARunForOne) {
+    EXPECT_EQ(keysOf(KeySet({"a", "a"})), Keys{"a"});
+    EXPECT_EQ(keysOf(KeySet({"a", "e", "e", "b", "f"})), (Keys{"a", "b", "e", "f"}));
+    EXPECT_EQ(keysOf(KeySet({"c", "a", "b", "b"})), (Keys{"a", "b", "c"}));
 }
 
 TEST(KeySet, FindsExactlyItsKeys) {
