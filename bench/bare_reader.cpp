@@ -20,8 +20,6 @@ namespace {
 
 using namespace morvane;
 
-constexpr std::size_t line_buffer_size = 512; // that of the readers of the definition files
-
 /// Hands each line of a file to `take`.
 template <typename Take>
 void read_file(const char* path, Take take) {
@@ -30,7 +28,7 @@ void read_file(const char* path, Take take) {
         std::fprintf(stderr, "bare_reader: cannot read %s\n", path);
         std::exit(EXIT_FAILURE);
     }
-    LineReader<line_buffer_size> lines(stream.get());
+    DefinitionLineReader lines(stream.get());
     while (const auto line = lines.next())
         take(*line);
 }
