@@ -14,7 +14,7 @@ the dispatch of the request, its answer, or the end of a transaction after its c
 requests the median counts, without the first, which warms everything up.
 
 Runs of one build differ, on an idle machine as on a busy one, by up to 0.02 % for a store and
-0.5 % for a start-up and a load: messages arrive in other pieces, memory lies elsewhere. A folder
+1.5 % for a start-up and a load: messages arrive in other pieces, memory lies elsewhere. A folder
 for temporary files with a longer path made 1 %. Processors may differ more, by the variants of
 memcpy() and its like that the C library picks for them.
 """
