@@ -278,16 +278,16 @@ class Daemon:
     """morvane under test. Standard output and error are in `folder`/stdout and stderr."""
 
     def __init__(self, bus, folder, parameters, presets, *arguments, options=("--debug",),
-                 name="daemon", wrapper=(), fault=None):
+                 name="daemon", wrapper=(), fault=None, clock_rate=1):
         self._prepare(folder, name)
-        faults = {}
+        shim = {"MORVANE_TEST_CLOCK_RATE": str(clock_rate)}
         if fault is not None:  # "FUNCTION N ACTION", and the file that it is about
-            faults = dict(zip(("MORVANE_TEST_FAULT", "MORVANE_TEST_FAULT_PATH"), fault))
+            shim |= zip(("MORVANE_TEST_FAULT", "MORVANE_TEST_FAULT_PATH"), fault)
         with self.stdout.open("wb") as out, self.stderr.open("wb") as err:
             self.process = subprocess.Popen(
                 [*wrapper, *DAEMON, *options, parameters, presets, *arguments],
                 stdin=subprocess.DEVNULL, stdout=out, stderr=err,
-                env=bus.environment(**self.environment(), **faults))
+                env=bus.environment(**self.environment(), **shim))
 
     def _prepare(self, folder, name):
         self.folder, self.name = folder, name

@@ -3,6 +3,7 @@
 #include <climits>
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <array>
@@ -99,7 +100,9 @@ int fsync(int descriptor) {
     if (morvane::test::active != nullptr &&
         morvane::test::fails("fsync " + morvane::test::nameOf(descriptor)))
         return -1;
-    return morvane::test::original<int(int)>("fsync")(descriptor);
+    // A test that ends loses nothing that was not synced, so nobody waits for the disk; a
+    // descriptor that is not open is an error as always.
+    return fcntl(descriptor, F_GETFD) < 0 ? -1 : 0;
 }
 
 int fclose(std::FILE* stream) {

@@ -1,16 +1,24 @@
 /* Preloaded into the daemon under test: writes its system log and its pauses to a file instead of
- * the machine's log and the test's time.
+ * the machine's log and the test's time, and makes its clock run faster.
  *
  * The file is named by the environment variable MORVANE_TEST_LOG. Each call appends one record:
  * "log PRIORITY LENGTH TEXT" or "sleep SECONDS 0 ", LENGTH counting the bytes of TEXT, which may
- * hold line feeds; every record ends with a line feed of its own. */
+ * hold line feeds; every record ends with a line feed of its own.
+ *
+ * MORVANE_TEST_CLOCK_RATE, a number, makes that many seconds of the monotonic clock of one: time
+ * limits of the bus library are over that much earlier. */
 
+#include <dlfcn.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <time.h>
 #include <unistd.h>
+
+#define ORIGINAL(name) ((__typeof__(name)*)dlsym(RTLD_NEXT, #name))
 
 static void append(const char* kind, int number, const char* text) {
     const char* path = getenv("MORVANE_TEST_LOG");
@@ -50,4 +58,30 @@ void __syslog_chk(int priority, int flag, const char* format, ...) {
 unsigned sleep(unsigned seconds) {
     append("sleep", (int)seconds, "");
     return 0;
+}
+
+static long clock_rate(void) {
+    const char* text = getenv("MORVANE_TEST_CLOCK_RATE");
+    return text ? strtol(text, NULL, 10) : 1;
+}
+
+int clock_gettime(clockid_t clock, struct timespec* time) {
+    static struct timespec first;
+    const int result = ORIGINAL(clock_gettime)(clock, time);
+    const long rate = clock_rate();
+    if (result != 0 || clock != CLOCK_MONOTONIC || rate == 1)
+        return result;
+    if (first.tv_sec == 0)
+        first = *time;
+    const long long nanoseconds =
+        ((time->tv_sec - first.tv_sec) * 1000000000LL + time->tv_nsec) * rate;
+    time->tv_sec = first.tv_sec + (time_t)(nanoseconds / 1000000000);
+    time->tv_nsec = (long)(nanoseconds % 1000000000);
+    return 0;
+}
+
+int poll(struct pollfd* descriptors, nfds_t count, int milliseconds) {
+    if (milliseconds > 0)
+        milliseconds = (int)((milliseconds - 1) / clock_rate()) + 1;
+    return ORIGINAL(poll)(descriptors, count, milliseconds);
 }
