@@ -28,7 +28,6 @@ def parse_options(description):
                         help="samples above 100,000 keys and from 100,000 parameters on")
     parser.add_argument("--trips", type=int, default=2000, help="samples of each round trip")
     parser.add_argument("--build", type=Path, default=ROOT / "build-bench", help="build folder")
-    parser.add_argument("--pictures", type=Path, default=RESULTS, help="folder of the pictures")
     return parser.parse_args()
 
 
