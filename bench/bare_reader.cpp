@@ -22,7 +22,7 @@ using namespace morvane;
 
 /// Hands each line of a file to `take`.
 template <typename Take>
-void read_file(const char* path, Take take) {
+void readFile(const char* path, Take take) {
     const OwnedStream stream(std::fopen(path, "r"));
     if (!stream) {
         std::fprintf(stderr, "bare_reader: cannot read %s\n", path);
@@ -33,14 +33,14 @@ void read_file(const char* path, Take take) {
         take(*line);
 }
 
-bool is_space(char c) {
+bool isSpace(char c) {
     return std::isspace(static_cast<unsigned char>(c)) != 0;
 }
 
-void count_words(std::string_view line, std::map<std::string, unsigned, std::less<>>& words) {
+void countWords(std::string_view line, std::map<std::string, unsigned, std::less<>>& words) {
     for (std::size_t at = 0; at < line.size();) {
         std::size_t end = at;
-        while (end < line.size() && !is_space(line[end]))
+        while (end < line.size() && !isSpace(line[end]))
             ++end;
         if (end > at)
             ++words.try_emplace(std::string(line.substr(at, end - at))).first->second;
@@ -57,9 +57,9 @@ int main(int argc, char** argv) {
     }
     std::map<std::string, unsigned, std::less<>> words;
     for (const char* const path : {argv[1], argv[2]})
-        read_file(path, [&](std::string_view line) { count_words(line, words); });
+        readFile(path, [&](std::string_view line) { countWords(line, words); });
     std::set<std::string> keys;
-    read_file(argv[3], [&](std::string_view line) {
+    readFile(argv[3], [&](std::string_view line) {
         line.remove_suffix(line.ends_with('\n') ? 1 : 0);
         keys.emplace(line);
     });

@@ -19,7 +19,7 @@ struct MessageReleaser {
 using Message = std::unique_ptr<DBusMessage, MessageReleaser>;
 
 /// Ends the process with a word about what went wrong.
-[[noreturn]] inline void give_up(const char* what) {
+[[noreturn]] inline void giveUp(const char* what) {
     std::fprintf(stderr, "bench: %s\n", what);
     std::exit(EXIT_FAILURE);
 }
@@ -28,7 +28,7 @@ using Message = std::unique_ptr<DBusMessage, MessageReleaser>;
 inline DBusConnection* connect() {
     DBusConnection* const bus = dbus_bus_get(DBUS_BUS_SESSION, nullptr);
     if (bus == nullptr)
-        give_up("no session bus");
+        giveUp("no session bus");
     return bus;
 }
 
@@ -36,7 +36,7 @@ inline DBusConnection* connect() {
 inline void own(DBusConnection* bus, const char* name) {
     if (dbus_bus_request_name(bus, name, DBUS_NAME_FLAG_DO_NOT_QUEUE, nullptr) !=
         DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER)
-        give_up("another process owns the name");
+        giveUp("another process owns the name");
     std::printf("ready\n");
     std::fflush(stdout);
 }
@@ -46,11 +46,11 @@ inline Message call(DBusConnection* bus, const Message& message) {
     Message reply(dbus_connection_send_with_reply_and_block(bus, message.get(),
                                                             DBUS_TIMEOUT_INFINITE, nullptr));
     if (!reply)
-        give_up("a call failed");
+        giveUp("a call failed");
     return reply;
 }
 
-/// Appends strings, each of which ends with a byte 0.
+/// Appends null-terminated strings.
 inline void append(DBusMessage* message, std::span<const char* const> texts) {
     DBusMessageIter arguments;
     DBusMessageIter list;
@@ -71,16 +71,16 @@ inline void append(DBusMessage* message, const char* text) {
 }
 
 /// The number that a reply consists of.
-inline dbus_uint32_t read_number(const Message& reply) {
+inline dbus_uint32_t readNumber(const Message& reply) {
     dbus_uint32_t number = 0;
     if (!dbus_message_get_args(reply.get(), nullptr, DBUS_TYPE_UINT32, &number, DBUS_TYPE_INVALID))
-        give_up("a reply is not a number");
+        giveUp("a reply is not a number");
     return number;
 }
 
 /// Reads a list of strings at a place of a message and goes on to the next argument.
 /// @return pointers into the message.
-inline std::vector<const char*> read_strings(DBusMessageIter& arguments) {
+inline std::vector<const char*> readStrings(DBusMessageIter& arguments) {
     std::vector<const char*> texts;
     DBusMessageIter list;
     for (dbus_message_iter_recurse(&arguments, &list);
@@ -95,7 +95,7 @@ inline std::vector<const char*> read_strings(DBusMessageIter& arguments) {
 
 /// Hands every method call to `serve`, which answers it, until the bus is gone.
 template <typename Serve>
-void serve_calls(DBusConnection* bus, Serve serve) {
+void serveCalls(DBusConnection* bus, Serve serve) {
     while (dbus_connection_read_write(bus, -1) != FALSE) {
         while (const Message message{dbus_connection_pop_message(bus)}) {
             if (dbus_message_get_type(message.get()) == DBUS_MESSAGE_TYPE_METHOD_CALL)
@@ -105,11 +105,11 @@ void serve_calls(DBusConnection* bus, Serve serve) {
 }
 
 /// The lines of a file without their line feeds.
-inline std::vector<std::string> read_lines(const char* path) {
+inline std::vector<std::string> readLines(const char* path) {
     std::vector<std::string> lines;
     std::FILE* const file = std::fopen(path, "r");
     if (file == nullptr)
-        give_up("cannot read a file");
+        giveUp("cannot read a file");
     char buffer[1024];
     while (std::fgets(buffer, sizeof buffer, file) != nullptr) {
         lines.emplace_back(buffer);

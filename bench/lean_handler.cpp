@@ -15,7 +15,7 @@ using namespace morvane::bench;
 class Handler {
 public:
     Handler(DBusConnection* bus, const char* keys_file) : bus_(bus) {
-        for (auto& key : read_lines(keys_file))
+        for (auto& key : readLines(keys_file))
             values_.emplace(std::move(key), "-60");
     }
 
@@ -44,15 +44,15 @@ public:
 
 private:
     void get(DBusMessageIter& arguments, DBusMessage* reply) {
-        std::vector<const char*> texts = read_strings(arguments);
+        std::vector<const char*> texts = readStrings(arguments);
         for (auto& text : texts)
             text = values_[text].c_str();
         append(reply, texts);
     }
 
     void set(DBusMessageIter& arguments) {
-        const auto keys = read_strings(arguments);
-        const auto values = read_strings(arguments);
+        const auto keys = readStrings(arguments);
+        const auto values = readStrings(arguments);
         for (std::size_t i = 0; i < keys.size(); ++i)
             values_[keys[i]] = values[i];
     }
@@ -67,9 +67,9 @@ private:
 
 int main(int argc, char** argv) {
     if (argc != 2)
-        give_up("usage: lean_handler KEYS");
+        giveUp("usage: lean_handler KEYS");
     DBusConnection* const bus = connect();
     Handler handler(bus, argv[1]);
     own(bus, "org.norvix.transaction");
-    serve_calls(bus, [&](const Message& call) { handler.serve(call); });
+    serveCalls(bus, [&](const Message& call) { handler.serve(call); });
 }

@@ -3,9 +3,9 @@
 // Usage: request_client ROUNDS store|load|load_with_default|load_default PRESET FILE
 //        request_client ROUNDS is_preset|in_preset PRESET KEY
 //
-// The first form calls the daemon and the floor. Each has a file of its own, FILE with the
+// The first form calls the daemon and the baseline. Each has a file of its own, FILE with the
 // service's name behind it. Prints a line for each round: the time that the client waits for the
-// daemon and that the daemon computes, and the same of the floor, in nanoseconds.
+// daemon and that the daemon computes, and the same of the baseline, in nanoseconds.
 //
 // The second form prints the times that the client waits for the daemon's process to answer a ping,
 // which libdbus does by itself, then for the daemon, for the empty service, and for the daemon
@@ -43,7 +43,7 @@ std::int64_t waiting_time(DBusConnection* bus, const Message& request) {
     dbus_bool_t success = TRUE;
     dbus_message_get_args(reply.get(), nullptr, DBUS_TYPE_BOOLEAN, &success, DBUS_TYPE_INVALID);
     if (success == FALSE)
-        give_up("a service answered FALSE");
+        giveUp("a service answered FALSE");
     return std::chrono::nanoseconds(waited).count();
 }
 
@@ -59,7 +59,7 @@ public:
         const Message message(dbus_message_new_method_call(
             DBUS_SERVICE_DBUS, DBUS_PATH_DBUS, DBUS_INTERFACE_DBUS, "GetConnectionUnixProcessID"));
         append(message.get(), name_);
-        process_ = "/proc/" + std::to_string(read_number(call(bus_, message)));
+        process_ = "/proc/" + std::to_string(readNumber(call(bus_, message)));
     }
 
     Sample measure(const std::string& method, const char* preset, const std::string& file) const {
@@ -83,11 +83,11 @@ private:
         bool at_rest = false;
         while (!at_rest) {
             const Message question(dbus_message_copy(open.get()));
-            at_rest = read_number(call(bus_, question)) == 0;
+            at_rest = readNumber(call(bus_, question)) == 0;
             std::this_thread::sleep_for(nap); // in which the handler's last answer arrives
             at_rest = at_rest && asleep();
             if (Clock::now() > end)
-                give_up("a service does not come to rest");
+                giveUp("a service does not come to rest");
         }
     }
 
@@ -96,14 +96,14 @@ private:
         const std::string text(std::istreambuf_iterator<char>(file), {});
         const auto name_end = text.rfind(") ");
         if (name_end == std::string::npos)
-            give_up("cannot read the state of a process");
+            giveUp("cannot read the state of a process");
         return text[name_end + 2] == 'S';
     }
 
     std::uint64_t computing_time() const {
         std::uint64_t nanoseconds = 0;
         if (!(std::ifstream(process_ + "/schedstat") >> nanoseconds))
-            give_up("cannot read the computing time of a process");
+            giveUp("cannot read the computing time of a process");
         return nanoseconds;
     }
 
@@ -114,10 +114,10 @@ private:
 
 void measure_requests(DBusConnection* bus, long rounds, char** arguments) {
     const Service daemon(bus, daemon_name);
-    const Service floor(bus, "org.norvix.floor");
+    const Service baseline(bus, "org.norvix.baseline");
     for (; rounds > 0; --rounds) {
         const auto a = daemon.measure(arguments[0], arguments[1], arguments[2]);
-        const auto b = floor.measure(arguments[0], arguments[1], arguments[2]);
+        const auto b = baseline.measure(arguments[0], arguments[1], arguments[2]);
         std::printf("%lld %llu %lld %llu\n", static_cast<long long>(a.waiting),
                     static_cast<unsigned long long>(a.computing), static_cast<long long>(b.waiting),
                     static_cast<unsigned long long>(b.computing));
@@ -149,7 +149,7 @@ void measure_round_trips(DBusConnection* bus, long rounds, char** arguments) {
 
 int main(int argc, char** argv) {
     if (argc != 5)
-        give_up("usage: request_client ROUNDS METHOD PRESET FILE|KEY");
+        giveUp("usage: request_client ROUNDS METHOD PRESET FILE|KEY");
     DBusConnection* const bus = connect();
     const auto rounds = std::strtol(argv[1], nullptr, 10);
     if (std::string_view(argv[2]).ends_with("_preset"))

@@ -1,8 +1,9 @@
 #!/usr/bin/python3
 """Measures the requests of the daemon, in turns with the least that they can cost.
 
-Stores and loads stand beside the floor (bench/floor.cpp); questions about presets beside a round
-trip without a question: a ping of the daemon's process, and an empty service on the same libraries.
+Stores and loads stand beside the baseline (bench/baseline.cpp); questions about presets beside a
+round trip without a question: a ping of the daemon's process, and an empty service on the same
+libraries.
 Prints tables of medians and quartiles, and of the ratios of neighbouring calls.
 """
 
@@ -23,8 +24,8 @@ GROWTH_FROM = 10000  # keys; below, the fixed part of a request counts
 
 @contextmanager
 def running_services(build, size, kind=Session):
-    """Runs the daemon, the floor and the empty service beside a Parameter Handler of `size` keys.
-    Hands out their session, of a `kind` of it, a folder for their files, and the keys."""
+    """Runs the daemon, the baseline and the empty service beside a Parameter Handler of `size`
+    keys. Hands out their session, of a `kind` of it, a folder for their files, and the keys."""
     with tempfile.TemporaryDirectory() as name, kind(build) as session:
         folder = Path(name)
         files = definitions.write_keys(folder, size)
@@ -32,7 +33,7 @@ def running_services(build, size, kind=Session):
         keys_file = folder / "keys"
         keys_file.write_text(keys)
         session.start_service("bench/lean_handler", keys_file)
-        session.start_service("bench/floor", keys_file)
+        session.start_service("bench/baseline", keys_file)
         session.start_service("bench/empty_service")
         session.start_daemon(*files)
         yield session, folder, keys.splitlines()
@@ -57,15 +58,15 @@ def milliseconds(column):
 
 
 def request_row(size, operation, samples):
-    waiting, computing, floor_waiting, floor_computing = zip(*samples)
-    return (size, operation, milliseconds(waiting), milliseconds(floor_waiting),
-            spread(ratios(zip(waiting, floor_waiting))), milliseconds(computing),
-            milliseconds(floor_computing), spread(ratios(zip(computing, floor_computing))))
+    waiting, computing, baseline_waiting, baseline_computing = zip(*samples)
+    return (size, operation, milliseconds(waiting), milliseconds(baseline_waiting),
+            spread(ratios(zip(waiting, baseline_waiting))), milliseconds(computing),
+            milliseconds(baseline_computing), spread(ratios(zip(computing, baseline_computing))))
 
 
 def measure_requests(report, options):
-    report.head("keys", "operation", "daemon waits, ms", "floor waits, ms", "ratio",
-                "daemon computes, ms", "floor computes, ms", "ratio")
+    report.head("keys", "operation", "daemon waits, ms", "baseline waits, ms", "ratio",
+                "daemon computes, ms", "baseline computes, ms", "ratio")
     measured = report.data["requests"] = []
     for size in options.sizes:
         rounds = options.rounds if size <= 100000 else options.large_rounds
@@ -105,7 +106,7 @@ def report_growth(report, options):
                 *([f"{largest} against {base}"] if grows else []))
     growth = report.data["growth"] = []
     for operation in OPERATIONS:
-        for process, column in (("daemon", 1), ("floor", 3)):
+        for process, column in (("daemon", 1), ("baseline", 3)):
             costs = {row["keys"]: statistics.median(sample[column] for sample in row["samples"])
                      / row["keys"]
                      for row in report.data["requests"] if row["operation"] == operation}

@@ -35,7 +35,7 @@ std::vector<Command> commands_of(char** arguments) {
     }
     for (auto& command : commands) {
         if (command.empty())
-            give_up("usage: starter ROUNDS PROGRAM [ARGUMENT...] [-- PROGRAM [ARGUMENT...]]...");
+            giveUp("usage: starter ROUNDS PROGRAM [ARGUMENT...] [-- PROGRAM [ARGUMENT...]]...");
         command.push_back(nullptr);
     }
     return commands;
@@ -44,7 +44,7 @@ std::vector<Command> commands_of(char** arguments) {
 pid_t start(const Command& command) {
     pid_t process = 0;
     if (posix_spawn(&process, command[0], nullptr, nullptr, command.data(), environ) != 0)
-        give_up("cannot start a program");
+        giveUp("cannot start a program");
     return process;
 }
 
@@ -71,7 +71,7 @@ void wait_for_name(DBusConnection* bus, bool owned, pid_t process) {
     constexpr int look_after_milliseconds = 1000;
     for (;;) {
         if (dbus_connection_read_write(bus, look_after_milliseconds) == FALSE)
-            give_up("the bus is gone");
+            giveUp("the bus is gone");
         while (const Message message{dbus_connection_pop_message(bus)}) {
             if (says(message.get(), owned))
                 return;
@@ -80,7 +80,7 @@ void wait_for_name(DBusConnection* bus, bool owned, pid_t process) {
         if (owned &&
             (waitid(P_PID, static_cast<id_t>(process), &state, WEXITED | WNOHANG | WNOWAIT) != 0 ||
              state.si_pid == process))
-            give_up("the daemon ended before it had its name");
+            giveUp("the daemon ended before it had its name");
     }
 }
 
@@ -94,7 +94,7 @@ std::chrono::nanoseconds computing_time(pid_t process, Success success) {
     int status = 0;
     rusage usage{};
     if (wait4(process, &status, 0, &usage) != process || !success(status))
-        give_up("a program failed");
+        giveUp("a program failed");
     return duration(usage.ru_utime) + duration(usage.ru_stime);
 }
 
@@ -126,7 +126,7 @@ void measure_program(const Command& command) {
 
 int main(int argc, char** argv) {
     if (argc < 3)
-        give_up("usage: starter ROUNDS PROGRAM [ARGUMENT...] [-- PROGRAM [ARGUMENT...]]...");
+        giveUp("usage: starter ROUNDS PROGRAM [ARGUMENT...] [-- PROGRAM [ARGUMENT...]]...");
     DBusConnection* const bus = connect();
     follow_name(bus);
     const auto commands = commands_of(argv + 2);

@@ -27,7 +27,7 @@ def worst(figures):
 
 
 def request_ratio(requests, operation, column):
-    """Columns are 0 for waiting and 1 for computing; the floor's are two on."""
+    """Columns are 0 for waiting and 1 for computing; the baseline's are two on."""
     return worst((row["keys"], median_ratio(row["samples"], column, column + 2))
                  for row in requests.get("requests", ())
                  if row["operation"] == operation and row["keys"] >= FROM_KEYS)
@@ -77,10 +77,10 @@ def kibibytes(size):
 def request_targets(requests):
     for operation, waiting, computing in (("store", 1.12, 1.35), ("load", 1.12, 1.40),
                                           ("load_with_default", 1.15, None)):
-        yield (f"{operation}, waiting against the floor", waiting, "",
+        yield (f"{operation}, waiting against the baseline", waiting, "",
                request_ratio(requests, operation, 0))
         if computing is not None:
-            yield (f"{operation}, computing against the floor", computing, "",
+            yield (f"{operation}, computing against the baseline", computing, "",
                    request_ratio(requests, operation, 1))
     for operation in ("store", "load", "load_with_default"):
         yield (f"{operation}, computing for a key, {LARGEST} keys against {GROWTH_KEYS}", 1.15, "",

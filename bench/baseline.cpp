@@ -1,9 +1,9 @@
-// floor: the least that a store and a load can cost, directly on libdbus: the same calls of the
+// baseline: the least that a store and a load can cost, directly on libdbus: the same calls of the
 // Parameter Handler, the same file with the same renames and syncs, and nothing else. It has one
-// preset, with the sorted keys of the file KEYS, and serves as org.norvix.floor what the daemon
+// preset, with the sorted keys of the file KEYS, and serves as org.norvix.baseline what the daemon
 // serves.
 //
-// Usage: floor KEYS
+// Usage: baseline KEYS
 
 #include "bus.h"
 
@@ -19,30 +19,30 @@ using namespace morvane::bench;
 
 constexpr const char* handler = "org.norvix.transaction";
 
-Message handler_call(const char* method) {
+Message handlerCall(const char* method) {
     return Message(dbus_message_new_method_call(handler, "/transaction", handler, method));
 }
 
-void sync_folder(const std::string& path) {
+void syncFolder(const std::string& path) {
     const int folder = open(path.substr(0, path.rfind('/') + 1).c_str(), O_RDONLY | O_DIRECTORY);
     fsync(folder);
     close(folder);
 }
 
 // A commit's answer ends its transaction.
-void on_committed(DBusPendingCall* pending, void* data) {
+void onCommitted(DBusPendingCall* pending, void* data) {
     auto* const bus = static_cast<DBusConnection*>(data);
     static_cast<void>(Message(dbus_pending_call_steal_reply(pending)));
-    const auto end = handler_call("end");
+    const auto end = handlerCall("end");
     append(end.get(), dbus_uint32_t{1});
     call(bus, end);
 }
 
-class Floor {
+class Baseline {
 public:
-    Floor(DBusConnection* bus, const char* keys_file) : bus_(bus), keys_(read_lines(keys_file)) {
+    Baseline(DBusConnection* bus, const char* keysFile) : bus_(bus), keys_(readLines(keysFile)) {
         for (const auto& key : keys_)
-            key_texts_.push_back(key.c_str());
+            keyTexts_.push_back(key.c_str());
     }
 
     void serve(const Message& request) {
@@ -54,7 +54,7 @@ public:
         if (method == "store")
             store(path);
         else if (method == "load_default")
-            load_default();
+            loadDefault();
         else
             load(path, method == "load_with_default");
         const Message reply(dbus_message_new_method_return(request.get()));
@@ -64,33 +64,33 @@ public:
     }
 
 private:
-    dbus_uint32_t start() { return read_number(call(bus_, handler_call("start"))); }
+    dbus_uint32_t start() { return readNumber(call(bus_, handlerCall("start"))); }
 
-    static Message in_transaction(const char* method, dbus_uint32_t transaction) {
-        auto message = handler_call(method);
+    static Message inTransaction(const char* method, dbus_uint32_t transaction) {
+        auto message = handlerCall(method);
         append(message.get(), transaction);
         return message;
     }
 
     void store(const std::string& path) {
         const auto transaction = start();
-        const auto get = in_transaction("get_bulk", transaction);
+        const auto get = inTransaction("get_bulk", transaction);
         append(get.get(), dbus_uint32_t{0}); // no options
-        append(get.get(), key_texts_);
+        append(get.get(), keyTexts_);
         const auto reply = call(bus_, get);
         DBusMessageIter arguments;
         dbus_message_iter_init(reply.get(), &arguments);
-        write(path, read_strings(arguments));
-        call(bus_, in_transaction("end", transaction));
+        write(path, readStrings(arguments));
+        call(bus_, inTransaction("end", transaction));
     }
 
     void write(const std::string& path, const std::vector<const char*>& values) const {
         const auto backup = path + "_bak";
         std::rename(path.c_str(), backup.c_str());
-        sync_folder(path);
+        syncFolder(path);
         std::FILE* const file = std::fopen(path.c_str(), "w");
         for (std::size_t i = 0; i < keys_.size(); ++i) {
-            std::fputs(key_texts_[i], file);
+            std::fputs(keyTexts_[i], file);
             std::fputc('=', file);
             std::fputs(values[i], file);
             std::fputc('\n', file);
@@ -98,12 +98,12 @@ private:
         std::fflush(file);
         fsync(fileno(file));
         std::fclose(file);
-        sync_folder(path);
+        syncFolder(path);
         std::remove(backup.c_str());
-        sync_folder(path);
+        syncFolder(path);
     }
 
-    void load(const char* path, bool with_defaults) {
+    void load(const char* path, bool withDefaults) {
         const std::string text = read(path);
         std::vector<const char*> names;
         std::vector<const char*> values;
@@ -114,37 +114,37 @@ private:
             at += std::strlen(at) + 1;
         }
         const auto transaction = start();
-        const auto set = in_transaction("set_bulk", transaction);
+        const auto set = inTransaction("set_bulk", transaction);
         append(set.get(), names);
         append(set.get(), values);
         call(bus_, set);
-        if (with_defaults)
-            reset(transaction, all_but(names));
+        if (withDefaults)
+            reset(transaction, allBut(names));
         commit(transaction);
     }
 
-    void load_default() {
+    void loadDefault() {
         const auto transaction = start();
-        reset(transaction, key_texts_);
+        reset(transaction, keyTexts_);
         commit(transaction);
     }
 
     void commit(dbus_uint32_t transaction) {
         DBusPendingCall* pending = nullptr;
-        dbus_connection_send_with_reply(bus_, in_transaction("commit", transaction).get(), &pending,
+        dbus_connection_send_with_reply(bus_, inTransaction("commit", transaction).get(), &pending,
                                         DBUS_TIMEOUT_INFINITE);
-        dbus_pending_call_set_notify(pending, on_committed, bus_, nullptr);
+        dbus_pending_call_set_notify(pending, onCommitted, bus_, nullptr);
         dbus_pending_call_unref(pending);
     }
 
-    // The whole file, with a byte 0 for each "=" and line feed.
+    // The whole file, with a null character for each "=" and line feed.
     static std::string read(const char* path) {
         const int file = open(path, O_RDONLY);
         struct stat status {};
         fstat(file, &status);
         std::string text(static_cast<std::size_t>(status.st_size), '\0');
         if (::read(file, text.data(), text.size()) != status.st_size)
-            give_up("cannot read a file");
+            giveUp("cannot read a file");
         close(file);
         for (auto& c : text) {
             if (c == '=' || c == '\n')
@@ -154,10 +154,10 @@ private:
     }
 
     // Both lists are sorted.
-    std::vector<const char*> all_but(const std::vector<const char*>& names) const {
+    std::vector<const char*> allBut(const std::vector<const char*>& names) const {
         std::vector<const char*> others;
         std::size_t next = 0;
-        for (const char* const key : key_texts_) {
+        for (const char* const key : keyTexts_) {
             if (next < names.size() && std::strcmp(names[next], key) == 0)
                 ++next;
             else
@@ -167,32 +167,32 @@ private:
     }
 
     void reset(dbus_uint32_t transaction, const std::vector<const char*>& keys) {
-        const auto reset = in_transaction("reset_bulk", transaction);
+        const auto reset = inTransaction("reset_bulk", transaction);
         append(reset.get(), keys);
         call(bus_, reset);
     }
 
     DBusConnection* bus_;
     std::vector<std::string> keys_;
-    std::vector<const char*> key_texts_;
+    std::vector<const char*> keyTexts_;
 };
 
 } // namespace
 
 int main(int argc, char** argv) {
     if (argc != 2)
-        give_up("usage: floor KEYS");
+        giveUp("usage: baseline KEYS");
     DBusConnection* const bus = connect();
-    Floor floor(bus, argv[1]);
-    own(bus, "org.norvix.floor");
+    Baseline baseline(bus, argv[1]);
+    own(bus, "org.norvix.baseline");
     // Answers of calls without waiting are dispatched, calls are served.
     const auto serve = [](DBusConnection*, DBusMessage* message, void* data) {
         if (dbus_message_get_type(message) != DBUS_MESSAGE_TYPE_METHOD_CALL)
             return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
-        static_cast<Floor*>(data)->serve(Message(dbus_message_ref(message)));
+        static_cast<Baseline*>(data)->serve(Message(dbus_message_ref(message)));
         return DBUS_HANDLER_RESULT_HANDLED;
     };
-    dbus_connection_add_filter(bus, serve, &floor, nullptr);
+    dbus_connection_add_filter(bus, serve, &baseline, nullptr);
     while (dbus_connection_read_write_dispatch(bus, -1) != FALSE)
         ;
 }
