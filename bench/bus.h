@@ -32,13 +32,11 @@ inline DBusConnection* connect() {
     return bus;
 }
 
-/// Takes a name and says on standard output that the service can be called.
+/// Takes a name.
 inline void own(DBusConnection* bus, const char* name) {
     if (dbus_bus_request_name(bus, name, DBUS_NAME_FLAG_DO_NOT_QUEUE, nullptr) !=
         DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER)
         giveUp("another process owns the name");
-    std::printf("ready\n");
-    std::fflush(stdout);
 }
 
 /// Sends a call and waits for its reply, however long it takes.

@@ -6,8 +6,6 @@
 
 #include <dbus/dbus-glib.h>
 
-#include <cstdio>
-
 namespace {
 
 struct EmptyObject {
@@ -67,7 +65,5 @@ int main() {
     dbus_g_connection_register_g_object(bus, "/preset", create_object());
     if (!own(bus, "org.norvix.empty"))
         return 1;
-    std::printf("ready\n");
-    std::fflush(stdout);
     g_main_loop_run(g_main_loop_new(nullptr, FALSE));
 }

@@ -29,10 +29,12 @@ import sys
 import tempfile
 from pathlib import Path
 
+from gi.repository import GLib
+
 import definitions
 from definitions import PRESET
 from requests import keep_half, running_services, samples_of
-from session import ROOT, Session
+from session import DAEMON, ROOT, Session
 
 KEPT = ROOT / "bench/instructions.txt"
 HEAD = "# Written by bench/instructions.py --keep: name, instructions, instructions for each key.\n"
@@ -80,12 +82,10 @@ class CountedSession(Session):
         super().__exit__(*reason)
         self.counts.cleanup()
 
-    def start(self, program, *arguments):
-        if program != "morvane":
-            return super().start(program, *arguments)
+    def start_daemon(self, *arguments):
         handlers = [f"value_object_{method}(*" for method in METHODS]
-        return super().start(*callgrind(self.counts.name, handlers, [f"{self.UNPACKED}*"]),
-                             self.build / program, *arguments)
+        return super().start_daemon(*arguments, under=callgrind(self.counts.name, handlers,
+                                                                [f"{self.UNPACKED}*"]))
 
 
 def count_requests(build, size):
@@ -110,12 +110,10 @@ def count_start_up(build):
         with parameters.open("a") as text:
             text.writelines(f"plain{n:04}Level rw {{ rangeValid {{ -60..12 }} default {{ 0 }} }}\n"
                             for n in range(PLAIN_PARAMETERS))
-        session.start(*callgrind(folder, ["main"], ["before=g_main_loop_run"]),
-                      build / "morvane", "--debug", parameters, presets)
-        session.run("gdbus", "wait", "--session", "--timeout=60", "org.norvix.preset")
+        session.start_daemon(parameters, presets,
+                             under=callgrind(folder, ["main"], ["before=g_main_loop_run"]))
         # Its answer comes from within the main loop.
-        session.run("gdbus", "call", "--session", "--dest=org.norvix.preset",
-                    "--object-path=/preset", "--method=org.norvix.preset.is_preset", PRESET)
+        session.call(DAEMON, "is_preset", GLib.Variant("(s)", (PRESET,)), "/preset")
         return {START_UP: counts_of(folder, "before=g_main_loop_run", 1)[0]}
 
 

@@ -73,7 +73,7 @@ def sizes_with(options, folder, size):
     keys = folder / "keys"
     keys.write_text(definitions.list_keys(options.build, files, PRESET))
     with Session(options.build) as session:
-        session.start_service("bench/lean_handler", keys)
+        session.start("org.norvix.transaction", options.build / "bench/lean_handler", keys)
         process = start_daemon(session, *files)
         sizes = [process.resident(), request(session, process, "store", folder / "file"),
                  request(session, process, "load", folder / "file")]

@@ -32,9 +32,9 @@ def running_services(build, size, kind=Session):
         keys = definitions.list_keys(build, files, PRESET)
         keys_file = folder / "keys"
         keys_file.write_text(keys)
-        session.start_service("bench/lean_handler", keys_file)
-        session.start_service("bench/baseline", keys_file)
-        session.start_service("bench/empty_service")
+        session.start("org.norvix.transaction", build / "bench/lean_handler", keys_file)
+        session.start("org.norvix.baseline", build / "bench/baseline", keys_file)
+        session.start("org.norvix.empty", build / "bench/empty_service")
         session.start_daemon(*files)
         yield session, folder, keys.splitlines()
 

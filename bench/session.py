@@ -3,10 +3,17 @@
 import argparse
 import os
 import subprocess
+import sys
+import time
 from pathlib import Path
+
+from gi.repository import Gio, GLib
 
 ROOT = Path(__file__).resolve().parents[1]
 RESULTS = ROOT / "build/bench"
+BUS = "org.freedesktop.DBus"
+DAEMON = "org.norvix.preset"
+PATIENCE = 60  # seconds until a program must own its name
 
 
 def numbers(text):
@@ -35,12 +42,19 @@ class Session:
     """A private bus and the programs on it, which end with it."""
 
     def __init__(self, build):
-        self.build, self.started = build, []
+        self.build, self.started, self.owners = build, [], {}
         self.bus = subprocess.Popen(
             ["dbus-daemon", f"--config-file={ROOT}/tests/service/bus.conf", "--nofork",
              "--print-address"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
-        self.environment = {**os.environ,
-                            "DBUS_SESSION_BUS_ADDRESS": self.bus.stdout.readline().strip()}
+        address = self.bus.stdout.readline().strip()
+        self.environment = {**os.environ, "DBUS_SESSION_BUS_ADDRESS": address}
+        self.connection = Gio.DBusConnection.new_for_address_sync(
+            address, Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT
+            | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION, None, None)
+        self.connection.signal_subscribe(
+            BUS, BUS, "NameOwnerChanged", None, "org.norvix",
+            Gio.DBusSignalFlags.MATCH_ARG0_NAMESPACE, self._note_owner)
+        self.call(BUS, "GetId")  # once it is answered, the bus knows of the subscription
 
     def __enter__(self):
         return self
@@ -49,29 +63,45 @@ class Session:
         for process in reversed(self.started):
             process.kill()
             process.wait()
-            process.stdout.close()
+        self.connection.close_sync(None)
         self.bus.terminate()  # which lets it remove its socket
         self.bus.wait()
         self.bus.stdout.close()
 
-    def start(self, program, *arguments):
-        process = subprocess.Popen([self.build / program, *arguments], env=self.environment,
-                                   stdout=subprocess.PIPE, text=True)
+    def _note_owner(self, *signal):
+        name, _, owner = signal[-1].unpack()
+        self.owners[name] = owner
+
+    def call(self, service, method, arguments=None, path="/"):
+        """Calls a method of the interface that has the service's name."""
+        self.connection.call_sync(service, path, service, method, arguments, None, 0, -1, None)
+
+    def wait_for_name(self, name, process, owned=True):
+        """Waits until a process owns a name, or nobody does any more."""
+        deadline = time.monotonic() + PATIENCE
+        look = GLib.timeout_add(100, lambda: True)  # the end of the process is no event here
+        while bool(self.owners.get(name)) != owned:
+            GLib.MainContext.default().iteration(True)
+            if owned and process.poll() is not None:
+                sys.exit(f"bench: {process.args[0]} ended before it owned {name}")
+            if time.monotonic() > deadline:
+                sys.exit(f"bench: the owner of {name} does not change")
+        GLib.source_remove(look)
+
+    def start(self, name, *command):
+        """Starts a service. Returns its process as soon as it owns its name."""
+        process = subprocess.Popen(command, env=self.environment, close_fds=False)
         self.started.append(process)
+        self.wait_for_name(name, process)
         return process
 
-    def start_service(self, program, *arguments):
-        """Starts a program that says "ready" when it can be called."""
-        if self.start(program, *arguments).stdout.readline() != "ready\n":
-            raise RuntimeError(f"{program} did not start")
-
-    def start_daemon(self, *arguments):
-        """Starts the daemon, and returns its process when it can be called."""
-        process = self.start("morvane", "--debug", *arguments)
-        self.run("gdbus", "wait", "--session", "--timeout=60", "org.norvix.preset")
-        return process
+    def start_daemon(self, *arguments, under=()):
+        """Starts the daemon, `under` the command of another program."""
+        return self.start(DAEMON, *under, self.build / "morvane", "--debug", *arguments)
 
     def run(self, *command):
         """Runs a program to its end. Returns what it printed."""
-        return subprocess.run(command, env=self.environment, check=True, stdout=subprocess.PIPE,
-                              text=True).stdout
+        done = subprocess.run(command, env=self.environment, stdout=subprocess.PIPE, text=True)
+        if done.returncode != 0:
+            sys.exit(f"bench: {command[0]} failed")
+        return done.stdout

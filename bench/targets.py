@@ -47,14 +47,6 @@ def start_ratio(startup):
                  for row in startup.get("growth", ()) if row["parameters"] >= FROM_PARAMETERS)
 
 
-def fixed_part(startup, least, column):
-    """What a start takes longer than the program `least`; 0 is passed, 1 computed."""
-    if "fixed" not in startup:
-        return NOT_MEASURED
-    pairs = zip(startup["fixed"]["daemon"], startup["fixed"][least])
-    return statistics.median(ours[column] - theirs[column] for ours, theirs in pairs), ""
-
-
 def growth(requests, operation):
     return next(((row["ratio"], "") for row in requests.get("growth", ())
                  if row["process"] == "daemon" and row["operation"] == operation
@@ -93,10 +85,6 @@ def request_targets(requests):
 
 def start_targets(startup):
     yield ("start, computing against the bare program", 0.8, "", start_ratio(startup))
-    for least, name in (("linked", "with the same libraries"), ("static", "that is static")):
-        for column, what in ((0, "time"), (1, "computing")):
-            yield (f"start, fixed part, {what} over an exec {name}", 2, " ms",
-                   fixed_part(startup, least, column))
 
 
 def size_targets(memory, sizes):
