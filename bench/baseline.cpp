@@ -1,9 +1,9 @@
-// baseline: the least that a store and a load can cost, directly on libdbus: the same calls of the
-// Parameter Handler, the same file with the same renames and syncs, and nothing else. It has one
-// preset, with the sorted keys of the file KEYS, and serves as org.norvix.baseline what the daemon
+// baseline: the least that a request can cost, directly on libdbus: the same calls of the Parameter
+// Handler, the same file with the same renames and syncs, and nothing else. It has the one preset
+// PRESET, with the sorted keys of the file KEYS, and serves as org.norvix.baseline what the daemon
 // serves.
 //
-// Usage: baseline KEYS
+// Usage: baseline PRESET KEYS
 
 #include "bus.h"
 
@@ -11,7 +11,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
+#include <functional>
 
 namespace {
 
@@ -40,30 +42,46 @@ void onCommitted(DBusPendingCall* pending, void* data) {
 
 class Baseline {
 public:
-    Baseline(DBusConnection* bus, const char* keysFile) : bus_(bus), keys_(readLines(keysFile)) {
+    Baseline(DBusConnection* bus, const char* preset, const char* keysFile)
+        : bus_(bus),
+          preset_(preset),
+          keys_(readLines(keysFile)) {
         for (const auto& key : keys_)
             keyTexts_.push_back(key.c_str());
     }
 
     void serve(const Message& request) {
-        const std::string_view method = dbus_message_get_member(request.get());
-        const char* preset = "";
-        const char* path = "";
-        dbus_message_get_args(request.get(), nullptr, DBUS_TYPE_STRING, &preset, DBUS_TYPE_STRING,
-                              &path, DBUS_TYPE_INVALID);
-        if (method == "store")
-            store(path);
-        else if (method == "load_default")
-            loadDefault();
-        else
-            load(path, method == "load_with_default");
+        dbus_bool_t success = perform(request) ? TRUE : FALSE;
         const Message reply(dbus_message_new_method_return(request.get()));
-        dbus_bool_t success = TRUE;
         dbus_message_append_args(reply.get(), DBUS_TYPE_BOOLEAN, &success, DBUS_TYPE_INVALID);
         dbus_connection_send(bus_, reply.get(), nullptr);
     }
 
 private:
+    bool perform(const Message& request) {
+        const std::string_view method = dbus_message_get_member(request.get());
+        DBusMessageIter arguments;
+        dbus_message_iter_init(request.get(), &arguments);
+        const bool isPreset = preset_ == readString(arguments);
+        if (method == "is_preset")
+            return isPreset;
+        if (method == "in_preset")
+            return isPreset && hasAny(readStrings(arguments));
+        if (method == "load_default")
+            loadDefault();
+        else if (method == "store")
+            store(readString(arguments));
+        else
+            load(readString(arguments), method == "load_with_default");
+        return true;
+    }
+
+    bool hasAny(const std::vector<const char*>& keys) const {
+        return std::ranges::any_of(keys, [this](const char* key) {
+            return std::binary_search(keys_.begin(), keys_.end(), key, std::less<>());
+        });
+    }
+
     dbus_uint32_t start() { return readNumber(call(bus_, handlerCall("start"))); }
 
     static Message inTransaction(const char* method, dbus_uint32_t transaction) {
@@ -173,6 +191,7 @@ private:
     }
 
     DBusConnection* bus_;
+    std::string_view preset_;
     std::vector<std::string> keys_;
     std::vector<const char*> keyTexts_;
 };
@@ -180,10 +199,10 @@ private:
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2)
-        giveUp("usage: baseline KEYS");
+    if (argc != 3)
+        giveUp("usage: baseline PRESET KEYS");
     DBusConnection* const bus = connect();
-    Baseline baseline(bus, argv[1]);
+    Baseline baseline(bus, argv[1], argv[2]);
     own(bus, "org.norvix.baseline");
     // Answers of calls without waiting are dispatched, calls are served.
     const auto serve = [](DBusConnection*, DBusMessage* message, void* data) {

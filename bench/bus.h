@@ -19,8 +19,8 @@ struct MessageReleaser {
 using Message = std::unique_ptr<DBusMessage, MessageReleaser>;
 
 /// Ends the process with a word about what went wrong.
-[[noreturn]] inline void giveUp(const char* what) {
-    std::fprintf(stderr, "bench: %s\n", what);
+[[noreturn]] inline void giveUp(const std::string& what) {
+    std::fprintf(stderr, "bench: %s\n", what.c_str());
     std::exit(EXIT_FAILURE);
 }
 
@@ -76,30 +76,24 @@ inline dbus_uint32_t readNumber(const Message& reply) {
     return number;
 }
 
-/// Reads a list of strings at a place of a message and goes on to the next argument.
-/// @return pointers into the message.
+/// Reads a string at a place of a message and goes on to the next argument.
+/// @return a pointer into the message.
+inline const char* readString(DBusMessageIter& arguments) {
+    const char* text = nullptr;
+    dbus_message_iter_get_basic(&arguments, &text);
+    dbus_message_iter_next(&arguments);
+    return text;
+}
+
+/// Reads a list of strings in the same way.
 inline std::vector<const char*> readStrings(DBusMessageIter& arguments) {
     std::vector<const char*> texts;
     DBusMessageIter list;
-    for (dbus_message_iter_recurse(&arguments, &list);
-         dbus_message_iter_get_arg_type(&list) == DBUS_TYPE_STRING; dbus_message_iter_next(&list)) {
-        const char* text = nullptr;
-        dbus_message_iter_get_basic(&list, &text);
-        texts.push_back(text);
-    }
+    dbus_message_iter_recurse(&arguments, &list);
+    while (dbus_message_iter_get_arg_type(&list) == DBUS_TYPE_STRING)
+        texts.push_back(readString(list));
     dbus_message_iter_next(&arguments);
     return texts;
-}
-
-/// Hands every method call to `serve`, which answers it, until the bus is gone.
-template <typename Serve>
-void serveCalls(DBusConnection* bus, Serve serve) {
-    while (dbus_connection_read_write(bus, -1) != FALSE) {
-        while (const Message message{dbus_connection_pop_message(bus)}) {
-            if (dbus_message_get_type(message.get()) == DBUS_MESSAGE_TYPE_METHOD_CALL)
-                serve(message);
-        }
-    }
 }
 
 /// The lines of a file without their line feeds.

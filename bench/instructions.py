@@ -13,7 +13,7 @@ counts what the handler of its method does, with the calls of the Parameter Hand
 the dispatch of the request, its answer, or the end of a transaction after its commit. Of several
 requests the median counts, without the first, which warms everything up.
 
-Runs of one build differ, on an idle machine as on a busy one, by up to 0.02 % for a store and
+Runs of one build differ, on an idle machine as on a busy one, by up to 0.2 % for a store and
 1.5 % for a start-up and a load: messages arrive in other pieces, memory lies elsewhere. A folder
 for temporary files with a longer path made 1 %. Processors may differ more, by the variants of
 memcpy() and its like that the C library picks for them.
@@ -26,14 +26,12 @@ import shutil
 import statistics
 import subprocess
 import sys
-import tempfile
 from pathlib import Path
 
 from gi.repository import GLib
 
 import definitions
 from definitions import PRESET
-from requests import keep_half, running_services, samples_of
 from session import DAEMON, ROOT, Session
 
 KEPT = ROOT / "bench/instructions.txt"
@@ -67,36 +65,19 @@ def counts_of(folder, trigger, number):
     return [counts[part] for part in sorted(counts)]
 
 
-class CountedSession(Session):
-    """A session that counts the requests of the daemon: what the handler of a method does, written
-    out behind the function that unpacks its arguments. Both are called through the table of
-    methods, which keeps the linker from merging them into others."""
-
-    UNPACKED = "after=dbus_glib_marshal_value_object_BOOLEAN__STRING_STRING_POINTER_POINTER"
-
-    def __init__(self, build):
-        super().__init__(build)
-        self.counts = tempfile.TemporaryDirectory()
-
-    def __exit__(self, *reason):
-        super().__exit__(*reason)
-        self.counts.cleanup()
-
-    def start_daemon(self, *arguments):
-        handlers = [f"value_object_{method}(*" for method in METHODS]
-        return super().start_daemon(*arguments, under=callgrind(self.counts.name, handlers,
-                                                                [f"{self.UNPACKED}*"]))
-
-
 def count_requests(build, size):
-    """The counts of each request of `size` keys, by name."""
-    with running_services(build, size, CountedSession) as (session, folder, _):
+    """The counts of each request of `size` keys, by name: of what the handler of a method does,
+    written out behind the function that unpacks its arguments. Both are called through the table of
+    methods, which keeps the linker from merging them into others."""
+    unpacked = "after=dbus_glib_marshal_value_object_BOOLEAN__STRING_STRING_POINTER_POINTER"
+    handlers = [f"value_object_{method}(*" for method in METHODS]
+    with Session(build) as session:
+        session.start_daemon_with_keys(size, callgrind(session.folder, handlers, [f"{unpacked}*"]))
         for method in METHODS:
             if method == "load_with_default":
-                keep_half(folder)
-            samples_of(session, ROUNDS - 1, method, folder / "file.")
-        counts = iter(counts_of(Path(session.counts.name), session.UNPACKED,
-                                ROUNDS * len(METHODS)))
+                session.keep_half()
+            session.request(method, ROUNDS)
+        counts = iter(counts_of(session.folder, unpacked, ROUNDS * len(METHODS)))
         return {f"{method}_{size}":
                 round(statistics.median([next(counts) for _ in range(ROUNDS)][1:]))
                 for method in METHODS}
@@ -104,17 +85,16 @@ def count_requests(build, size):
 
 def count_start_up(build):
     """The count of a start with 1,000 parameters, and 10 indexed ones of 1,000 keys."""
-    with tempfile.TemporaryDirectory() as name, Session(build) as session:
-        folder = Path(name)
-        parameters, presets = definitions.write_keys(folder, 1000)
+    with Session(build) as session:
+        parameters, presets = definitions.write_keys(session.folder, 1000)
         with parameters.open("a") as text:
             text.writelines(f"plain{n:04}Level rw {{ rangeValid {{ -60..12 }} default {{ 0 }} }}\n"
                             for n in range(PLAIN_PARAMETERS))
-        session.start_daemon(parameters, presets,
-                             under=callgrind(folder, ["main"], ["before=g_main_loop_run"]))
+        under = callgrind(session.folder, ["main"], ["before=g_main_loop_run"])
+        session.start_daemon(parameters, presets, under=under)
         # Its answer comes from within the main loop.
         session.call(DAEMON, "is_preset", GLib.Variant("(s)", (PRESET,)), "/preset")
-        return {START_UP: counts_of(folder, "before=g_main_loop_run", 1)[0]}
+        return {START_UP: counts_of(session.folder, "before=g_main_loop_run", 1)[0]}
 
 
 def output_of(*command):

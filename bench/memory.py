@@ -10,7 +10,6 @@ import time
 from pathlib import Path
 
 import definitions
-from definitions import PRESET
 from report import Report
 from session import ROOT, Session, parse_options
 
@@ -54,11 +53,10 @@ def start_daemon(session, *arguments):
     return process
 
 
-def request(session, process, method, path):
+def request(session, process, method):
     """Calls the daemon; returns the most that was resident meanwhile, in bytes."""
     process.reset_peak()
-    session.run("gdbus", "call", "--session", "--timeout=600", "--dest=org.norvix.preset",
-                "--object-path=/preset", f"--method=org.norvix.preset.{method}", PRESET, path)
+    session.request(method)
     return process.peak()
 
 
@@ -67,16 +65,13 @@ def resident_at_rest(options, files, *arguments):
         return start_daemon(session, *files, *arguments).resident()
 
 
-def sizes_with(options, folder, size):
+def sizes_with(options, size):
     """Resident bytes of the daemon in each of STATES, with a preset of `size` keys."""
-    files = definitions.write_keys(folder, size)
-    keys = folder / "keys"
-    keys.write_text(definitions.list_keys(options.build, files, PRESET))
     with Session(options.build) as session:
-        session.start("org.norvix.transaction", options.build / "bench/lean_handler", keys)
-        process = start_daemon(session, *files)
-        sizes = [process.resident(), request(session, process, "store", folder / "file"),
-                 request(session, process, "load", folder / "file")]
+        process = Process(session.start_daemon_with_keys(size).pid)
+        time.sleep(REST_SECONDS)
+        sizes = [process.resident(), request(session, process, "store"),
+                 request(session, process, "load")]
         time.sleep(REST_SECONDS)
         return dict(zip(STATES, [*sizes, process.resident()]))
 
@@ -98,8 +93,7 @@ def measure_sizes(report, options):
                 "afterwards, MiB", "idle, bytes/key", "store", "load", "afterwards")
     measured = report.data["sizes"] = []
     for size in options.memory_sizes:
-        with tempfile.TemporaryDirectory() as folder:
-            resident = sizes_with(options, Path(folder), size)
+        resident = sizes_with(options, size)
         per_key = {state: (resident[state] - empty) / size for state in STATES}
         measured.append({"keys": size, "resident": resident, "per_key": per_key})
         report.row(size, *(mebibytes(resident[state]) for state in STATES),

@@ -18,8 +18,9 @@ def spread(values, digits=3):
 
 
 def ratios(pairs):
-    """The ratios of neighbouring samples."""
-    return [a / b for a, b in pairs]
+    """The ratios of neighbouring samples. A virtual machine that had to wait for its processor may
+    have given a call of microseconds no CPU time at all."""
+    return [a / b for a, b in pairs if b > 0]
 
 
 class Report:

@@ -1,159 +1,223 @@
-// request_client: calls services in turns and measures each call.
+// request_client: calls services, interleaved, and measures each call. While it waits it is itself
+// their Parameter Handler, one that costs as little as it can: it has the keys of the file KEYS,
+// each with a value, and knows no definitions, conditions or transactions: what is set is set at
+// once.
 //
-// Usage: request_client ROUNDS store|load|load_with_default|load_default PRESET FILE
-//        request_client ROUNDS is_preset|in_preset PRESET KEY
+// Usage: request_client KEYS ROUNDS METHOD PRESET FILE|KEY SERVICE...
 //
-// The first form calls the daemon and the baseline. Each has a file of its own, FILE with the
-// service's name behind it. Prints a line for each round: the time that the client waits for the
-// daemon and that the daemon computes, and the same of the baseline, in nanoseconds.
-//
-// The second form prints the times that the client waits for the daemon's process to answer a ping,
-// which libdbus does by itself, then for the daemon, for the empty service, and for the daemon
-// again. So a call of the daemon is behind one of the same process when it is compared with a ping,
-// which is so too, and behind one of another process when it is compared with the empty service.
-// KEY is asked for by in_preset.
+// in_preset is called with PRESET and KEY, is_preset and load_default with PRESET alone, all other
+// methods with PRESET and FILE. Prints a line for each round: for each SERVICE the elapsed time of
+// the call and the CPU time that the service spends on it, in nanoseconds.
 
 #include "bus.h"
 
 #include <chrono>
 #include <fstream>
 #include <iterator>
-#include <thread>
+#include <unordered_map>
 
 namespace {
 
 using namespace morvane::bench;
 using Clock = std::chrono::steady_clock;
 
-constexpr const char* daemon_name = "org.norvix.preset";
 constexpr std::chrono::milliseconds nap{1};
-constexpr std::chrono::seconds patience{60};
+constexpr std::chrono::seconds patience{120}; // under callgrind, too
 
-Message preset_call(const char* service, const char* method, const char* preset) {
-    Message message(dbus_message_new_method_call(service, "/preset", "org.norvix.preset", method));
-    append(message.get(), preset);
-    return message;
-}
-
-/// Waits for the reply, which must be TRUE, or be empty.
-std::int64_t waiting_time(DBusConnection* bus, const Message& request) {
-    const auto start = Clock::now();
-    const auto reply = call(bus, request);
-    const auto waited = Clock::now() - start;
-    dbus_bool_t success = TRUE;
-    dbus_message_get_args(reply.get(), nullptr, DBUS_TYPE_BOOLEAN, &success, DBUS_TYPE_INVALID);
-    if (success == FALSE)
-        giveUp("a service answered FALSE");
-    return std::chrono::nanoseconds(waited).count();
-}
-
-struct Sample {
-    std::int64_t waiting;
-    std::uint64_t computing;
-};
-
-/// A service that stores and loads.
-class Service {
+/// What the Parameter Handler has, and answers.
+class Handler {
 public:
-    Service(DBusConnection* bus, const char* name) : bus_(bus), name_(name) {
-        const Message message(dbus_message_new_method_call(
-            DBUS_SERVICE_DBUS, DBUS_PATH_DBUS, DBUS_INTERFACE_DBUS, "GetConnectionUnixProcessID"));
-        append(message.get(), name_);
-        process_ = "/proc/" + std::to_string(readNumber(call(bus_, message)));
+    explicit Handler(const char* keysFile) {
+        for (auto& key : readLines(keysFile))
+            values_.emplace(std::move(key), "-60");
     }
 
-    Sample measure(const std::string& method, const char* preset, const std::string& file) const {
-        const auto request = preset_call(name_, method.c_str(), preset);
-        if (method != "load_default")
-            append(request.get(), (file + name_).c_str());
-        const auto computed = computing_time();
-        const auto waited = waiting_time(bus_, request);
-        settle();
-        return {waited, computing_time() - computed};
+    /// How many transactions have not ended.
+    dbus_uint32_t openTransactions() const { return started_ - ended_; }
+
+    Message answer(const Message& call) {
+        const std::string_view method = dbus_message_get_member(call.get());
+        Message reply(dbus_message_new_method_return(call.get()));
+        DBusMessageIter arguments;
+        dbus_message_iter_init(call.get(), &arguments);
+        if (method == "start") {
+            append(reply.get(), ++started_);
+        } else if (method == "end") {
+            ++ended_;
+        } else if (method == "get_bulk") {
+            dbus_message_iter_next(&arguments); // the transaction
+            dbus_message_iter_next(&arguments); // the option
+            get(arguments, reply.get());
+        } else if (method.starts_with("set") && method.ends_with("bulk")) {
+            dbus_message_iter_next(&arguments); // the transaction
+            set(arguments);
+        }
+        return reply;
     }
 
 private:
-    // What comes after the answer counts for this call: the end of the transaction, and whatever
-    // the process does until it sleeps. Nothing is asked of the process, for that would count too.
-    void settle() const {
-        const Message open(dbus_message_new_method_call("org.norvix.transaction", "/transaction",
-                                                        "org.norvix.transaction",
-                                                        "open_transactions"));
-        const auto end = Clock::now() + patience;
-        bool at_rest = false;
-        while (!at_rest) {
-            const Message question(dbus_message_copy(open.get()));
-            at_rest = readNumber(call(bus_, question)) == 0;
-            std::this_thread::sleep_for(nap); // in which the handler's last answer arrives
-            at_rest = at_rest && asleep();
-            if (Clock::now() > end)
-                giveUp("a service does not come to rest");
+    void get(DBusMessageIter& arguments, DBusMessage* reply) {
+        std::vector<const char*> texts = readStrings(arguments);
+        for (auto& text : texts)
+            text = values_[text].c_str();
+        append(reply, texts);
+    }
+
+    void set(DBusMessageIter& arguments) {
+        const auto keys = readStrings(arguments);
+        const auto values = readStrings(arguments);
+        for (std::size_t i = 0; i < keys.size(); ++i)
+            values_[keys[i]] = values[i];
+    }
+
+    dbus_uint32_t started_ = 0;
+    dbus_uint32_t ended_ = 0;
+    std::unordered_map<std::string, std::string> values_;
+};
+
+/// The connection over which services are called, and call their Parameter Handler.
+class Client {
+public:
+    Client(DBusConnection* bus, const char* keysFile) : bus_(bus), handler_(keysFile) {}
+
+    /// Sends a call, and serves those that arrive until its reply does, which may be an error.
+    Message call(const Message& request) {
+        dbus_uint32_t serial = 0;
+        dbus_connection_send(bus_, request.get(), &serial);
+        for (const auto end = Clock::now() + patience; Clock::now() < end; wait(patience)) {
+            while (Message message{dbus_connection_pop_message(bus_)}) {
+                if (dbus_message_get_reply_serial(message.get()) == serial)
+                    return message;
+                serve(message);
+            }
         }
+        giveUp("a service does not answer");
     }
 
-    bool asleep() const {
-        std::ifstream file(process_ + "/stat");
-        const std::string text(std::istreambuf_iterator<char>(file), {});
-        const auto name_end = text.rfind(") ");
-        if (name_end == std::string::npos)
-            giveUp("cannot read the state of a process");
-        return text[name_end + 2] == 'S';
+    /// Whether no transaction is open, and none was while nothing arrived for a nap.
+    bool isQuiet() {
+        wait(nap);
+        bool quiet = handler_.openTransactions() == 0;
+        while (const Message message{dbus_connection_pop_message(bus_)}) {
+            serve(message);
+            quiet = false;
+        }
+        return quiet;
     }
 
-    std::uint64_t computing_time() const {
-        std::uint64_t nanoseconds = 0;
-        if (!(std::ifstream(process_ + "/schedstat") >> nanoseconds))
-            giveUp("cannot read the computing time of a process");
-        return nanoseconds;
+private:
+    void wait(std::chrono::milliseconds limit) {
+        if (dbus_connection_read_write(bus_, static_cast<int>(limit.count())) == FALSE)
+            giveUp("the bus is gone");
+    }
+
+    void serve(const Message& message) {
+        if (dbus_message_get_type(message.get()) == DBUS_MESSAGE_TYPE_METHOD_CALL)
+            dbus_connection_send(bus_, handler_.answer(message).get(), nullptr);
     }
 
     DBusConnection* bus_;
+    Handler handler_;
+};
+
+struct Arguments {
+    std::string method;
+    const char* preset;
+    const char* fileOrKey;
+
+    bool isQuestion() const { return method.ends_with("_preset"); }
+};
+
+class Service {
+public:
+    Service(DBusConnection* bus, const char* name) : name_(name) {
+        const Message message(dbus_message_new_method_call(
+            DBUS_SERVICE_DBUS, DBUS_PATH_DBUS, DBUS_INTERFACE_DBUS, "GetConnectionUnixProcessID"));
+        append(message.get(), name_);
+        process_ = "/proc/" + std::to_string(readNumber(call(bus, message)));
+    }
+
+    /// Measures a call, and prints its elapsed and its CPU time.
+    void measure(Client& client, const Arguments& arguments) const {
+        const auto request = requestOf(arguments);
+        const auto cpuBefore = cpuTime();
+        const auto begin = Clock::now();
+        const auto reply = client.call(request);
+        const std::chrono::nanoseconds elapsed = Clock::now() - begin;
+        requireTrue(reply);
+        settle(client, arguments.isQuestion());
+        std::printf("%lld %lld ", static_cast<long long>(elapsed.count()), cpuTime() - cpuBefore);
+    }
+
+private:
+    Message requestOf(const Arguments& arguments) const {
+        Message message(dbus_message_new_method_call(name_, "/preset", "org.norvix.preset",
+                                                     arguments.method.c_str()));
+        append(message.get(), arguments.preset);
+        if (arguments.method == "in_preset")
+            append(message.get(), std::span(&arguments.fileOrKey, 1));
+        else if (arguments.method != "is_preset" && arguments.method != "load_default")
+            append(message.get(), arguments.fileOrKey);
+        return message;
+    }
+
+    void requireTrue(const Message& reply) const {
+        dbus_bool_t success = FALSE;
+        DBusError error = DBUS_ERROR_INIT;
+        if (dbus_set_error_from_message(&error, reply.get()) != FALSE ||
+            dbus_message_get_args(reply.get(), &error, DBUS_TYPE_BOOLEAN, &success,
+                                  DBUS_TYPE_INVALID) == FALSE)
+            giveUp(std::string(name_) + " answered with an error: " + error.message);
+        if (success == FALSE)
+            giveUp(std::string(name_) + " answered FALSE");
+    }
+
+    // What comes after the answer counts for this call: the end of the transaction, unless it was a
+    // question, which has none, and whatever the process does until it sleeps. Nothing is asked of
+    // the process, for that would count too.
+    void settle(Client& client, bool isQuestion) const {
+        const auto end = Clock::now() + patience;
+        while (!(isQuestion || client.isQuiet()) || !isAsleep()) {
+            if (Clock::now() > end)
+                giveUp(std::string(name_) + " does not come to rest");
+        }
+    }
+
+    bool isAsleep() const {
+        std::ifstream file(process_ + "/stat");
+        const std::string text(std::istreambuf_iterator<char>(file), {});
+        const auto nameEnd = text.rfind(") ");
+        if (nameEnd == std::string::npos)
+            giveUp(std::string(name_) + " has ended");
+        return text[nameEnd + 2] == 'S';
+    }
+
+    // In nanoseconds. Each service has one thread.
+    long long cpuTime() const {
+        long long time = 0;
+        if (!(std::ifstream(process_ + "/schedstat") >> time))
+            giveUp(std::string(name_) + " has ended");
+        return time;
+    }
+
     const char* name_;
     std::string process_;
 };
 
-void measure_requests(DBusConnection* bus, long rounds, char** arguments) {
-    const Service daemon(bus, daemon_name);
-    const Service baseline(bus, "org.norvix.baseline");
-    for (; rounds > 0; --rounds) {
-        const auto a = daemon.measure(arguments[0], arguments[1], arguments[2]);
-        const auto b = baseline.measure(arguments[0], arguments[1], arguments[2]);
-        std::printf("%lld %llu %lld %llu\n", static_cast<long long>(a.waiting),
-                    static_cast<unsigned long long>(a.computing), static_cast<long long>(b.waiting),
-                    static_cast<unsigned long long>(b.computing));
-    }
-}
-
-void measure_round_trips(DBusConnection* bus, long rounds, char** arguments) {
-    const std::string_view method = arguments[0];
-    const auto question = [&](const char* service) {
-        auto message = preset_call(service, arguments[0], arguments[1]);
-        if (method == "in_preset")
-            append(message.get(), std::span<const char* const>(arguments + 2, 1));
-        return message;
-    };
-    for (; rounds > 0; --rounds) {
-        const Message ping(
-            dbus_message_new_method_call(daemon_name, "/", DBUS_INTERFACE_PEER, "Ping"));
-        const auto pinged = waiting_time(bus, ping);
-        const auto behind_ping = waiting_time(bus, question(daemon_name));
-        const auto empty = waiting_time(bus, question("org.norvix.empty"));
-        const auto behind_empty = waiting_time(bus, question(daemon_name));
-        std::printf("%lld %lld %lld %lld\n", static_cast<long long>(pinged),
-                    static_cast<long long>(behind_ping), static_cast<long long>(empty),
-                    static_cast<long long>(behind_empty));
-    }
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 5)
-        giveUp("usage: request_client ROUNDS METHOD PRESET FILE|KEY");
+    if (argc < 7)
+        giveUp("usage: request_client KEYS ROUNDS METHOD PRESET FILE|KEY SERVICE...");
     DBusConnection* const bus = connect();
-    const auto rounds = std::strtol(argv[1], nullptr, 10);
-    if (std::string_view(argv[2]).ends_with("_preset"))
-        measure_round_trips(bus, rounds, argv + 2);
-    else
-        measure_requests(bus, rounds, argv + 2);
+    std::vector<Service> services;
+    for (char** name = argv + 6; *name != nullptr; ++name)
+        services.emplace_back(bus, *name);
+    Client client(bus, argv[1]);
+    own(bus, "org.norvix.transaction");
+    for (auto round = std::strtol(argv[2], nullptr, 10); round > 0; --round) {
+        for (const auto& service : services)
+            service.measure(client, {argv[3], argv[4], argv[5]});
+        std::printf("\n");
+    }
 }

@@ -4,10 +4,14 @@ import argparse
 import os
 import subprocess
 import sys
+import tempfile
 import time
 from pathlib import Path
 
 from gi.repository import Gio, GLib
+
+import definitions
+from definitions import PRESET
 
 ROOT = Path(__file__).resolve().parents[1]
 RESULTS = ROOT / "build/bench"
@@ -33,16 +37,18 @@ def parse_options(description):
     parser.add_argument("--rounds", type=int, default=15, help="samples of each program")
     parser.add_argument("--large-rounds", type=int, default=5,
                         help="samples above 100,000 keys and from 100,000 parameters on")
-    parser.add_argument("--trips", type=int, default=2000, help="samples of each round trip")
     parser.add_argument("--build", type=Path, default=ROOT / "build-bench", help="build folder")
     return parser.parse_args()
 
 
 class Session:
-    """A private bus and the programs on it, which end with it."""
+    """A private bus, the programs on it and a folder for their files, which end with it."""
 
     def __init__(self, build):
         self.build, self.started, self.owners = build, [], {}
+        self.temporary = tempfile.TemporaryDirectory()
+        self.folder = Path(self.temporary.name)
+        self.keys, self.file = self.folder / "keys", self.folder / "file"
         self.bus = subprocess.Popen(
             ["dbus-daemon", f"--config-file={ROOT}/tests/service/bus.conf", "--nofork",
              "--print-address"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
@@ -67,6 +73,7 @@ class Session:
         self.bus.terminate()  # which lets it remove its socket
         self.bus.wait()
         self.bus.stdout.close()
+        self.temporary.cleanup()
 
     def _note_owner(self, *signal):
         name, _, owner = signal[-1].unpack()
@@ -98,6 +105,28 @@ class Session:
     def start_daemon(self, *arguments, under=()):
         """Starts the daemon, `under` the command of another program."""
         return self.start(DAEMON, *under, self.build / "morvane", "--debug", *arguments)
+
+    def start_daemon_with_keys(self, size, under=()):
+        """Starts the daemon with PRESET, of as many keys, which are listed in the file `keys`."""
+        files = definitions.write_keys(self.folder, size)
+        self.keys.write_text(definitions.list_keys(self.build, files, PRESET))
+        return self.start_daemon(*files, under=under)
+
+    def request(self, method, rounds=1, services=(DAEMON,)):
+        """Calls a method of services, interleaved, with PRESET and `file`, or a key. Returns a row
+        for each round: elapsed and CPU time, in nanoseconds, of each service."""
+        argument = self.file
+        if method == "in_preset":
+            keys = self.keys.read_text().splitlines()
+            argument = keys[len(keys) // 2]
+        output = self.run(self.build / "bench/request_client", self.keys, str(rounds), method,
+                          PRESET, argument, *services)
+        return [tuple(map(int, line.split())) for line in output.splitlines()]
+
+    def keep_half(self):
+        """Takes every second line out of the stored file."""
+        lines = self.file.read_text().splitlines(keepends=True)
+        self.file.write_text("".join(lines[::2]))
 
     def run(self, *command):
         """Runs a program to its end. Returns what it printed."""
