@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Counts the instructions of the daemon with callgrind and compares them with kept numbers.
 
-Usage: bench/instructions.py [--keep] [--build FOLDER]
+Usage: bench/instructions.py [--keep]
 
 Prints a table: for each name the kept number of instructions, the number now, the change in percent
 and, of a request, the instructions for each key. Kept numbers are those of bench/instructions.txt;
@@ -24,15 +24,12 @@ import os
 import re
 import shutil
 import statistics
-import subprocess
 import sys
-from pathlib import Path
 
 from gi.repository import GLib
 
-import definitions
-from definitions import PRESET
-from session import DAEMON, ROOT, Session
+from measuring import (BUILD, DAEMON, PRESET, ROOT, Session, output_of, print_head, print_row,
+                       write_keys)
 
 KEPT = ROOT / "bench/instructions.txt"
 HEAD = "# Written by bench/instructions.py --keep: name, instructions, instructions for each key.\n"
@@ -46,7 +43,7 @@ PLAIN_PARAMETERS = 1000
 def callgrind(folder, collect, dumps):
     """The words before a command that count the instructions within the functions `collect`, and
     write them to a file of `folder` at each of `dumps`. A function may be in one of them only."""
-    valgrind = shutil.which("valgrind") or sys.exit("instructions: valgrind is not installed")
+    valgrind = shutil.which("valgrind") or sys.exit("bench: valgrind is not installed")
     return [valgrind, "--quiet", "--vgdb=no", "--tool=callgrind",
             f"--callgrind-out-file={folder}/counts",
             *(f"--toggle-collect={function}" for function in collect),
@@ -61,17 +58,17 @@ def counts_of(folder, trigger, number):
         if f"\ndesc: Trigger: --dump-{trigger}" in text:
             counts[int(path.suffix[1:])] = int(re.search(r"^totals: (\d+)$", text, re.M)[1])
     if len(counts) != number or 0 in counts.values():
-        sys.exit(f"instructions: not {number} counts of {trigger}, but {list(counts.values())}")
+        sys.exit(f"bench: not {number} counts of {trigger}, but {list(counts.values())}")
     return [counts[part] for part in sorted(counts)]
 
 
-def count_requests(build, size):
+def count_requests(size):
     """The counts of each request of `size` keys, by name: of what the handler of a method does,
     written out behind the function that unpacks its arguments. Both are called through the table of
     methods, which keeps the linker from merging them into others."""
     unpacked = "after=dbus_glib_marshal_value_object_BOOLEAN__STRING_STRING_POINTER_POINTER"
     handlers = [f"value_object_{method}(*" for method in METHODS]
-    with Session(build) as session:
+    with Session() as session:
         session.start_daemon_with_keys(size, callgrind(session.folder, handlers, [f"{unpacked}*"]))
         for method in METHODS:
             if method == "load_with_default":
@@ -83,10 +80,10 @@ def count_requests(build, size):
                 for method in METHODS}
 
 
-def count_start_up(build):
+def count_start_up():
     """The count of a start with 1,000 parameters, and 10 indexed ones of 1,000 keys."""
-    with Session(build) as session:
-        parameters, presets = definitions.write_keys(session.folder, 1000)
+    with Session() as session:
+        parameters, presets = write_keys(session.folder, 1000)
         with parameters.open("a") as text:
             text.writelines(f"plain{n:04}Level rw {{ rangeValid {{ -60..12 }} default {{ 0 }} }}\n"
                             for n in range(PLAIN_PARAMETERS))
@@ -97,13 +94,9 @@ def count_start_up(build):
         return {START_UP: counts_of(session.folder, "before=g_main_loop_run", 1)[0]}
 
 
-def output_of(*command):
-    return subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True).stdout
-
-
-def tools_line(build):
+def tools_line():
     """What the numbers depend on besides the sources."""
-    compiler = re.search(r"^CMAKE_CXX_COMPILER:\w+=(.*)$", (build / "CMakeCache.txt").read_text(),
+    compiler = re.search(r"^CMAKE_CXX_COMPILER:\w+=(.*)$", (BUILD / "CMakeCache.txt").read_text(),
                          re.M)[1]
     libraries = [f"{library} {output_of('pkg-config', '--modversion', library).strip()}"
                  for library in ("dbus-1", "dbus-glib-1", "glib-2.0")]
@@ -117,25 +110,23 @@ def each_key(name, count):
 
 
 def print_table(kept, counts):
-    print("| name | kept | now | change, % | each key |\n| --- | --- | --- | --- | --- |")
+    print_head("name", "kept", "now", "change, %", "each key")
     for name, count in counts.items():
         change = f"{100 * (count / kept[name] - 1):+.2f}" if name in kept else ""
-        print(f"| {name} | {kept.get(name, '')} | {count} | {change} | {each_key(name, count)} |")
+        print_row(name, kept.get(name, ""), count, change, each_key(name, count))
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.partition("\n")[0])
     parser.add_argument("--keep", action="store_true", help="rewrite bench/instructions.txt")
-    parser.add_argument("--build", type=Path, default=ROOT / "build-bench", help="build folder")
     options = parser.parse_args()
-    build = options.build.resolve()
     lines = KEPT.read_text().splitlines(keepends=True) if KEPT.exists() else []
     kept = {line.split()[0]: int(line.split()[1]) for line in lines if not line.startswith("#")}
-    counts = count_start_up(build)
+    counts = count_start_up()
     for size in SIZES:
-        counts |= count_requests(build, size)
+        counts |= count_requests(size)
     print_table(kept, counts)
-    tools = tools_line(build)
+    tools = tools_line()
     if kept and tools not in lines:
         print(f"The kept numbers are from other tools than {tools[2:]}", end="")
     if options.keep:

@@ -1,122 +1,122 @@
 #!/usr/bin/python3
-"""Measures what the daemon takes while it runs: memory at rest and at its peak, and time when idle.
+"""Measures what the daemon takes while it runs, resident at rest and at its peak, and when idle.
 
-Memory is resident size; bytes a key are over that of the daemon with almost empty definitions.
+Bytes of a key are over the daemon at rest with the first of the sizes. The size of the program file
+is that without symbols, here and, if it is built, for armhf.
 """
 
 import re
+import subprocess
 import tempfile
 import time
 from pathlib import Path
 
-import definitions
-from report import Report
-from session import ROOT, Session, parse_options
+from measuring import BUILD, ROOT, Session, parse_options, print_head, print_row, print_targets
 
-EXAMPLE_ARGUMENTS = ("variant=studio", "inputs=4", "outputs=2", "delay=500", "region=us",
-                     "options=genlock,hdr")
+EXAMPLES = (ROOT / "examples/parameters.def", ROOT / "examples/presets.def", "variant=studio",
+            "inputs=4", "outputs=2", "delay=500", "region=us", "options=genlock,hdr")
+SMALLEST, LARGEST = 100, 1000000  # keys that have targets
 IDLE_SECONDS = 10
-REST_SECONDS = 0.5  # in which a process that has done its work gives back what it does
-STATES = ("idle", "store", "load", "afterwards")
+REST_SECONDS = 0.5  # in which a process that has its name comes to rest
+PROGRAMS = (("this machine", "strip", BUILD / "morvane"),
+            ("armhf", "arm-linux-gnueabihf-strip", ROOT / "build-armhf/morvane"))
 
 
 class Process:
     """What the system says about a running process."""
 
-    def __init__(self, number):
-        self.folder = Path("/proc") / str(number)
+    def __init__(self, process):
+        self.folder = Path("/proc") / str(process.pid)
+        time.sleep(REST_SECONDS)
 
-    def status(self, field):
-        """A number of the process's status; sizes are in kB."""
-        return int(re.search(rf"^{field}:\s*(\d+)", (self.folder / "status").read_text(), re.M)[1])
-
-    def resident(self):
-        return self.status("VmRSS") * 1024
-
-    def peak(self):
-        return self.status("VmHWM") * 1024
+    def bytes_of(self, field):
+        """VmRSS is what is resident now, VmHWM the most since reset_peak()."""
+        kibibytes = re.search(rf"^{field}:\s*(\d+) kB", (self.folder / "status").read_text(), re.M)
+        return int(kibibytes[1]) * 1024
 
     def reset_peak(self):
         (self.folder / "clear_refs").write_text("5")
 
-    def computing_time(self):
-        """In nanoseconds."""
-        return int((self.folder / "schedstat").read_text().split()[0])
-
-    def switches(self):
-        return self.status("voluntary_ctxt_switches") + self.status("nonvoluntary_ctxt_switches")
+    def work(self):
+        """The CPU time in nanoseconds, and how often the process ran."""
+        cpu, _, runs = map(int, (self.folder / "schedstat").read_text().split())
+        return cpu, runs
 
 
-def start_daemon(session, *arguments):
-    process = Process(session.start_daemon(*arguments).pid)
-    time.sleep(REST_SECONDS)
-    return process
-
-
-def request(session, process, method):
-    """Calls the daemon; returns the most that was resident meanwhile, in bytes."""
-    process.reset_peak()
-    session.request(method)
-    return process.peak()
-
-
-def resident_at_rest(options, files, *arguments):
-    with Session(options.build) as session:
-        return start_daemon(session, *files, *arguments).resident()
-
-
-def sizes_with(options, size):
-    """Resident bytes of the daemon in each of STATES, with a preset of `size` keys."""
-    with Session(options.build) as session:
-        process = Process(session.start_daemon_with_keys(size).pid)
-        time.sleep(REST_SECONDS)
-        sizes = [process.resident(), request(session, process, "store"),
-                 request(session, process, "load")]
-        time.sleep(REST_SECONDS)
-        return dict(zip(STATES, [*sizes, process.resident()]))
-
-
-def mebibytes(size):
-    return f"{size / 2**20:.2f}"
-
-
-def measure_sizes(report, options):
-    with tempfile.TemporaryDirectory() as folder:
-        empty = resident_at_rest(options, definitions.write_almost_empty(Path(folder)))
-    example = resident_at_rest(options, (ROOT / "examples/parameters.def",
-                                         ROOT / "examples/presets.def"), *EXAMPLE_ARGUMENTS)
-    report.data.update(empty=empty, example=example)
-    report.line("\nResident at rest, MiB: "
-                f"{mebibytes(empty)} with almost empty definitions, "
-                f"{mebibytes(example)} with those of examples/.")
-    report.head("keys", "idle, MiB", "peak of a store, MiB", "peak of a load, MiB",
-                "afterwards, MiB", "idle, bytes/key", "store", "load", "afterwards")
-    measured = report.data["sizes"] = []
-    for size in options.memory_sizes:
-        resident = sizes_with(options, size)
-        per_key = {state: (resident[state] - empty) / size for state in STATES}
-        measured.append({"keys": size, "resident": resident, "per_key": per_key})
-        report.row(size, *(mebibytes(resident[state]) for state in STATES),
-                   *(f"{per_key[state]:.1f}" for state in STATES))
-
-
-def measure_idleness(report, options):
-    with tempfile.TemporaryDirectory() as folder, Session(options.build) as session:
-        process = start_daemon(session, *definitions.write_almost_empty(Path(folder)))
-        computed, switched = process.computing_time(), process.switches()
+def measure_examples():
+    with Session() as session:
+        process = Process(session.start_daemon(*EXAMPLES))
+        print(f"\nWith the definitions of examples/: {process.bytes_of('VmRSS') / 2**20:.2f} MiB.")
+        cpu, runs = process.work()
         time.sleep(IDLE_SECONDS)
-        computed = process.computing_time() - computed
-        switched = process.switches() - switched
-    report.data["idle"] = {"seconds": IDLE_SECONDS, "nanoseconds": computed, "switches": switched}
-    report.line(f"\nIn {IDLE_SECONDS} idle seconds: {computed} ns computed, "
-                f"{switched} context switches.")
+        cpu_then, runs_then = process.work()
+        print(f"In {IDLE_SECONDS} idle seconds: {cpu_then - cpu} ns of CPU time, "
+              f"woken {runs_then - runs} times.", flush=True)
+
+
+def measure_size(size):
+    """Bytes with a preset of `size` keys: at rest, at the peak of a store and of a load, and at
+    rest after them."""
+    def peak_of(method):
+        process.reset_peak()
+        session.request(method)
+        return process.bytes_of("VmHWM")
+    with Session() as session:
+        process = Process(session.start_daemon_with_keys(size))
+        return (process.bytes_of("VmRSS"), peak_of("store"), peak_of("load"),
+                process.bytes_of("VmRSS"))
+
+
+def cost_of_key(measured, size):
+    """Bytes over the daemon at rest with the first of the sizes."""
+    first, *_ = measured
+    return [(number - measured[first][0]) / (size - first) for number in measured[size]]
+
+
+def measure_sizes(sizes):
+    """Returns the bytes of each size."""
+    print_head("keys", "at rest, MiB", "peak of a store, MiB", "peak of a load, MiB",
+               "afterwards, MiB", "at rest, bytes/key", "store", "load", "afterwards")
+    measured = {}
+    for size in sizes:
+        measured[size] = measure_size(size)
+        costs = cost_of_key(measured, size) if len(measured) > 1 else []
+        print_row(size, *(f"{number / 2**20:.2f}" for number in measured[size]),
+                  *([f"{cost:.1f}" for cost in costs] or [""] * 4))
+    return measured
+
+
+def measure_stripped():
+    """Returns KiB by the machine that a program is for."""
+    sizes = {}
+    for machine, strip, program in PROGRAMS:
+        if program.exists():
+            with tempfile.TemporaryDirectory() as folder:
+                stripped = Path(folder) / "stripped"
+                subprocess.run([strip, "-o", stripped, program], check=True)
+                sizes[machine] = stripped.stat().st_size / 1024
+    print("\nStripped: " + ", ".join(f"{size:.1f} KiB for {machine}"
+                                     for machine, size in sizes.items()) + ".", flush=True)
+    return sizes
+
+
+def targets_of(measured, stripped):
+    """What of the targets was measured."""
+    if LARGEST in measured and len(measured) > 1:
+        rest, *peaks, _ = cost_of_key(measured, LARGEST)
+        yield f"memory at rest, {LARGEST} keys", 120, rest, " bytes/key"
+        yield f"memory at the peak, {LARGEST} keys", 240, max(peaks), " bytes/key"
+    if SMALLEST in measured:
+        yield (f"memory at the peak, {SMALLEST} keys", 7.3, max(measured[SMALLEST]) / 2**20, " MiB")
+    if "armhf" in stripped:
+        yield "armhf daemon, stripped", 350, stripped["armhf"], " KiB"
 
 
 def main():
-    options = parse_options(__doc__)
-    with Report("memory") as report:
-        measure_sizes(report, options)
-        measure_idleness(report, options)
+    options = parse_options(__doc__, [SMALLEST, 10000, 100000, LARGEST])
+    measure_examples()
+    measured = measure_sizes(options.sizes)
+    print_targets(targets_of(measured, measure_stripped()))
 
 
 main()

@@ -7,74 +7,96 @@ of neighbouring calls.
 
 import statistics
 
-from definitions import PRESET
-from report import Report, ratios, spread
-from session import DAEMON, Session, parse_options
+from measuring import (BUILD, DAEMON, PRESET, Session, parse_options, print_head, print_row,
+                       print_targets, ratios, spread)
 
 BASELINE = "org.norvix.baseline"
 OPERATIONS = ("store", "load", "load_with_default", "load_default")
 QUESTIONS = ("is_preset", "in_preset")
 QUESTION_ROUNDS = 20  # times as many samples of what takes microseconds
-GROWTH_FROM = 10000  # keys; below, the fixed part of a request counts
+ELAPSED, CPU = 0, 1  # columns of a sample of the daemon; the baseline's are two on
+TIMES = ("elapsed", "CPU time")
+TARGETS = (
+    ("store", ELAPSED, 1.12), ("store", CPU, 1.35), ("load", ELAPSED, 1.12), ("load", CPU, 1.40),
+    ("load_with_default", ELAPSED, 1.15), ("is_preset", ELAPSED, 1.05),
+    ("in_preset", ELAPSED, 1.05))
+GROWTH_FROM, GROWTH_TO, GROWTH = 10000, 1000000, 1.15  # keys, and at most
 
 
 def measure(session, method, rounds):
-    """Rows of elapsed and CPU time of the daemon, and of the baseline. The first round, which warms
-    everything up, is left out."""
+    """Samples: elapsed and CPU time of the daemon, and of the baseline, in milliseconds. The first
+    round, which warms everything up, is left out."""
     if method == "load_with_default":
         session.keep_half()
-    return session.request(method, rounds + 1, (DAEMON, BASELINE))[1:]
+    rows = session.request(method, rounds + 1, (DAEMON, BASELINE))
+    return [[time / 1e6 for time in row] for row in rows[1:]]
 
 
-def cells(samples, column, digits):
-    """Of the daemon, of the baseline, and of their ratio. Column 0 is elapsed, 1 CPU time."""
-    daemon, baseline = ([row[at] / 1e6 for row in samples] for at in (column, column + 2))
-    return spread(daemon, digits), spread(baseline, digits), spread(ratios(zip(daemon, baseline)))
+def column_of(samples, column):
+    return [sample[column] for sample in samples]
 
 
-def measure_requests(report, options):
-    report.head("keys", "operation", "daemon elapsed, ms", "baseline elapsed, ms", "ratio",
-                "daemon CPU, ms", "baseline CPU, ms", "ratio")
-    measured = report.data["requests"] = []
-    for size in options.sizes:
-        with Session(options.build) as session:
-            session.start_daemon_with_keys(size)
-            session.start(BASELINE, options.build / "bench/baseline", PRESET, session.keys)
-            rounds = options.rounds if size <= 100000 else options.large_rounds
-            for method in OPERATIONS + QUESTIONS:
-                question = method in QUESTIONS
-                samples = measure(session, method, rounds * QUESTION_ROUNDS if question else rounds)
-                measured.append({"keys": size, "operation": method, "samples": samples})
-                digits = 4 if question else 3
-                report.row(size, method, *cells(samples, 0, digits), *cells(samples, 1, digits))
+def ratios_of(samples, column):
+    return ratios(column_of(samples, column), column_of(samples, column + 2))
 
 
-def report_growth(report, options):
-    """What a key costs to compute at each size, and how that grows."""
-    base, largest = GROWTH_FROM, max(options.sizes)
-    grows = base in options.sizes and largest > base
-    report.head("operation", "process", *(f"{size} keys, ns/key" for size in options.sizes),
-                *([f"{largest} against {base}"] if grows else []))
-    growth = report.data["growth"] = []
-    for operation in OPERATIONS:
-        for process, column in (("daemon", 1), ("baseline", 3)):
-            costs = {row["keys"]: statistics.median(sample[column] for sample in row["samples"])
-                     / row["keys"]
-                     for row in report.data["requests"] if row["operation"] == operation}
-            row = [f"{costs[size]:.1f}" for size in options.sizes]
-            if grows:
-                ratio = costs[largest] / costs[base]
-                growth.append({"operation": operation, "process": process, "keys": largest,
-                               "ratio": ratio})
-                row.append(f"{ratio:.3f}")
-            report.row(operation, process, *row)
+def print_samples(size, method, samples, digits):
+    cells = []
+    for column in (ELAPSED, CPU):
+        cells += [spread(column_of(samples, at), digits) for at in (column, column + 2)]
+        cells.append(spread(ratios_of(samples, column)))
+    print_row(size, method, *cells)
+
+
+def measure_size(size, rounds):
+    """Prints the rows of a size. Returns the samples of each method."""
+    with Session() as session:
+        session.start_daemon_with_keys(size)
+        session.start(BASELINE, BUILD / "bench/baseline", PRESET, session.keys)
+        measured = {}
+        for method in OPERATIONS + QUESTIONS:
+            question = method in QUESTIONS
+            samples = measure(session, method, rounds * (QUESTION_ROUNDS if question else 1))
+            print_samples(size, method, samples, digits=4 if question else 3)
+            measured[method] = samples
+        return measured
+
+
+def cost_of_key(measured, size, method, column):
+    """Nanoseconds, the median."""
+    return statistics.median(column_of(measured[size][method], column)) * 1e6 / size
+
+
+def print_growth(measured):
+    """What CPU time a key takes at each size."""
+    print_head("operation", "process", *(f"{size} keys, ns/key" for size in measured))
+    for method in OPERATIONS:
+        for process, column in (("daemon", CPU), ("baseline", CPU + 2)):
+            print_row(method, process, *(f"{cost_of_key(measured, size, method, column):.1f}"
+                                         for size in measured))
+
+
+def targets_of(measured):
+    """The worst ratio of all sizes, and how the cost of a key grows, if that was measured."""
+    sizes = f"{min(measured)} to {max(measured)} keys"
+    for method, column, most in TARGETS:
+        worst = max(statistics.median(ratios_of(measured[size][method], column))
+                    for size in measured)
+        yield f"{method}, {TIMES[column]} against the baseline, {sizes}", most, worst, ""
+    if GROWTH_FROM in measured and GROWTH_TO in measured:
+        for method in OPERATIONS[:3]:
+            costs = [cost_of_key(measured, size, method, CPU) for size in (GROWTH_TO, GROWTH_FROM)]
+            yield (f"{method}, CPU time for a key, {GROWTH_TO} keys against {GROWTH_FROM}", GROWTH,
+                   costs[0] / costs[1], "")
 
 
 def main():
-    options = parse_options(__doc__)
-    with Report("requests") as report:
-        measure_requests(report, options)
-        report_growth(report, options)
+    options = parse_options(__doc__, [1000, 10000, 100000])
+    print_head("keys", "operation", "daemon elapsed, ms", "baseline elapsed, ms", "ratio",
+               "daemon CPU, ms", "baseline CPU, ms", "ratio")
+    measured = {size: measure_size(size, options.rounds) for size in options.sizes}
+    print_growth(measured)
+    print_targets(targets_of(measured))
 
 
 main()

@@ -8,16 +8,67 @@ starts.
 """
 
 import os
+import statistics
 import subprocess
 import sys
-import tempfile
 import time
-from pathlib import Path
 
-import definitions
-from definitions import DEVICE_ARGUMENTS, DEVICE_PRESET_NAMES
-from report import Report, ratios, spread
-from session import DAEMON, Session, parse_options
+from measuring import (BUILD, DAEMON, Session, list_keys, parse_options, print_head, print_row,
+                       print_targets, ratios, spread)
+
+TARGET_FROM, TARGET = 10000, 0.8  # parameters, and CPU time at most against the bare program
+
+# Ten parameters of a unit: one in five has a small index, one in five asks for the model.
+UNIT = """
+# Unit {unit}
+unit{unit}Level rw {{ rangeValid {{ -60..12 }} default {{ 0 }} }}
+unit{unit}Mute rw {{ rangeValid {{ 0..1 }} default {{ 0 }} }}
+unit{unit}Mode rw {{
+    rangeValid {{ "auto", "manual", "off" }}
+    default {{ "auto" }}
+}}
+unit{unit}Gain rw {{ index {{ channel }} rangeValid {{ -15..15 }} default {{ 0 }} }}
+unit{unit}Delay rw {{ rangeValid {{ 0..(delay) }} default {{ (delay / 10) }} }}
+unit{unit}Label rw {{ default {{ "unnamed" }} }}
+unit{unit}Source rw {{
+    rangeValid {{ "analog", "digital" }}
+    rangeValid (model == "studio") {{ "network" }}
+    default {{ "analog" }}
+}}
+unit{unit}Status ro {{ rangeValid {{ "none", "warning", "critical" }} default {{ "none" }} }}
+unit{unit}Width rw {{
+    ctrlValid (model == "studio")
+    rangeValid {{ 1..10 }}
+    default {{ 3 }}
+}}
+unit{unit}Meter ro {{ index {{ channel }} rangeValid {{ -120..20 }} default {{ -120 }} }}
+"""
+PRESETS = """
+everything preset { }
+snapshot preset { include ro { all } }
+scalars preset { exclude rw { index { channel } } }
+status preset {
+    include ro { all }
+    exclude rw { all }
+}
+"""
+PRESET_NAMES = ("everything", "snapshot", "scalars", "status")
+SYSTEM_ARGUMENTS = ("model=studio", "delay=500")
+
+
+def write_device(folder, count):
+    """Writes definitions of `count` parameters, of a mix that devices have, and of PRESETS. Returns
+    the paths of both files, and that of a list of the keys of all presets."""
+    if count % 10 != 0:
+        sys.exit(f"bench: {count} parameters: not ten times a whole number")
+    parameters, presets = folder / "parameters.def", folder / "presets.def"
+    keys = folder / "keys"
+    units = "".join(UNIT.format(unit=f"{unit:05}") for unit in range(count // 10))
+    parameters.write_text(f"channel index {{ rangeValid {{ 1..4 }} }}\n{units}")
+    presets.write_text(PRESETS)
+    keys.write_text("".join(list_keys((parameters, presets), preset, *SYSTEM_ARGUMENTS)
+                            for preset in PRESET_NAMES))
+    return parameters, presets, keys
 
 
 def cpu_time(process):
@@ -31,50 +82,49 @@ def start_daemon(session, *arguments):
     """Returns elapsed and CPU time of a start, in milliseconds."""
     begin = time.perf_counter()
     process = session.start_daemon(*arguments)
-    elapsed = time.perf_counter() - begin
+    elapsed = (time.perf_counter() - begin) * 1e3
     process.kill()
     cpu = cpu_time(process)
     session.wait_for_name(DAEMON, process, owned=False)
-    return elapsed * 1e3, cpu
+    return elapsed, cpu
 
 
-def run_bare_reader(session, *arguments):
+def run_bare_reader(*arguments):
     """Returns elapsed and CPU time, in milliseconds."""
     begin = time.perf_counter()
-    process = subprocess.Popen([session.build / "bench/bare_reader", *arguments], close_fds=False)
+    process = subprocess.Popen([BUILD / "bench/bare_reader", *arguments], close_fds=False)
     cpu = cpu_time(process)
+    elapsed = (time.perf_counter() - begin) * 1e3
     if process.returncode != 0:
         sys.exit("bench: bare_reader failed")
-    return (time.perf_counter() - begin) * 1e3, cpu
+    return elapsed, cpu
 
 
-def measure(session, folder, count, rounds):
-    """A list of (elapsed, CPU) of the daemon, and one of the bare program. The first round, which
-    warms everything up, is left out."""
-    files = definitions.write_device(folder, count)
-    keys = folder / "keys"
-    keys.write_text("".join(definitions.list_keys(session.build, files, preset, *DEVICE_ARGUMENTS)
-                            for preset in DEVICE_PRESET_NAMES))
-    pairs = [(start_daemon(session, *files, *DEVICE_ARGUMENTS),
-              run_bare_reader(session, *files, keys)) for _ in range(rounds + 1)]
-    return zip(*pairs[1:])
+def measure(session, count, rounds):
+    """Prints the row of a number of parameters. Returns the median ratio of CPU times."""
+    parameters, presets, keys = write_device(session.folder, count)
+    pairs = [(start_daemon(session, parameters, presets, *SYSTEM_ARGUMENTS),
+              run_bare_reader(parameters, presets, keys)) for _ in range(rounds + 1)]
+    daemon, bare = zip(*pairs[1:])  # the first round warms everything up
+    cells = []
+    for ours, theirs in zip(zip(*daemon), zip(*bare)):
+        compared = ratios(ours, theirs)
+        cells += [spread(ours), spread(theirs), spread(compared)]
+    print_row(count, *cells)
+    return statistics.median(compared)
 
 
 def main():
-    options = parse_options(__doc__)
-    with Report("startup") as report, Session(options.build) as session:
-        report.head("parameters", "daemon elapsed, ms", "bare elapsed, ms", "ratio",
-                    "daemon CPU, ms", "bare CPU, ms", "ratio")
-        measured = report.data["growth"] = []
-        for count in options.parameters:
-            rounds = options.rounds if count < 100000 else options.large_rounds
-            with tempfile.TemporaryDirectory() as folder:
-                daemon, bare = measure(session, Path(folder), count, rounds)
-            measured.append({"parameters": count, "daemon": daemon, "bare": bare})
-            cells = []
-            for ours, least in zip(zip(*daemon), zip(*bare)):
-                cells += [spread(ours), spread(least), spread(ratios(zip(ours, least)))]
-            report.row(count, *cells)
+    options = parse_options(__doc__, [100, 1000, 10000, 100000])
+    print_head("parameters", "daemon elapsed, ms", "bare elapsed, ms", "ratio", "daemon CPU, ms",
+               "bare CPU, ms", "ratio")
+    with Session() as session:
+        measured = {count: measure(session, count, options.rounds) for count in options.sizes}
+    targets = {count: ratio for count, ratio in measured.items() if count >= TARGET_FROM}
+    if targets:
+        print_targets([("start, CPU time against the bare program, "
+                        f"{min(targets)} to {max(targets)} parameters", TARGET,
+                        max(targets.values()), "")])
 
 
 main()

@@ -1,7 +1,9 @@
-"""What the measuring scripts share: their options, and a private bus with programs on it."""
+"""What the measuring scripts share: options, a private bus with the daemon on it, and tables."""
 
 import argparse
 import os
+import signal
+import statistics
 import subprocess
 import sys
 import tempfile
@@ -10,42 +12,71 @@ from pathlib import Path
 
 from gi.repository import Gio, GLib
 
-import definitions
-from definitions import PRESET
-
 ROOT = Path(__file__).resolve().parents[1]
-RESULTS = ROOT / "build/bench"
+BUILD = ROOT / "build-bench"
 BUS = "org.freedesktop.DBus"
 DAEMON = "org.norvix.preset"
+PRESET = "scene"  # of the definitions that have one preset: all keys
 PATIENCE = 60  # seconds until a program must own its name
 
+# Ends what is running, as Ctrl-C does.
+signal.signal(signal.SIGTERM, lambda *_: sys.exit("bench: terminated"))
 
-def numbers(text):
-    return [int(number) for number in text.split(",")]
 
-
-def parse_options(description):
-    """Reads the command line, which is the same for every script: each takes what it needs."""
+def parse_options(description, sizes):
+    """Reads the command line, which is the same for each script that bench/run hands it to.
+    `sizes` are those that are measured if it names none."""
+    def numbers(text):
+        return [int(number) for number in text.split(",")]
     parser = argparse.ArgumentParser(description=description.partition("\n")[0],
                                      formatter_class=argparse.ArgumentDefaultsHelpFormatter)
-    parser.add_argument("--sizes", type=numbers, default="1000,10000,100000",
-                        help="numbers of keys, for requests")
-    parser.add_argument("--memory-sizes", type=numbers, default="100,10000,100000,1000000",
-                        help="numbers of keys, for memory")
-    parser.add_argument("--parameters", type=numbers, default="100,1000,10000,100000",
-                        help="numbers of parameters, for start-up")
-    parser.add_argument("--rounds", type=int, default=15, help="samples of each program")
-    parser.add_argument("--large-rounds", type=int, default=5,
-                        help="samples above 100,000 keys and from 100,000 parameters on")
-    parser.add_argument("--build", type=Path, default=ROOT / "build-bench", help="build folder")
-    return parser.parse_args()
+    parser.add_argument("--sizes", type=numbers, default=sizes, metavar="N,...",
+                        help="numbers of keys, or of parameters for starts")
+    parser.add_argument("--rounds", type=int, default=15, metavar="N",
+                        help="samples of each program, for requests and starts")
+    options = parser.parse_args()
+    if options.rounds < 2:
+        parser.error("--rounds: at least 2, which quartiles need")
+    return options
+
+
+def write_keys(folder, size):
+    """Writes definitions with one preset of `size` keys, of 24 characters each. Returns the paths
+    of the parameter and the preset definition file."""
+    names, columns = 10, min(100, size // 10)
+    rows = size // (names * columns) if columns > 0 else 0
+    if names * rows * columns != size or not 0 < rows <= 9000:
+        sys.exit(f"bench: {size} keys: not 10 times up to 100, nor 1,000 times up to 9,000")
+    parameters, presets = folder / "parameters.def", folder / "presets.def"
+    parameters.write_text(
+        f"row index {{ rangeValid {{ 1000..{1000 + rows - 1} }} }}\n"
+        f"column index {{ rangeValid {{ 100..{100 + columns - 1} }} }}\n"
+        + "".join(f"mixer{n:02}Volume rw {{ index {{ row }} index {{ column }} }}\n"
+                  for n in range(names)))
+    presets.write_text(f"{PRESET} preset {{ }}\n")
+    return parameters, presets
+
+
+def output_of(*command, environment=None):
+    """Runs a program to its end. Returns what it printed."""
+    done = subprocess.run(command, env=environment, stdout=subprocess.PIPE, text=True)
+    if done.returncode != 0:
+        sys.exit(f"bench: {command[0]} failed")
+    return done.stdout
+
+
+def list_keys(definitions, preset, *arguments):
+    """The keys of a preset, one a line, sorted. `arguments` are system arguments."""
+    parameters, presets = definitions
+    system = [part for argument in arguments for part in ("-s", argument)]
+    return output_of(BUILD / "morvanectl", "-p", parameters, "-d", presets, *system, "keys", preset)
 
 
 class Session:
     """A private bus, the programs on it and a folder for their files, which end with it."""
 
-    def __init__(self, build):
-        self.build, self.started, self.owners = build, [], {}
+    def __init__(self):
+        self.started, self.owners = [], {}
         self.temporary = tempfile.TemporaryDirectory()
         self.folder = Path(self.temporary.name)
         self.keys, self.file = self.folder / "keys", self.folder / "file"
@@ -104,13 +135,13 @@ class Session:
 
     def start_daemon(self, *arguments, under=()):
         """Starts the daemon, `under` the command of another program."""
-        return self.start(DAEMON, *under, self.build / "morvane", "--debug", *arguments)
+        return self.start(DAEMON, *under, BUILD / "morvane", "--debug", *arguments)
 
     def start_daemon_with_keys(self, size, under=()):
         """Starts the daemon with PRESET, of as many keys, which are listed in the file `keys`."""
-        files = definitions.write_keys(self.folder, size)
-        self.keys.write_text(definitions.list_keys(self.build, files, PRESET))
-        return self.start_daemon(*files, under=under)
+        definitions = write_keys(self.folder, size)
+        self.keys.write_text(list_keys(definitions, PRESET))
+        return self.start_daemon(*definitions, under=under)
 
     def request(self, method, rounds=1, services=(DAEMON,)):
         """Calls a method of services, interleaved, with PRESET and `file`, or a key. Returns a row
@@ -119,8 +150,8 @@ class Session:
         if method == "in_preset":
             keys = self.keys.read_text().splitlines()
             argument = keys[len(keys) // 2]
-        output = self.run(self.build / "bench/request_client", self.keys, str(rounds), method,
-                          PRESET, argument, *services)
+        output = output_of(BUILD / "bench/request_client", self.keys, str(rounds), method, PRESET,
+                           argument, *services, environment=self.environment)
         return [tuple(map(int, line.split())) for line in output.splitlines()]
 
     def keep_half(self):
@@ -128,9 +159,34 @@ class Session:
         lines = self.file.read_text().splitlines(keepends=True)
         self.file.write_text("".join(lines[::2]))
 
-    def run(self, *command):
-        """Runs a program to its end. Returns what it printed."""
-        done = subprocess.run(command, env=self.environment, stdout=subprocess.PIPE, text=True)
-        if done.returncode != 0:
-            sys.exit(f"bench: {command[0]} failed")
-        return done.stdout
+
+def spread(values, digits=3):
+    """The median with the quartiles, as text."""
+    low, middle, high = statistics.quantiles(values, n=4)
+    return f"{middle:.{digits}f} ({low:.{digits}f} to {high:.{digits}f})"
+
+
+def ratios(values, baselines):
+    """The ratios of neighbouring samples. A virtual machine that had to wait for its processor may
+    have given a call of microseconds no CPU time at all."""
+    return [value / baseline for value, baseline in zip(values, baselines) if baseline > 0]
+
+
+def print_row(*cells):
+    print(f"| {' | '.join(map(str, cells))} |", flush=True)
+
+
+def print_head(*columns):
+    """Begins a table."""
+    print()
+    print_row(*columns)
+    print_row(*["---"] * len(columns))
+
+
+def print_targets(targets):
+    """Prints what may cost how much at most, and what was measured: (what, at most, measured,
+    unit). No script fails if a target is not met."""
+    print_head("what", "at most", "measured", "met")
+    for what, most, measured, unit in targets:
+        print_row(what, f"{most}{unit}", f"{measured:.3f}{unit}",
+                  "yes" if measured <= most else "no")
