@@ -81,7 +81,7 @@ class Session:
         self.folder = Path(self.temporary.name)
         self.keys, self.file = self.folder / "keys", self.folder / "file"
         self.bus = subprocess.Popen(
-            ["dbus-daemon", f"--config-file={ROOT}/tests/service/bus.conf", "--nofork",
+            ["dbus-daemon", f"--config-file={ROOT}/tests/support/bus.conf", "--nofork",
              "--print-address"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
         address = self.bus.stdout.readline().strip()
         self.environment = {**os.environ, "DBUS_SESSION_BUS_ADDRESS": address}

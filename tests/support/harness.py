@@ -25,7 +25,7 @@ EMULATOR = [os.environ["MORVANE_EMULATOR"]] if os.environ.get("MORVANE_EMULATOR"
 DAEMON = [*EMULATOR, BUILD / "morvane"]
 CTL = [*EMULATOR, BUILD / "morvanectl"]
 SIMULATOR = Path(os.environ["MORVANE_SIMULATOR"])
-SHIM = BUILD / "tests/service/shim/libmorvane-test-shim.so"
+SHIM = BUILD / "tests/support/shim/libmorvane-test-shim.so"
 BUS_CONFIG = Path(__file__).parent / "bus.conf"
 
 DEADLINE_SECONDS = 60
