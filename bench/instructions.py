@@ -1,7 +1,6 @@
-#!/usr/bin/python3
 """Counts the instructions of the daemon with callgrind and compares them with kept numbers.
 
-Usage: bench/instructions.py [--keep]
+For bench/run, with the option --keep.
 
 Prints a table: for each name the kept number of instructions, the number now, the change in percent
 and, of a request, the instructions for each key. Kept numbers are those of bench/instructions.txt;
@@ -32,7 +31,7 @@ from measuring import (BUILD, DAEMON, PRESET, ROOT, Session, output_of, print_he
                        write_keys)
 
 KEPT = ROOT / "bench/instructions.txt"
-HEAD = "# Written by bench/instructions.py --keep: name, instructions, instructions for each key.\n"
+HEAD = "# Written by bench/run --keep instructions: name, instructions, those for each key.\n"
 SIZES = (1000, 10000)
 METHODS = ("store", "load", "load_with_default")
 ROUNDS = 8  # requests of each kind, of which the first does not count

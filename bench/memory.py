@@ -1,4 +1,3 @@
-#!/usr/bin/python3
 """Measures what the daemon takes while it runs, resident at rest and at its peak, and when idle.
 
 Bytes of a key are over the daemon at rest with the first of the sizes. The size of the program file

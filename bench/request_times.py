@@ -1,4 +1,3 @@
-#!/usr/bin/python3
 """Measures the requests of the daemon, interleaved with the least that they can cost.
 
 That is the baseline (bench/baseline.cpp). Prints tables of medians and quartiles, and of the ratios

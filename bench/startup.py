@@ -1,4 +1,3 @@
-#!/usr/bin/python3
 """Measures the start of the daemon until it owns its name, interleaved with a bare program.
 
 The bare program reads the same files into standard containers (bench/bare_reader.cpp) and ends. CPU
