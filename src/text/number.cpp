@@ -19,10 +19,23 @@ NumberPrefix signedPrefix(const std::string& text, int base) {
             static_cast<std::size_t>(end - text.c_str())};
 }
 
+// The base that a number's first digits ask for. Left to itself, a newer C library also takes
+// 0b101, and the same definition file would be another one there.
+int baseOf(std::string_view text) {
+    while (!text.empty() && isSpace(text.front()))
+        text.remove_prefix(1);
+    if (text.starts_with('+') || text.starts_with('-'))
+        text.remove_prefix(1);
+    if (!text.starts_with('0'))
+        return 10;
+    text.remove_prefix(1);
+    return text.starts_with('x') || text.starts_with('X') ? 16 : 8;
+}
+
 } // namespace
 
 NumberPrefix numberPrefix(std::string_view text) {
-    return signedPrefix(std::string(text), 0);
+    return signedPrefix(std::string(text), baseOf(text));
 }
 
 std::optional<std::int32_t> wholeNumber(std::string_view text) {

@@ -19,7 +19,7 @@ struct NumberPrefix {
 };
 
 /// Reads a number as `strtol` does in base 0: decimal, hexadecimal after 0x, octal after 0, each
-/// with an optional sign.
+/// with an optional sign. There are no binary numbers, whatever the C library thinks.
 NumberPrefix numberPrefix(std::string_view text);
 
 /// Reads a text that is a number from its beginning to its end, in base 0.
