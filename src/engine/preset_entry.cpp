@@ -9,12 +9,11 @@ constexpr bool isTrimmed(char c) {
     return c == '\t' || c == '\f' || c == '\v' || c == '\n' || c == '\r';
 }
 
-// A text of nothing else stays as it is.
 std::string_view trimEnd(std::string_view text) {
     auto end = text.size();
     while (end > 0 && isTrimmed(text[end - 1]))
         --end;
-    return end == 0 ? text : text.substr(0, end);
+    return text.substr(0, end);
 }
 
 } // namespace

@@ -37,7 +37,8 @@ const KeyRow keyRows[] = {
     {"trailing blanks stay", "gain ", {"gain ", {}, ""}, "gain "},
     {"other trailing white space goes", "gain\t\f\v\n\r", {"gain", {}, ""}, "gain"},
     {"leading white space stays", "\tgain", {"\tgain", {}, ""}, "\tgain"},
-    {"white space alone is a name", "\t", {"\t", {}, ""}, "\t"},
+    {"white space alone is no name", "\t\v", {"", {}, ""}, ""},
+    {"in front of an index it stays", "\t[1]", {"\t", {"1"}, ""}, "\t[1]"},
     {"a group without a name", "[1]", {"", {"1"}, ""}, ""},
     {"nothing", "", {"", {}, ""}, ""},
 };
@@ -70,6 +71,7 @@ const LineRow lineRows[] = {
     {"only the trailing run goes", "mode=a\tb\t \t\n", {"mode", {}, "a\tb\t "}},
     {"white space before = is cut from the key", "mode\t=1", {"mode", {}, "1"}},
     {"no value", "gain[1]=", {"gain", {"1"}, ""}},
+    {"a key of white space", "\t=5", {"", {}, "5"}},
     {"a value of white space", "mode=\t\n", {"mode", {}, ""}},
     {"no name", "=5", {"", {}, "5"}},
     {"no =", "# comment", {}},

@@ -26,7 +26,7 @@ struct FileRow {
 const FileRow fileRows[] = {
     {"an empty file", "", {}},
     {"comments, blank lines and lines without =", "# a comment\n\n  \nmode\n", {}},
-    {"lines without a name or a value", "=5\ngain[1]=\n[1]=5\n", {}},
+    {"lines without a name or a value", "=5\n\t=5\ngain[1]=\n[1]=5\n", {}},
     {"a comment with = is an entry", "# a=b\n", {"# a=b"}},
     {"entries in file order, equal ones twice", "b=1\na[0]=2\nb=1\n", {"b=1", "a[0]=2", "b=1"}},
     {"an entry with fewer indices than the one before", "a[0][1]=2\nb=1\n", {"a[0][1]=2", "b=1"}},
