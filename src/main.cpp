@@ -6,6 +6,7 @@
 #include "paramhandler/connection.h"
 
 int main(int argc, char** argv) {
+    morvane::openStandardStreams();
     morvane::Arguments arguments;
     morvane::parseCommandLine(argc, argv, arguments);
     auto* const parameterHandler = morvane::connectParameterHandler();

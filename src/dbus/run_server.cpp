@@ -10,6 +10,7 @@
 #include <dbus/dbus-glib-lowlevel.h>
 #include <dbus/dbus-glib.h>
 
+#include <fcntl.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -82,6 +83,13 @@ void detach(std::int32_t daemonize) {
 }
 
 } // namespace
+
+void openStandardStreams() {
+    int descriptor = 0;
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO)
+        descriptor = open("/dev/null", O_RDWR);
+    close(descriptor); // the one beyond them
+}
 
 std::int32_t run_server(DBusGProxy* parameterHandler, PresetManager& manager,
                         std::int32_t daemonize) {

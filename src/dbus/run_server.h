@@ -1,4 +1,4 @@
-// Claims the service's name on the session bus, exports its object and serves.
+// The daemon's life: its standard streams, its name on the session bus, its object, serving.
 #pragma once
 
 #include "paramhandler/connection.h"
@@ -8,6 +8,11 @@
 namespace morvane {
 
 class PresetManager;
+
+/// Opens the null device for each standard stream that is closed. Whatever is opened first would
+/// take its descriptor otherwise: reports would go into the bus's socket, and detaching would
+/// replace it.
+void openStandardStreams();
 
 /// Serves until "die" is called. A failure before that is logged and ends the process with
 /// status 1; a failure to detach aborts it.

@@ -60,6 +60,26 @@ def test_a_second_instance_fails_before_it_detaches(world):
     assert world.launch(name="second", options=[]).wait() == 1
 
 
+@pytest.mark.parametrize("options", [["--debug"], []])
+@pytest.mark.parametrize("redirection", ["<&-", ">&-", "2>&-", "<&- >&- 2>&-"])
+def test_a_closed_standard_stream_is_the_null_device(world, redirection, options):
+    world.simulator()
+    presets = world.write("presets.def", "scene preset { }\n"
+                                         "translate { gain { index 2 { input = idx::9 } } }\n")
+    daemon = world.launch(options=options, presets=presets,
+                          wrapper=["sh", "-c", f'exec "$0" "$@" {redirection}']).wait_ready()
+    client = world.client()
+    wait_until(lambda: client.owns("org.norvix.preset"), "the service")
+    path = world.write("p", "gain[1][1]=1\nmode=off\n")  # the first line is reported
+    assert client.preset("load", "scene", str(path)) is True
+    assert client.preset("store", "scene", str(path)) is True, "and the service goes on"
+    wait_until(lambda: len(daemon.process_ids()) == 1, "one process to be left")
+    (pid,) = daemon.process_ids()
+    for closed in redirection.split():
+        stream = {"<&-": 0, ">&-": 1, "2>&-": 2}[closed]
+        assert os.readlink(f"/proc/{pid}/fd/{stream}") == "/dev/null"
+
+
 def test_ends_with_status_1_without_a_bus(world):
     world.bus.stop()
     daemon = world.launch()
