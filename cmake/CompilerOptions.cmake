@@ -14,7 +14,10 @@ target_compile_options(morvane_options INTERFACE
 target_compile_options(morvane_options INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast;-Wnon-virtual-dtor;-Woverloaded-virtual>
     $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond;-Wduplicated-branches;-Wlogical-op>)
-target_compile_definitions(morvane_options INTERFACE _GNU_SOURCE)
+# The last two let a 32-bit device look at files of after 2038, with more than 2 GiB, or with an inode
+# number of 64 bits.
+target_compile_definitions(morvane_options INTERFACE
+    _GNU_SOURCE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
 target_link_options(morvane_options INTERFACE
     -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack -Wl,--as-needed)
 

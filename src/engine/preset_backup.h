@@ -15,20 +15,36 @@
 
 namespace morvane {
 
-/// @return the path of the backup that an interrupted store left of this file; empty if there is
-/// none.
-std::string leftOverBackup(const std::string& path);
+/// Whether an interrupted store left its backup of a file.
+enum class BackupState {
+    none,
+    leftOver,
+    unknown, ///< it cannot be looked at; errno says why
+};
+
+/// @return the name of the backup of a file.
+std::string backupOf(const std::string& path);
+
+/// Looks for the backup of a file. Only a regular file, or a symbolic link to one, is a backup.
+[[nodiscard]] BackupState lookUpBackup(const std::string& path);
 
 /// Opens a preset data file for reading. If a store of it was interrupted, its backup is put back
 /// first.
 ///
-/// Never blocks: what is not a regular file (a folder, a FIFO, a device) cannot be opened.
+/// Never blocks, and opens nothing but regular files: what else is there (a folder, a FIFO, a
+/// device) cannot be read.
 ///
 /// @param stream receives the stream, owned by the caller; null if there is none to read.
-/// @return false if the backup could not be put back; true otherwise, even without a stream.
+/// @return false if the backup could not be put back, or not even be looked for; true otherwise,
+///         even without a stream.
 bool openPresetForRead(const std::string& path, std::FILE*& stream);
 
-/// Makes the file its own backup, replacing an older backup, and opens a new file for writing.
+/// Makes the file its own backup, replacing an older backup, and opens a new file for writing. It
+/// has the permissions of the file that it replaces, and its owner and group where this process may
+/// give them away; the bits of a group that it cannot have are dropped.
+///
+/// Only regular files and symbolic links to them are replaced, or links that lead nowhere: nothing
+/// is moved if there is anything else at the path or at that of the backup.
 ///
 /// @param stream receives the stream, to be handed to `closePresetAfterWrite`; null if the file
 ///               cannot be created, in which case the backup stays and the next reading restores

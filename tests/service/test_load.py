@@ -1,5 +1,6 @@
 """load, load_with_default and load_default: the Parameter Handler's calls, the log, the values."""
 
+import errno
 import os
 
 import pytest
@@ -207,6 +208,29 @@ def test_the_backup_of_an_interrupted_store_is_restored(served, half_written):
     assert served.file.read_text() == "mode=off\n"
     assert not backup.exists()
     assert ("set", 1, "mode", "off") in served.handler.calls()
+
+
+def test_takes_files_and_backups_of_after_2038(served):
+    year_2040 = 2208988800
+    served.file.write_text("mode=1\n")
+    os.utime(served.file, (year_2040, year_2040))
+    assert served.user.preset("load", "scene", str(served.file)) is True
+    wait_for_end(served.handler)
+    assert served.user.handler("single_get", "(s)", "mode") == "1"
+    backup = served.write("p_bak", "mode=off\n")
+    os.utime(backup, (year_2040, year_2040))
+    assert served.user.preset("load", "scene", str(served.file)) is True
+    assert served.file.read_text() == "mode=off\n"
+    assert not backup.exists()
+
+
+def test_fails_when_it_cannot_tell_whether_there_is_a_backup(world):
+    world.simulator()
+    path, backup = world.write("p", "mode=1\n"), world.write("p_bak", "mode=off\n")
+    daemon = world.daemon(fault=(f"stat 1 {errno.EIO}", str(path)))
+    assert world.client().preset("load", "scene", str(path)) == FAILED
+    assert daemon.records_after_start() == [(ERROR, f"Error opening file: {path}\n")]
+    assert (path.read_text(), backup.read_text()) == ("mode=1\n", "mode=off\n")
 
 
 TRANSLATION = """\

@@ -1,6 +1,8 @@
 """store and store_subpreset: files, the Parameter Handler's calls, the log."""
 
 import os
+import socket
+from pathlib import Path
 
 import pytest
 from harness import ERROR, INFO, RemoteError
@@ -72,6 +74,32 @@ def test_fails_at_the_rename_when_the_name_is_too_long_for_a_backup(served):
     assert served.morvane.records_after_start() == [
         (ERROR, f"Error renaming file {path} to {path}_bak"),
         (ERROR, f"storePreset(): Error opening file {path}\n")]
+
+
+def make_socket(path):
+    with socket.socket(socket.AF_UNIX) as server:
+        server.bind(str(path))
+
+
+@pytest.mark.parametrize("name", ["p", "p_bak"])
+@pytest.mark.parametrize("make", [Path.mkdir, os.mkfifo, make_socket])
+def test_moves_nothing_away_that_is_no_file(served, make, name):
+    make(served.folder / name)
+    before = (served.folder / name).stat()
+    assert served.user.preset("store", "scene", str(served.file)) == FAILED
+    assert served.morvane.records_after_start() == [
+        (ERROR, f"Error renaming file {served.file} to {served.file}_bak"),
+        (ERROR, f"storePreset(): Error opening file {served.file}\n")]
+    assert (served.folder / name).stat().st_ino == before.st_ino
+    assert not (served.folder / {"p": "p_bak", "p_bak": "p"}[name]).exists()
+
+
+def test_keeps_the_permissions_of_the_file(served):
+    served.file.write_text("old=1\n")
+    for mode in (0o640, 0o604):
+        served.file.chmod(mode)
+        assert served.user.preset("store", "scene", str(served.file)) is True
+        assert served.file.stat().st_mode & 0o7777 == mode
 
 
 def test_keeps_the_old_file_when_the_disk_is_full(world):

@@ -1,13 +1,17 @@
 #include "support/file_recorder.h"
 
+#include "support/c_library_names.h"
+
 #include <climits>
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 
@@ -29,14 +33,19 @@ std::string nameOf(int descriptor) {
     return lastComponent(target.data());
 }
 
-// Notes a call; sets errno and returns true if it is to fail.
-bool fails(const std::string& call) {
-    if (active == nullptr)
-        return false;
-    const int error = active->note(call);
+// Sets errno and returns true if a call is to fail.
+bool failsSilently(const std::string& call) {
+    const int error = active == nullptr ? 0 : active->errorOf(call);
     if (error != 0)
         errno = error;
     return error != 0;
+}
+
+// The same, and notes the call.
+bool fails(const std::string& call) {
+    if (active != nullptr)
+        active->note(call);
+    return failsSilently(call);
 }
 
 // The C library's own function behind one that is defined here.
@@ -62,8 +71,7 @@ void FileRecorder::fail(const std::string& call, int error, int count) {
     failures_.push_back({call, error, count});
 }
 
-int FileRecorder::note(const std::string& call) {
-    calls_.push_back(call);
+int FileRecorder::errorOf(const std::string& call) {
     int error = 0;
     for (auto& failure : failures_) {
         if (failure.call == call && failure.count-- == 0)
@@ -90,10 +98,30 @@ int remove(const char* path) {
     return morvane::test::original<int(const char*)>("remove")(path);
 }
 
-std::FILE* fopen(const char* path, const char* mode) {
-    if (morvane::test::fails("fopen " + morvane::test::lastComponent(path)))
-        return nullptr;
-    return morvane::test::original<std::FILE*(const char*, const char*)>("fopen")(path, mode);
+int open(const char* path, int flags, ...) {
+    mode_t mode = 0;
+    if ((flags & O_CREAT) != 0) {
+        if (morvane::test::fails("open " + morvane::test::lastComponent(path)))
+            return -1;
+        std::va_list arguments;
+        va_start(arguments, flags);
+        mode = va_arg(arguments, mode_t);
+        va_end(arguments);
+    }
+    return morvane::test::original<int(const char*, int, ...)>(NAME_OF_open)(path, flags, mode);
+}
+
+int stat(const char* path, struct stat* status) {
+    if (morvane::test::failsSilently("stat " + morvane::test::lastComponent(path)))
+        return -1;
+    return morvane::test::original<int(const char*, struct stat*)>(NAME_OF_stat)(path, status);
+}
+
+int fchown(int descriptor, uid_t owner, gid_t group) {
+    if (morvane::test::active != nullptr &&
+        morvane::test::failsSilently("fchown " + morvane::test::nameOf(descriptor)))
+        return -1;
+    return morvane::test::original<int(int, uid_t, gid_t)>("fchown")(descriptor, owner, group);
 }
 
 int fsync(int descriptor) {

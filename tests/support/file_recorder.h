@@ -6,10 +6,11 @@
 
 namespace morvane::test {
 
-/// Watches rename, remove, fopen, fsync and fclose while it lives. One at a time.
+/// Watches rename, remove, open of a file that may be created, fsync and fclose while it lives, and
+/// makes these and stat and fchown fail. One at a time.
 ///
-/// A call reads "rename old new", "remove name", "fopen name", "fsync name" or "fclose name", with
-/// the last component of each path; "." is the folder itself.
+/// A call reads "rename old new" or as "remove name", with the last component of each path; "." is
+/// the folder itself.
 class FileRecorder {
 public:
     FileRecorder();
@@ -21,11 +22,12 @@ public:
     /// @param count how many times the call is let pass before.
     void fail(const std::string& call, int error, int count = 0);
 
+    /// What was called, without stat and fchown.
     const std::vector<std::string>& calls() const { return calls_; }
 
-    /// For the interposed functions: notes a call.
-    /// @return the error with which it is to fail, or 0.
-    int note(const std::string& call);
+    /// For the interposed functions: notes a call; and says with which error it is to fail, or 0.
+    void note(const std::string& call) { calls_.push_back(call); }
+    int errorOf(const std::string& call);
 
 private:
     struct Failure {

@@ -97,9 +97,9 @@ void writeCallsAsJson(const std::vector<Call>& calls) {
 
 // A load puts a left-over backup back; nothing is changed here, so the backup itself is read.
 std::string fileToLoad(const std::string& file) {
-    auto backup = leftOverBackup(file);
-    if (backup.empty())
+    if (lookUpBackup(file) != BackupState::leftOver)
         return file;
+    auto backup = backupOf(file);
     note("an interrupted store left " + backup + ", which a load puts back");
     return backup;
 }

@@ -5,6 +5,8 @@
  * MORVANE_TEST_FAULT_PATH is meant, or on the folder of that path. Calls of malloc are counted from
  * the first such operation on a file. ACTION is "kill", or the number of the error to fail with. */
 
+#include "support/c_library_names.h"
+
 #include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
@@ -17,7 +19,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#define ORIGINAL(name) ((__typeof__(name)*)dlsym(RTLD_NEXT, #name))
+#define ORIGINAL_NAMED(name, symbol) ((__typeof__(name)*)dlsym(RTLD_NEXT, symbol))
+#define ORIGINAL(name) ORIGINAL_NAMED(name, #name)
 
 /* Whether the path is the file, its backup, or the folder that holds them. */
 static int is_meant(const char* path) {
@@ -86,21 +89,24 @@ int open(const char* path, int flags, ...) {
     va_start(arguments, flags);
     const mode_t mode = flags & O_CREAT ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
-    return fails("open", path) ? -1 : ORIGINAL(open)(path, flags, mode);
+    return fails("open", path) ? -1 : ORIGINAL_NAMED(open, NAME_OF_open)(path, flags, mode);
 }
 
-/* What open becomes in a build with _FORTIFY_SOURCE. */
-int __open_2(const char* path, int flags);
-int __open_2(const char* path, int flags) {
+int fortified_open(const char* path, int flags);
+int fortified_open(const char* path, int flags) {
     return open(path, flags);
 }
 
-FILE* fopen(const char* path, const char* mode) {
-    return fails("fopen", path) ? NULL : ORIGINAL(fopen)(path, mode);
+int stat(const char* path, struct stat* status) {
+    return fails("stat", path) ? -1 : ORIGINAL_NAMED(stat, NAME_OF_stat)(path, status);
 }
 
-int stat(const char* path, struct stat* status) {
-    return fails("stat", path) ? -1 : ORIGINAL(stat)(path, status);
+int fchown(int descriptor, uid_t owner, gid_t group) {
+    return descriptor_fails("fchown", descriptor) ? -1 : ORIGINAL(fchown)(descriptor, owner, group);
+}
+
+int fchmod(int descriptor, mode_t mode) {
+    return descriptor_fails("fchmod", descriptor) ? -1 : ORIGINAL(fchmod)(descriptor, mode);
 }
 
 int rename(const char* from, const char* to) {

@@ -1,7 +1,5 @@
-#include "engine/preset_backup.h"
 #include "support/file_recorder.h"
-#include "support/log_recorder.h"
-#include "support/temp_folder.h"
+#include "unit/engine/preset_backup_fixture.h"
 
 #include <gtest/gtest.h>
 
@@ -19,56 +17,12 @@
 namespace morvane {
 namespace {
 
-using Log = std::vector<test::LogRecord>;
-
-class PresetBackup : public testing::Test {
-protected:
-    PresetBackup() { test::takeLog(); }
-
-    const test::TempFolder folder_;
-    const std::string path_ = folder_.path("p");
-    const std::string folderName_ =
-        path_.substr(0, path_.size() - 2).substr(path_.substr(0, path_.size() - 2).rfind('/') + 1);
-
-    // Stores `text`; false and no stream are the writing side's ways to fail.
-    bool store(const std::string& text) const {
-        std::FILE* stream = nullptr;
-        if (!openPresetForWrite(path_, stream) || stream == nullptr)
-            return false;
-        std::fputs(text.c_str(), stream);
-        return closePresetAfterWrite(path_, stream);
-    }
-
-    // What a reader of the preset finds; "(none)" without a stream, "(failed)" after a failure.
-    std::string load() const {
-        std::FILE* stream = nullptr;
-        if (!openPresetForRead(path_, stream))
-            return stream == nullptr ? "(failed)" : "(failed with a stream)";
-        if (stream == nullptr)
-            return "(none)";
-        std::string text;
-        for (int c = std::fgetc(stream); c != EOF; c = std::fgetc(stream))
-            text += static_cast<char>(c);
-        std::fclose(stream);
-        return text;
-    }
-
-    test::LogRecord writeError() const { return {LOG_ERR, "Error writing file " + path_}; }
-    test::LogRecord renameError() const {
-        return {LOG_ERR, "Error renaming file " + path_ + " to " + path_ + "_bak"};
-    }
-    test::LogRecord removeError() const {
-        return {LOG_ERR, "Error removing file " + path_ + "_bak"};
-    }
-    static test::LogRecord found() { return {LOG_INFO, "Backup preset file found.\n"}; }
-};
-
 TEST_F(PresetBackup, StoresInAnOrderThatAPowerCutCannotHurt) {
     folder_.write("p", "old");
     test::FileRecorder files;
     EXPECT_TRUE(store("new"));
     EXPECT_EQ(files.calls(),
-              (std::vector<std::string>{"rename p p_bak", "fsync " + folderName_, "fopen p",
+              (std::vector<std::string>{"rename p p_bak", "fsync " + folderName_, "open p",
                                         "fsync p", "fclose p", "fsync " + folderName_,
                                         "remove p_bak", "fsync " + folderName_}));
     EXPECT_EQ(folder_.read("p"), "new");
@@ -138,7 +92,7 @@ TEST_F(PresetBackup, FailsWhenTheRenamingDoesNotReachTheDisk) {
 TEST_F(PresetBackup, SucceedsWithoutAStreamWhenTheFileCannotBeCreated) {
     folder_.write("p", "old");
     test::FileRecorder files;
-    files.fail("fopen p", EACCES);
+    files.fail("open p", EACCES);
     std::FILE* stream = stderr;
     EXPECT_TRUE(openPresetForWrite(path_, stream));
     EXPECT_EQ(stream, nullptr);

@@ -158,7 +158,7 @@ TEST_F(StorePreset, FailsWhenTheTransactionCannotBeEndedAlthoughTheFileIsComplet
 
 TEST_F(StorePreset, FailsWhenTheFileCannotBeOpenedAndLeavesTheTransactionOpen) {
     test::FileRecorder files;
-    files.fail("fopen p", EACCES);
+    files.fail("open p", EACCES);
     EXPECT_FALSE(store());
     EXPECT_EQ(handler_.calls, (Calls{start_, get_}));
     EXPECT_EQ(test::takeLog(),
@@ -229,7 +229,7 @@ TEST_F(StorePreset, RefusesASubPresetOfForeignKeysAndLeavesTheTransactionOpen) {
 
 TEST_F(StorePreset, NamesTheSubPresetWhenItsFileCannotBeOpened) {
     test::FileRecorder files;
-    files.fail("fopen p", EACCES);
+    files.fail("open p", EACCES);
     EXPECT_FALSE(storeSub({"mode"}));
     EXPECT_EQ(handler_.calls, (Calls{start_, "parm_get 7 mode"}));
     EXPECT_EQ(test::takeLog(),
