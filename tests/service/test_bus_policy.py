@@ -144,3 +144,24 @@ def test_errors_of_the_service_come_back(world_of):
     assert served.client().preset("load_default", "unknown") == RemoteError(
         "org.freedesktop.DBus.GLib.UnmappedError.DbusNorvixPreset.Code0",
         "dbus_norvix_preset: Load defaults failed")
+
+
+def test_carries_the_values_of_a_big_device(world_of):
+    """A reply of more than the 32 MiB that a bus takes if nobody raises the limit."""
+    world = world_of('user="root"', offers=(PRESET, HANDLER))
+    value = "x" * 400
+    world.write("parameters.def", f"""\
+row index {{ rangeValid {{ 1..300 }} }}
+level rw {{
+    index {{ row }} index {{ row }}
+    default {{ "{value}" }}
+}}
+""")
+    world.write("presets.def", "scene preset { }\n")
+    world.simulator()
+    world.daemon()
+    path = world.folder / "p"
+    assert world.client().preset("store", "scene", str(path)) is True
+    with path.open() as lines:
+        assert sum(line.endswith(f"]={value}\n") for line in lines) == 90_000
+    assert world.client().preset("load", "scene", str(path)) is True
