@@ -278,6 +278,7 @@ BENCHMARK_CAPTURE(translate, reindexed, reindexed);
 /// A Parameter Handler that does nothing; what is read is always the same.
 ParameterOperations idleHandler() {
     return {
+        .isSendable = [](const RequestTexts&) { return true; },
         .parm_start_trans = [](Transaction&) { return true; },
         .parm_end_trans = [](Transaction) { return true; },
         .parm_get =

@@ -1,11 +1,13 @@
 #include "dbus/parameter_binding.h"
 
 #include "paramhandler/parameter_operations.h"
+#include "paramhandler/send_check.h"
 
 namespace morvane {
 
 ParameterOperations bindOperations(DBusGProxy* proxy) {
     return {
+        .isSendable = isSendable,
         .parm_start_trans =
             [proxy](Transaction& started) { return parm_start_trans(proxy, started); },
         .parm_end_trans =

@@ -86,6 +86,10 @@ GType value_object_get_type() {
     return type;
 }
 
+// The handlers. One that runs out of memory ends the process: std::bad_alloc cannot pass through
+// GLib's frames. That is accepted, as whoever supervises the daemon starts it again, and whatever
+// it was doing, the files are complete.
+
 gboolean value_object_load(ValueObject* obj, gchar* preset_name, gchar* file_name,
                            gboolean* success, GError** error) {
     const ServiceLock lock;

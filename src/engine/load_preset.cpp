@@ -7,7 +7,6 @@
 #include "engine/preset_file.h"
 #include "engine/retry.h"
 #include "text/line_reader.h"
-#include "text/utf8.h"
 
 #include <syslog.h>
 
@@ -18,12 +17,7 @@ namespace morvane {
 
 namespace {
 
-bool failReading(const std::string& filePath, const std::string& reason) {
-    syslog(LOG_ERR, "Error reading file: %s (%s)\n", filePath.c_str(), reason.c_str());
-    return false;
-}
-
-// Counts all entries; the plan gets those before the first that cannot be sent.
+// Counts all entries, whether the plan takes them or not.
 bool readEntries(const std::string& filePath, LoadPlan& plan, int& count) {
     std::FILE* raw = nullptr;
     if (!openPresetForRead(filePath, raw) || raw == nullptr) {
@@ -31,38 +25,27 @@ bool readEntries(const std::string& filePath, LoadPlan& plan, int& count) {
         return false;
     }
     const OwnedStream stream(raw);
-    std::string buffer;
-    std::string unsendable;
-    count = readPresetFile(stream.get(), [&](PresetEntry& entry) {
-        if (!unsendable.empty())
-            return;
-        // The bus carries nothing but UTF-8. That is found out here, before anything is changed.
-        const auto key = presetKey(entry, buffer);
-        if (isUtf8(key) && isUtf8(entry.value))
-            plan.add(entry);
-        else
-            unsendable = key;
-    });
-    if (std::ferror(stream.get()) != 0)
-        return failReading(filePath, std::strerror(errno));
-    if (!unsendable.empty())
-        return failReading(filePath, printableText(unsendable) + " is not valid UTF-8");
+    count = readPresetFile(stream.get(), [&plan](PresetEntry& entry) { plan.add(entry); });
+    if (std::ferror(stream.get()) != 0) {
+        syslog(LOG_ERR, "Error reading file: %s (%s)\n", filePath.c_str(), std::strerror(errno));
+        return false;
+    }
     return true;
 }
 
-bool setAll(const ParameterOperations& handler, Transaction transaction, const LoadPlan& plan) {
-    return withRetries("parm_set", [&] { return handler.parm_set(transaction, plan.values()); }) &&
+bool setAll(const ParameterOperations& handler, Transaction transaction,
+            const RequestTexts& texts) {
+    return withRetries("parm_set", [&] { return handler.parm_set(transaction, texts.set); }) &&
            withRetries("parm_set_status",
-                       [&] { return handler.parm_set_status(transaction, plan.statusValues()); });
+                       [&] { return handler.parm_set_status(transaction, texts.setStatus); });
 }
 
-// Puts those keys of a preset to their defaults that have not been set.
-bool resetOthers(const ParameterOperations& handler, Transaction transaction,
-                 const LoadPlan& plan) {
-    const auto unset = plan.unsetKeys();
-    return withRetries("parm_reset", [&] { return handler.parm_reset(transaction, unset.keys); }) &&
+bool resetAll(const ParameterOperations& handler, Transaction transaction,
+              const RequestTexts& texts) {
+    return withRetries("parm_reset",
+                       [&] { return handler.parm_reset(transaction, texts.reset); }) &&
            withRetries("parm_reset_status",
-                       [&] { return handler.parm_reset_status(transaction, unset.statusKeys); });
+                       [&] { return handler.parm_reset_status(transaction, texts.resetStatus); });
 }
 
 bool commit(const ParameterOperations& handler, Transaction transaction) {
@@ -99,10 +82,16 @@ bool loadPreset(const ParameterOperations* handler, const std::string& presetNam
         return refuseUnknown(presetName);
     if (plan.empty() && !withDefaults)
         return acceptEmpty(LOG_INFO, filePath);
+    const auto unset = withDefaults ? plan.unsetKeys() : KeysToReset{};
+    const RequestTexts texts{.origin = filePath,
+                             .set = plan.values(),
+                             .setStatus = plan.statusValues(),
+                             .reset = unset.keys,
+                             .resetStatus = unset.statusKeys};
     Transaction transaction = 0;
-    const bool loaded = startTransaction(*handler, transaction) &&
-                        setAll(*handler, transaction, plan) &&
-                        (!withDefaults || resetOthers(*handler, transaction, plan)) &&
+    const bool loaded = handler->isSendable(texts) && startTransaction(*handler, transaction) &&
+                        setAll(*handler, transaction, texts) &&
+                        (!withDefaults || resetAll(*handler, transaction, texts)) &&
                         commit(*handler, transaction);
     if (loaded)
         syslog(LOG_INFO, "loadPreset(): %s preset loaded (%s) from %s.\n", presetName.c_str(),
@@ -121,10 +110,12 @@ bool loadDefaults(const ParameterOperations* handler, const std::string& presetN
         syslog(LOG_INFO, "Empty preset definition: %s\n", presetName.c_str());
         return false;
     }
+    const auto keys = LoadPlan(manager, *presetKeys).unsetKeys();
+    const RequestTexts texts{
+        .origin = presetName, .reset = keys.keys, .resetStatus = keys.statusKeys};
     Transaction transaction = 0;
-    const bool loaded = startTransaction(*handler, transaction) &&
-                        resetOthers(*handler, transaction, LoadPlan(manager, *presetKeys)) &&
-                        commit(*handler, transaction);
+    const bool loaded = handler->isSendable(texts) && startTransaction(*handler, transaction) &&
+                        resetAll(*handler, transaction, texts) && commit(*handler, transaction);
     if (loaded)
         syslog(LOG_INFO, "loadDefaults(): %s defaults loaded.\n", presetName.c_str());
     return loaded;

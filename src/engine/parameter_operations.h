@@ -4,22 +4,23 @@
 
 #include "engine/tables/key_set.h"
 #include "text/borrowed_text.h"
+#include "text/request_texts.h"
 
 #include <cstdint>
 #include <functional>
 #include <span>
-#include <utility>
 
 namespace morvane {
 
 /// The identifier of a transaction, handed out by the Parameter Handler.
 using Transaction = std::uint32_t;
 
-/// What is set: a key and its new value.
-using KeyValue = std::pair<BorrowedText, BorrowedText>;
-
 /// Each operation returns whether it succeeded. One that did not may be tried again.
 struct ParameterOperations {
+    /// Whether the texts of a request can travel to the Parameter Handler; if not, says why in the
+    /// log. To be asked before the request starts its transaction: the other operations rely on it.
+    std::function<bool(const RequestTexts& texts)> isSendable;
+
     /// Starts a transaction and hands out its identifier.
     std::function<bool(Transaction& started)> parm_start_trans;
 

@@ -22,6 +22,18 @@ struct StoreWords {
     const char* done;
 };
 
+KeySet commonKeys(const KeySet& chosen, const KeySet& presetKeys) {
+    std::vector<std::string> keys;
+    std::copy_if(chosen.begin(), chosen.end(), std::back_inserter(keys),
+                 [&](const std::string& key) { return presetKeys.contains(key); });
+    return KeySet(std::move(keys));
+}
+
+bool isSendable(const ParameterOperations& handler, const KeySet& keys,
+                const std::string& presetName) {
+    return handler.isSendable({.origin = presetName, .get = keys.keys()});
+}
+
 bool readValues(const ParameterOperations& handler, Transaction transaction, const KeySet& keys,
                 SharedTexts& values) {
     return withRetries("parm_get", [&] { return handler.parm_get(transaction, keys, values); });
@@ -69,7 +81,7 @@ bool storePreset(const ParameterOperations* handler, const std::string& presetNa
         return false;
     }
     Transaction transaction = 0;
-    return startTransaction(*handler, transaction) &&
+    return isSendable(*handler, *keys, presetName) && startTransaction(*handler, transaction) &&
            storeKeys(words, *handler, transaction, *keys, presetName, filePath);
 }
 
@@ -89,12 +101,11 @@ bool storeSubPreset(const ParameterOperations* handler, const KeySet& subPresetK
                presetName.c_str());
         return false;
     }
+    const auto keys = commonKeys(subPresetKeys, *presetKeys);
     Transaction transaction = 0;
-    if (!startTransaction(*handler, transaction))
+    if (!isSendable(*handler, keys, presetName) || !startTransaction(*handler, transaction))
         return false;
-    std::vector<std::string> keys;
-    std::copy_if(subPresetKeys.begin(), subPresetKeys.end(), std::back_inserter(keys),
-                 [&](const std::string& key) { return presetKeys->contains(key); });
+    // Only now, so that whoever watches the Parameter Handler sees the start as of any other store.
     if (keys.empty()) {
         syslog(LOG_ERR,
                "storeSubPreset(): Sub-preset list contains no entries belonging to the %s preset "
@@ -102,7 +113,7 @@ bool storeSubPreset(const ParameterOperations* handler, const KeySet& subPresetK
                presetName.c_str());
         return false;
     }
-    return storeKeys(words, *handler, transaction, KeySet(std::move(keys)), presetName, filePath);
+    return storeKeys(words, *handler, transaction, keys, presetName, filePath);
 }
 
 } // namespace morvane

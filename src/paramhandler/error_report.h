@@ -5,6 +5,12 @@
 
 namespace morvane {
 
+/// What failed, when the engine's operations on parameters are reported.
+constexpr const char* setFailed = "parm_set_() - set failed";
+constexpr const char* resetFailed = "parm_reset_() - reset failed";
+constexpr const char* getFailed = "parm_get_() - get failed";
+constexpr const char* bulkGetFailed = "parm_get_() - bulk get failed";
+
 /// Whether a report is also the end of the process, with status 1.
 enum class AfterReport {
     goOn,

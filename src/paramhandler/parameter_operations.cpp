@@ -6,18 +6,12 @@
 
 #include <syslog.h>
 
-#include <initializer_list>
 #include <memory>
 #include <string_view>
 
 namespace morvane {
 
 namespace {
-
-constexpr const char* setFailed = "parm_set_() - set failed";
-constexpr const char* resetFailed = "parm_reset_() - reset failed";
-constexpr const char* getFailed = "parm_get_() - get failed";
-constexpr const char* bulkGetFailed = "parm_get_() - bulk get failed";
 
 constexpr const char* setOutOfMemory = "parm_set_() setParm - out of memory\n";
 constexpr const char* resetOutOfMemory = "parm_reset_() defParm - out of memory\n";
@@ -48,17 +42,8 @@ bool callUntilAnswered(DBusGProxy* proxy, const char* failureText, Call call) {
     }
 }
 
-// Refuses, before it is sent, a call that the bus would not carry.
-bool isSendable(const char* failureText, std::initializer_list<const SendCheck*> arguments) {
-    const auto reason = unsendableReason(arguments);
-    if (reason.empty())
-        return true;
-    reportError(failureText, reason.c_str(), AfterReport::goOn);
-    return false;
-}
-
 bool set(DBusGProxy* proxy, const guint32* transaction, Target target,
-         std::span<const NameValue> request) {
+         std::span<const KeyValue> request) {
     if (proxy == nullptr)
         return false;
     if (request.empty())
@@ -69,8 +54,6 @@ bool set(DBusGProxy* proxy, const guint32* transaction, Target target,
         names.add(name);
         values.add(value);
     }
-    if (!isSendable(setFailed, {&names.check(), &values.check()}))
-        return false;
     return callUntilAnswered(proxy, setFailed, [&](GError** error) {
         if (request.size() == 1)
             callSet(proxy, transaction, target, names.front(), values.front(), error);
@@ -88,8 +71,6 @@ bool reset(DBusGProxy* proxy, const guint32* transaction, Target target,
     StringList names(request.size(), resetOutOfMemory);
     for (const auto& name : request)
         names.add(name);
-    if (!isSendable(resetFailed, {&names.check()}))
-        return false;
     return callUntilAnswered(proxy, resetFailed, [&](GError** error) {
         if (request.size() == 1)
             callReset(proxy, transaction, target, names.front(), error);
@@ -163,18 +144,16 @@ bool parm_get(DBusGProxy* proxy, const guint32* transaction, guint32 option,
     StringList request(names.size(), getOutOfMemory);
     for (const auto& name : names)
         request.add(name);
-    if (!isSendable(names.size() == 1 ? getFailed : bulkGetFailed, {&request.check()}))
-        return false;
     return names.size() == 1 ? getOne(proxy, transaction, request, values)
                              : getSeveral(proxy, transaction, option, request, values);
 }
 
-bool parm_set(DBusGProxy* proxy, const guint32* transaction, std::span<const NameValue> request) {
+bool parm_set(DBusGProxy* proxy, const guint32* transaction, std::span<const KeyValue> request) {
     return set(proxy, transaction, Target::value, request);
 }
 
 bool parm_set_status(DBusGProxy* proxy, const guint32* transaction,
-                     std::span<const NameValue> request) {
+                     std::span<const KeyValue> request) {
     return set(proxy, transaction, Target::status, request);
 }
 
@@ -192,11 +171,6 @@ bool parm_check_set(DBusGProxy* proxy, const guint32* transaction, const std::st
                     const std::string& value, bool& accepted) {
     constexpr const char* failureText = "parm_check_set_() - set failed";
     if (proxy == nullptr)
-        return false;
-    SendCheck check;
-    check.add(name);
-    check.add(value);
-    if (!isSendable(failureText, {&check}))
         return false;
     gboolean answer = FALSE;
     const bool answered = callUntilAnswered(proxy, failureText, [&](GError** error) {

@@ -2,24 +2,21 @@
 //
 // Each turns a collection into one remote call: the one-parameter method for one entry, the bulk
 // method for several, none for an empty collection, which succeeds. `transaction` is borrowed; null
-// acts outside a transaction. Results: true when the call succeeded, false when the Parameter
-// Handler refused it, when it cannot be sent, or when there is no proxy. Every failure but the last
-// is logged. A call that failed on its way is repeated, at once and without limit.
+// acts outside a transaction. Every text must be one that may be sent: see `isSendable`. Results:
+// true when the call succeeded, false when the Parameter Handler refused it, which is logged, or
+// when there is no proxy. A call that failed on its way is repeated, at once and without limit.
 #pragma once
 
 #include "paramhandler/connection.h"
 #include "text/borrowed_text.h"
+#include "text/request_texts.h"
 
 #include <glib.h>
 
 #include <span>
 #include <string>
-#include <utility>
 
 namespace morvane {
-
-/// What a set request sends for each parameter: its name and its value.
-using NameValue = std::pair<BorrowedText, BorrowedText>;
 
 /// The argument of the bulk get methods whose meaning only the Parameter Handler knows; this value
 /// asks for nothing special.
@@ -34,11 +31,11 @@ bool parm_get(DBusGProxy* proxy, const guint32* transaction, guint32 option,
               std::span<const std::string> names, SharedTexts& values);
 
 /// Sets read-write parameters, in list order.
-bool parm_set(DBusGProxy* proxy, const guint32* transaction, std::span<const NameValue> request);
+bool parm_set(DBusGProxy* proxy, const guint32* transaction, std::span<const KeyValue> request);
 
 /// Sets the status values of read-only parameters, in list order.
 bool parm_set_status(DBusGProxy* proxy, const guint32* transaction,
-                     std::span<const NameValue> request);
+                     std::span<const KeyValue> request);
 
 /// Puts read-write parameters back to their defaults.
 bool parm_reset(DBusGProxy* proxy, const guint32* transaction, std::span<const BorrowedText> names);

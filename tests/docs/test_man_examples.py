@@ -36,7 +36,7 @@ from harness import SOURCE
 
 PAGES = {page.name: page.read_text() for page in sorted((SOURCE / "man").glob("*.5"))}
 EVERYTHING = "everything preset { include ro { all } }\n"
-ESCAPES = {"\\e": "\\", "\\(aq": "'", "\\(dq": '"', "\\(ha": "^", "\\&": ""}
+ESCAPES = {"\\e": "\\", "\\(aq": "'", "\\(dq": '"', "\\(ha": "^", "\\(:a": "ä", "\\&": ""}
 FILES = [(verdict, kind) for verdict in ("good", "open", "error")
          for kind in ("parameters", "presets")]
 OUTCOMES = ("keys", "stored", "set", "errors", "log")

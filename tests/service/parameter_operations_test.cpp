@@ -27,7 +27,7 @@ namespace {
 
 using Log = std::vector<test::LogRecord>;
 using Names = std::vector<std::string>;
-using Request = std::vector<NameValue>;
+using Request = std::vector<KeyValue>;
 using Borrowed = std::vector<BorrowedText>;
 
 constexpr std::string_view parameters = "a rw { rangeValid { 0..9 } default { 1 } }\n"
@@ -280,52 +280,6 @@ TEST_F(ParameterOperations, AreRepeatedAtOnceAfterAnErrorOnTheWay) {
     EXPECT_EQ(test::takeLog(), Log(2, {LOG_ERR, "ERROR: parm_set_() - set failed (lost)\n"}));
     EXPECT_EQ(test::takeSleeps(), std::vector<unsigned>{});
     EXPECT_EQ(takeCalls().size(), 7U);
-}
-
-TEST_F(ParameterOperations, AreNotSentWithBytesThatAreNotUtf8) {
-    connect();
-    const std::string bad = "b\xff";
-    SharedTexts values;
-    bool accepted = true;
-    const std::pair<std::function<bool()>, const char*> rows[] = {
-        {[&] {
-             return parm_set(proxy_, nullptr, Request{{"a", bad}});
-         },
-         "parm_set_() - set failed"},
-        {[&] {
-             return parm_set_status(proxy_, nullptr, Request{{"s", "1"}, {bad, "1"}});
-         },
-         "parm_set_() - set failed"},
-        {[&] { return parm_reset(proxy_, nullptr, Borrowed{bad}); },
-         "parm_reset_() - reset failed"},
-        {[&] { return parm_get(proxy_, nullptr, bulkGetOption, Names{bad}, values); },
-         "parm_get_() - get failed"},
-        {[&] {
-             return parm_get(proxy_, nullptr, bulkGetOption, Names{"a", bad}, values);
-         },
-         "parm_get_() - bulk get failed"},
-        {[&] { return parm_check_set(proxy_, nullptr, "a", bad, accepted); },
-         "parm_check_set_() - set failed"},
-    };
-    for (const auto& [operation, text] : rows) {
-        EXPECT_FALSE(operation());
-        EXPECT_EQ(test::takeLog(),
-                  (Log{{LOG_ERR, std::string("ERROR: ") + text + " (not valid UTF-8: b\\xff)\n"}}));
-    }
-    EXPECT_EQ(takeCalls(), Names{});
-}
-
-// Such a call would cost the connection.
-TEST_F(ParameterOperations, AreNotSentWithMoreThanTheBusCarries) {
-    connect();
-    constexpr std::size_t mebibyte = 1U << 20U;
-    const std::string value(mebibyte, 'x');
-    const Request request(65, {"a", value});
-    EXPECT_FALSE(parm_set(proxy_, nullptr, request));
-    EXPECT_EQ(test::takeLog(), (Log{{LOG_ERR, "ERROR: parm_set_() - set failed (more than the bus "
-                                              "carries in one list)\n"}}));
-    EXPECT_EQ(takeCalls(), Names{});
-    EXPECT_EQ(valueOf("a"), "1") << "the connection still works";
 }
 
 TEST_F(ParameterOperations, CommitAndEndInOneCallThatWaits) {

@@ -76,10 +76,10 @@ def test_a_power_cut_leaves_the_old_or_the_new_preset(world):
 @pytest.mark.parametrize("function, error", [
     ("open", errno.EMFILE), ("open", errno.EACCES), ("open", errno.ENOSPC),
     ("fchown", errno.EPERM), ("fchmod", errno.EIO), ("stat", errno.EIO), ("rename", errno.EIO),
-    ("rename", errno.EACCES), ("remove", errno.EIO), ("remove", errno.EACCES), ("fputs", errno.ENOSPC),
-    ("fputs", errno.EIO), ("fflush", errno.ENOSPC), ("fflush", errno.EIO), ("fsync", errno.EIO),
-    ("fsync", errno.ENOSPC), ("fsync", errno.EINVAL), ("fclose", errno.ENOSPC),
-    ("fclose", errno.EIO),
+    ("rename", errno.EACCES), ("remove", errno.EIO), ("remove", errno.EACCES),
+    ("fputs", errno.ENOSPC), ("fputs", errno.EIO), ("fflush", errno.ENOSPC), ("fflush", errno.EIO),
+    ("fsync", errno.EIO), ("fsync", errno.ENOSPC), ("fsync", errno.EINVAL),
+    ("fclose", errno.ENOSPC), ("fclose", errno.EIO),
 ])
 def test_every_failure_of_an_operation_leaves_a_complete_preset(world, function, error):
     """The N-th call fails, for every N that a store has."""

@@ -188,12 +188,23 @@ def test_a_device_is_no_preset_file(served):
     assert served.morvane.records_after_start() == [(ERROR, "Error opening file: /dev/zero\n")]
 
 
-def test_bytes_that_are_not_utf8_are_refused_before_any_call(served):
+@pytest.mark.parametrize("method, failed", [
+    ("load", FAILED), ("load_with_default", WITH_DEFAULT_FAILED)])
+def test_a_value_that_is_not_utf8_is_refused_before_any_call(served, method, failed):
     served.file.write_bytes(b"gain[1]=5\nmode=\xff\n")
-    assert served.user.preset("load", "scene", str(served.file)) == FAILED
+    assert served.user.preset(method, "scene", str(served.file)) == failed
     assert served.morvane.records_after_start() == [
-        (ERROR, f"Error reading file: {served.file} (mode is not valid UTF-8)\n")]
+        (ERROR, f"ERROR: parm_set_() - set failed ({served.file}: value of mode is not valid "
+                "UTF-8)\n")]
     assert served.handler.calls() == []
+
+
+def test_bytes_that_are_not_sent_may_be_any(served):
+    served.file.write_bytes(b"serial=\xff\nnowhere=\xff\n\xff=1\ngain[\xff]=1\nmode=off\n")
+    assert served.user.preset("load", "scene", str(served.file)) is True
+    wait_for_end(served.handler)
+    assert served.handler.calls() == [
+        ("start",), ("set", 1, "mode", "off"), ("commit", 1), ("end", 1)]
 
 
 @pytest.mark.parametrize("half_written", ["mode=of", None])

@@ -228,21 +228,19 @@ def test_repeats_a_call_that_is_never_answered(world):
     assert handler.methods() == ["start", "start", "get_bulk", "end"]
 
 
-TOO_LONG = "more than the bus carries in one list"
-
-
-def test_a_request_that_the_bus_does_not_carry_is_refused_before_it_is_sent(world):
+def test_a_request_that_the_bus_does_not_carry_is_refused_before_it_starts(world):
     handler = world.simulator()
     daemon = world.daemon()
     client = world.client()
-    line = "mode=" + "x" * 1000 + "\n"
-    path = world.write("p", line * (64 * 2**20 // 1000))
+    count = 64 * 2**20 // 1000
+    path = world.write("p", ("mode=" + "x" * 1000 + "\n") * count)
     assert client.preset("load", "scene", str(path)) == RemoteError(
         ERROR_NAME, "dbus_norvix_preset: Load preset failed")
-    expected = refused("parm_set", "parm_set_() - set failed", 10, TOO_LONG)
-    expected[-1] = LOST
-    assert daemon.records_after_start() == expected
-    assert handler.methods() == ["start"]
+    size = 1008 * count - 3  # length, text, end and padding, which the last one has not
+    assert daemon.records_after_start() == [
+        (ERROR, f"ERROR: parm_set_() - set failed ({path}: {size} bytes are more than a message "
+                "holds)\n")]
+    assert handler.methods() == []
     path.write_text("mode=off\n")
     assert client.preset("load", "scene", str(path)) is True, "on the same connection"
 
@@ -259,7 +257,7 @@ def test_a_reply_that_the_bus_does_not_carry_fails_the_request(world):
     path = world.write("p", "old=1\n")
     assert client.preset("store", "scene", str(path)) == FAILED
     expected = refused("parm_get", "parm_get_() - bulk get failed", 10,
-                       f"dbus_norvix_transaction: {TOO_LONG}")
+                       "dbus_norvix_transaction: more than the bus carries in one list")
     expected[-1] = LOST
     assert daemon.records_after_start() == expected
     assert path.read_text() == "old=1\n"
@@ -333,15 +331,25 @@ def test_a_parameter_handler_that_starts_anew_does_not_know_the_transaction(worl
     assert client.preset("load_with_default", "scene", str(path)) is True, "the next request works"
 
 
-def test_a_key_that_is_not_utf8_is_refused_before_it_is_sent(world):
-    world.write("parameters.def", b"bad\xff rw { }\n")
-    world.write("presets.def", b"scene preset { }\n")
-    handler_parameters = world.write("handler.def", b"good rw { }\n")
-    handler = world.simulator(parameters=handler_parameters)
+def test_a_key_that_is_not_utf8_is_refused_before_anything_is_sent(world):
+    world.write("parameters.def", b"bad\xff rw { }\nstate ro { }\n")
+    world.write("presets.def", b"scene preset { }\nstates preset { include ro { state } }\n")
+    handler = world.simulator(parameters=world.write("handler.def", b"state ro { }\n"))
     daemon = world.daemon()
-    assert world.client().preset("store", "scene", str(world.folder / "p")) == FAILED
-    expected = refused("parm_get", "parm_get_() - get failed", 10,
-                       "not valid UTF-8: bad\\xff")
-    expected[-1] = LOST
-    assert daemon.records_after_start() == expected
-    assert handler.methods() == ["start"]
+    client = world.client()
+    path = world.write("p", "state=1\n")
+    rows = [
+        (("store", "scene", str(path)), "Store preset", "get", "get", "scene"),
+        (("store", "states", str(path)), "Store preset", "get", "bulk get", "states"),
+        (("load_default", "states"), "Load defaults", "reset", "reset", "states"),
+        (("load_with_default", "states", str(path)), "Load preset with defaults", "reset",
+         "reset", path),
+    ]
+    for call, what, *_ in rows:
+        assert client.preset(*call) == RemoteError(
+            ERROR_NAME, f"dbus_norvix_preset: {what} failed")
+    assert daemon.records_after_start() == [
+        (ERROR, f"ERROR: parm_{operation}_() - {text} failed ({origin}: key of bad\\xff is not "
+                "valid UTF-8)\n") for _, _, operation, text, origin in rows]
+    assert handler.methods() == []
+    assert client.preset("load", "states", str(path)) is True, "which sends another key"

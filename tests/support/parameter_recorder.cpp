@@ -12,24 +12,35 @@ std::string textOf(Transaction transaction) {
     return " " + std::to_string(transaction);
 }
 
-std::string textOf(Transaction transaction, std::span<const KeyValue> values) {
-    std::string text = textOf(transaction);
+std::string textOf(std::span<const KeyValue> values) {
+    std::string text;
     for (const auto& [key, value] : values)
         text.append(" ").append(key.view()).append("=").append(value.view());
     return text;
 }
 
-std::string textOf(Transaction transaction, std::span<const BorrowedText> keys) {
-    std::string text = textOf(transaction);
+std::string textOf(std::span<const BorrowedText> keys) {
+    std::string text;
     for (const auto& key : keys)
         text.append(" ").append(key.view());
     return text;
+}
+
+std::string textOf(const RequestTexts& texts) {
+    const std::vector<BorrowedText> get(texts.get.begin(), texts.get.end());
+    return std::string(texts.origin) + ":" + textOf(get) + textOf(texts.set) +
+           textOf(texts.setStatus) + textOf(texts.reset) + textOf(texts.resetStatus);
 }
 
 } // namespace
 
 ParameterOperations ParameterRecorder::operations() {
     return {
+        .isSendable =
+            [this](const RequestTexts& texts) {
+                checks.push_back(textOf(texts));
+                return !refusesToSend;
+            },
         .parm_start_trans =
             [this](Transaction& started) {
                 started = transactionId;
@@ -42,7 +53,7 @@ ParameterOperations ParameterRecorder::operations() {
         .parm_get =
             [this](Transaction transaction, const KeySet& keys, SharedTexts& read) {
                 const std::vector<BorrowedText> names(keys.begin(), keys.end());
-                if (!record("parm_get", textOf(transaction, names)))
+                if (!record("parm_get", textOf(transaction) + textOf(names)))
                     return false;
                 std::vector<std::string> texts;
                 for (const auto& key : keys)
@@ -52,19 +63,19 @@ ParameterOperations ParameterRecorder::operations() {
             },
         .parm_set =
             [this](Transaction transaction, std::span<const KeyValue> pairs) {
-                return record("parm_set", textOf(transaction, pairs));
+                return record("parm_set", textOf(transaction) + textOf(pairs));
             },
         .parm_set_status =
             [this](Transaction transaction, std::span<const KeyValue> pairs) {
-                return record("parm_set_status", textOf(transaction, pairs));
+                return record("parm_set_status", textOf(transaction) + textOf(pairs));
             },
         .parm_reset =
             [this](Transaction transaction, std::span<const BorrowedText> keys) {
-                return record("parm_reset", textOf(transaction, keys));
+                return record("parm_reset", textOf(transaction) + textOf(keys));
             },
         .parm_reset_status =
             [this](Transaction transaction, std::span<const BorrowedText> keys) {
-                return record("parm_reset_status", textOf(transaction, keys));
+                return record("parm_reset_status", textOf(transaction) + textOf(keys));
             },
         .parm_commit =
             [this](Transaction transaction) { return record("parm_commit", textOf(transaction)); },

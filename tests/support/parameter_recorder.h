@@ -16,6 +16,10 @@ public:
     std::map<std::string, std::string> values; ///< by key; others are read as "?"
     std::map<std::string, int> refusals;       ///< by operation: how often it still refuses
 
+    bool refusesToSend = false; ///< what `isSendable` answers
+    /// What `isSendable` was asked, such as "scene: a b" or "/p: a=1 b=2".
+    std::vector<std::string> checks;
+
     /// The calls so far, in order, such as "parm_get 7 a b" or "parm_set 7 a=1 b=2"; a refused call
     /// has " refused" behind it.
     std::vector<std::string> calls;

@@ -182,6 +182,13 @@ end
         ERROR, "", "morvanectl: Unknown preset definition: scenes\n")
 
 
+def test_a_dry_run_refuses_what_cannot_be_sent(world, ctl):
+    world.write("bytes", b"mode=\xff\n")
+    assert ctl("load", "scene", "bytes", "--dry-run", bus=False) == (
+        ERROR, "",
+        "morvanectl: ERROR: parm_set_() - set failed (bytes: value of mode is not valid UTF-8)\n")
+
+
 def test_a_dry_run_changes_no_file(world, ctl):
     world.write("old", "half=")
     world.write("old_bak", "mode=off\n")

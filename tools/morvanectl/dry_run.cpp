@@ -6,6 +6,7 @@
 #include "engine/parameter_operations.h"
 #include "engine/preset_backup.h"
 #include "output.h"
+#include "paramhandler/send_check.h"
 #include "problem.h"
 #include "variant.h"
 
@@ -30,6 +31,7 @@ class CallList {
 public:
     ParameterOperations operations() {
         ParameterOperations operations;
+        operations.isSendable = isSendable;
         operations.parm_start_trans = [this](Transaction&) { return add({"start", {}, {}}); };
         operations.parm_set = [this](Transaction, auto values) { return set("set", values); };
         operations.parm_set_status = [this](Transaction, auto values) {

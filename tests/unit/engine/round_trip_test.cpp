@@ -152,6 +152,7 @@ ParameterOperations operationsOn(sim::ValueStore& device) {
         return !device.reset(transaction, target, names);
     };
     return {
+        .isSendable = [](const RequestTexts&) { return true; },
         .parm_start_trans =
             [&device](Transaction& started) {
                 started = device.start();

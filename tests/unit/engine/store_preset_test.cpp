@@ -104,6 +104,17 @@ TEST_F(StorePreset, EndsTheFileAtAnEmptyValueAndSucceeds) {
     EXPECT_EQ(handler_.calls, (Calls{start_, get_, end_}));
 }
 
+TEST_F(StorePreset, AsksWhetherItCanSendBeforeItStarts) {
+    handler_.refusesToSend = true;
+    folder_.write("p", "old");
+    EXPECT_FALSE(store());
+    EXPECT_FALSE(storeSub({"mode", "gain[2]", "elsewhere"}));
+    EXPECT_EQ(handler_.checks, (Calls{"scene: gain[1] gain[2] mode", "scene: gain[2] mode"}));
+    EXPECT_EQ(handler_.calls, Calls{});
+    EXPECT_EQ(test::takeLog(), Log{}) << "who refuses says why";
+    EXPECT_EQ(folder_.read("p"), "old");
+}
+
 struct RefusalRow {
     const char* operation;
     Calls calls;

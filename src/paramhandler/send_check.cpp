@@ -1,0 +1,105 @@
+#include "paramhandler/send_check.h"
+
+#include "paramhandler/error_report.h"
+#include "text/utf8.h"
+
+#include <dbus/dbus.h>
+
+#include <string>
+
+namespace morvane {
+
+namespace {
+
+// What a message may need beside its strings: the header, with a sender that the bus adds, and the
+// arguments of fixed size.
+constexpr std::size_t messageOverhead = 4096;
+
+/// Looks at one call after the other, up to the first that may not be sent.
+class Check {
+public:
+    explicit Check(std::string_view origin) : origin_(origin) {}
+
+    bool passed() const { return passed_; }
+
+    void get(std::span<const std::string> keys) {
+        ArraySize size;
+        for (const auto& key : keys) {
+            requireUtf8(keys.size() == 1 ? getFailed : bulkGetFailed, "key", key, key);
+            size.add(key);
+        }
+        requireRoom(bulkGetFailed, size, {});
+    }
+
+    void set(std::span<const KeyValue> request) {
+        ArraySize keys;
+        ArraySize values;
+        for (const auto& [key, value] : request) {
+            requireUtf8(setFailed, "key", key.view(), key.view());
+            requireUtf8(setFailed, "value", value.view(), key.view());
+            keys.add(key.view());
+            values.add(value.view());
+        }
+        requireRoom(setFailed, keys, values);
+    }
+
+    void reset(std::span<const BorrowedText> keys) {
+        ArraySize size;
+        for (const auto& key : keys) {
+            requireUtf8(resetFailed, "key", key.view(), key.view());
+            size.add(key.view());
+        }
+        requireRoom(resetFailed, size, {});
+    }
+
+private:
+    void requireUtf8(const char* failureText, const char* what, std::string_view text,
+                     std::string_view key) {
+        if (!isUtf8(text))
+            fail(failureText,
+                 std::string(what) + " of " + printableText(key) + " is not valid UTF-8");
+    }
+
+    void requireRoom(const char* failureText, const ArraySize& first, const ArraySize& second) {
+        for (const auto& array : {first, second}) {
+            if (array.bytes() > DBUS_MAXIMUM_ARRAY_LENGTH)
+                failForSize(failureText, array.bytes());
+        }
+        const auto message = messageOverhead + first.bytes() + second.bytes();
+        if (message > DBUS_MAXIMUM_MESSAGE_LENGTH)
+            failForSize(failureText, message);
+    }
+
+    void failForSize(const char* failureText, std::size_t bytes) {
+        fail(failureText, std::to_string(bytes) + " bytes are more than a message holds");
+    }
+
+    void fail(const char* failureText, const std::string& reason) {
+        if (passed_)
+            reportError(failureText, (std::string(origin_) + ": " + reason).c_str(),
+                        AfterReport::goOn);
+        passed_ = false;
+    }
+
+    std::string_view origin_;
+    bool passed_ = true;
+};
+
+} // namespace
+
+void ArraySize::add(std::string_view text) {
+    // A string begins at a multiple of 4 with its length of 4 bytes, and is null-terminated.
+    bytes_ = (bytes_ + 3) / 4 * 4 + 4 + text.size() + 1;
+}
+
+bool isSendable(const RequestTexts& texts) {
+    Check check(texts.origin);
+    check.get(texts.get);
+    check.set(texts.set);
+    check.set(texts.setStatus);
+    check.reset(texts.reset);
+    check.reset(texts.resetStatus);
+    return check.passed();
+}
+
+} // namespace morvane

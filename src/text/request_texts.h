@@ -1,0 +1,26 @@
+// The strings of a request to the Parameter Handler, as its parts hand them to each other.
+#pragma once
+
+#include "text/borrowed_text.h"
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace morvane {
+
+/// What is set: a key and its new value.
+using KeyValue = std::pair<BorrowedText, BorrowedText>;
+
+/// Everything that one request sends, by operation. All of it is borrowed.
+struct RequestTexts {
+    std::string_view origin; ///< the file of a load, or the preset; for the log
+    std::span<const std::string> get = {};
+    std::span<const KeyValue> set = {};
+    std::span<const KeyValue> setStatus = {};
+    std::span<const BorrowedText> reset = {};
+    std::span<const BorrowedText> resetStatus = {};
+};
+
+} // namespace morvane
