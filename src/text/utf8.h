@@ -30,7 +30,7 @@ inline bool isAscii(std::string_view text) {
     return (seen & 0x8080808080808080U) == 0;
 }
 
-/// The slow road of `isUtf8`.
+/// The slow path of `isUtf8`.
 bool isUtf8BeyondAscii(std::string_view text);
 
 /// Whether a text is UTF-8 from its beginning to its end.
