@@ -9,6 +9,10 @@
 
 namespace morvane {
 
+std::string backupOf(const std::string& path) {
+    return path + "_bak";
+}
+
 namespace {
 
 /// What there is at a path, symbolic links followed.
@@ -105,15 +109,18 @@ std::FILE* openRegularFile(const std::string& path) {
     return nullptr;
 }
 
-// What cannot be kept is left as closed as the file was created.
+// What cannot be kept is left as closed as the file was created. The mode comes before the owner,
+// too: it may be nobody but the owner who may set it.
 void keepPermissions(int file, const struct stat& replaced) {
     constexpr auto sameOwner = static_cast<uid_t>(-1);
+    constexpr mode_t withoutGroup = S_IRWXU | S_IRWXO;
+    fchmod(file, replaced.st_mode & withoutGroup);
     struct stat created {};
     const bool hasGroup = fchown(file, replaced.st_uid, replaced.st_gid) == 0 ||
                           fchown(file, sameOwner, replaced.st_gid) == 0 ||
                           (fstat(file, &created) == 0 && created.st_gid == replaced.st_gid);
-    const mode_t kept = hasGroup ? S_IRWXU | S_IRWXG | S_IRWXO : S_IRWXU | S_IRWXO;
-    fchmod(file, replaced.st_mode & kept);
+    if (hasGroup)
+        fchmod(file, replaced.st_mode & (withoutGroup | S_IRWXG));
 }
 
 // Creates the file where nothing is left, so that no link that was put there meanwhile is followed.
@@ -127,7 +134,30 @@ std::FILE* createFile(const std::string& path, const struct stat* replaced) {
         return nullptr;
     if (replaced != nullptr)
         keepPermissions(file, *replaced);
-    return streamOf(file, "w");
+    std::FILE* const stream = streamOf(file, "w");
+    if (stream == nullptr)
+        std::remove(path.c_str()); // or an empty file would be taken for a preset
+    return stream;
+}
+
+/// What a store finds at the path of a file and at that of its backup.
+struct Places {
+    std::string path;
+    std::string backup;
+    Found atPath = Found::nothing;
+    Found atBackup = Found::nothing;
+    struct stat file {};
+    struct stat oldBackup {};
+};
+
+Places lookAround(const std::string& path) {
+    Places places{path, backupOf(path)};
+    places.atPath = lookUp(path, places.file);
+    places.atBackup = lookUp(places.backup, places.oldBackup);
+    struct stat link {};
+    if (places.atBackup == Found::nothing && lstat(places.backup.c_str(), &link) == 0)
+        places.atBackup = Found::somethingElse; // a link that leads nowhere is nobody's backup
+    return places;
 }
 
 // A folder or a device that somebody named by mistake is not moved away, nor is what cannot be told
@@ -136,11 +166,28 @@ bool mayBeReplaced(Found found) {
     return found == Found::nothing || found == Found::regularFile;
 }
 
-} // namespace
-
-std::string backupOf(const std::string& path) {
-    return path + "_bak";
+// The file may be there under both names already, and renaming one to the other does nothing then.
+bool isOneFile(const Places& places) {
+    return places.atPath == Found::regularFile && places.atBackup == Found::regularFile &&
+           places.file.st_dev == places.oldBackup.st_dev &&
+           places.file.st_ino == places.oldBackup.st_ino;
 }
+
+bool makeBackup(const Places& places) {
+    return mayBeReplaced(places.atPath) && mayBeReplaced(places.atBackup) &&
+           succeededOrMissing(std::rename(places.path.c_str(), places.backup.c_str())) &&
+           (!isOneFile(places) || succeededOrMissing(std::remove(places.path.c_str()))) &&
+           syncFolder(places.path);
+}
+
+// What the new file replaces: the backup is all that an interrupted store may have left.
+const struct stat* replacedBy(const Places& places) {
+    if (places.atPath == Found::regularFile)
+        return &places.file;
+    return places.atBackup == Found::regularFile ? &places.oldBackup : nullptr;
+}
+
+} // namespace
 
 BackupState lookUpBackup(const std::string& path) {
     struct stat status {};
@@ -166,22 +213,12 @@ bool openPresetForRead(const std::string& path, std::FILE*& stream) {
 
 bool openPresetForWrite(const std::string& path, std::FILE*& stream) {
     stream = nullptr;
-    const auto backup = backupOf(path);
-    struct stat fileStatus {};
-    struct stat backupStatus {};
-    const auto file = lookUp(path, fileStatus);
-    const auto oldBackup = lookUp(backup, backupStatus);
-    if (!mayBeReplaced(file) || !mayBeReplaced(oldBackup) ||
-        !succeededOrMissing(std::rename(path.c_str(), backup.c_str())) || !syncFolder(path)) {
-        syslog(LOG_ERR, "Error renaming file %s to %s", path.c_str(), backup.c_str());
+    const auto places = lookAround(path);
+    if (!makeBackup(places)) {
+        syslog(LOG_ERR, "Error renaming file %s to %s", path.c_str(), places.backup.c_str());
         return false;
     }
-    const struct stat* replaced = nullptr;
-    if (file == Found::regularFile)
-        replaced = &fileStatus;
-    else if (oldBackup == Found::regularFile) // all that an interrupted store may have left
-        replaced = &backupStatus;
-    stream = createFile(path, replaced);
+    stream = createFile(path, replacedBy(places));
     return true;
 }
 

@@ -43,8 +43,9 @@ bool openPresetForRead(const std::string& path, std::FILE*& stream);
 /// has the permissions of the file that it replaces, and its owner and group where this process may
 /// give them away; the bits of a group that it cannot have are dropped.
 ///
-/// Only regular files and symbolic links to them are replaced, or links that lead nowhere: nothing
-/// is moved if there is anything else at the path or at that of the backup.
+/// Only regular files and symbolic links are replaced, and no link to anything but a regular file
+/// or nothing: nothing is moved if there is something else at the path, or what cannot be looked
+/// at, or anything but a regular file, or a link to one, at that of the backup.
 ///
 /// @param stream receives the stream, to be handed to `closePresetAfterWrite`; null if the file
 ///               cannot be created, in which case the backup stays and the next reading restores

@@ -173,6 +173,18 @@ TEST_F(PresetBackup, KeepsTheOldFileWhenTheDiskIsFull) {
     }
 }
 
+// The half-written file of an interrupted store has become the backup by then.
+TEST_F(PresetBackup, PutsBackWhatAnInterruptedStoreLeftWhenTheNextOneFails) {
+    folder_.write("p", "half");
+    folder_.write("p_bak", "complete");
+    test::FileRecorder files;
+    files.fail("fsync p", EIO);
+    EXPECT_FALSE(store("new"));
+    EXPECT_EQ(load(), "half");
+    EXPECT_FALSE(folder_.exists("p_bak"));
+    EXPECT_EQ(test::takeLog(), Log{writeError()});
+}
+
 TEST_F(PresetBackup, TakesAFolderThatCannotBeSyncedForSafeEnough) {
     for (const int error : {EINVAL, EROFS, ENOTSUP}) {
         folder_.write("p", "old");
