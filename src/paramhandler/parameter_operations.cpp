@@ -3,9 +3,11 @@
 #include "paramhandler/error_report.h"
 #include "paramhandler/string_list.h"
 #include "paramhandler/transaction_client.h"
+#include "text/utf8.h"
 
 #include <syslog.h>
 
+#include <cassert>
 #include <memory>
 #include <string_view>
 
@@ -172,6 +174,7 @@ bool parm_check_set(DBusGProxy* proxy, const guint32* transaction, const std::st
     constexpr const char* failureText = "parm_check_set_() - set failed";
     if (proxy == nullptr)
         return false;
+    assert(isUtf8(name) && isUtf8(value));
     gboolean answer = FALSE;
     const bool answered = callUntilAnswered(proxy, failureText, [&](GError** error) {
         callCheckSet(proxy, transaction, name.c_str(), value.c_str(), answer, error);

@@ -23,12 +23,13 @@ public:
     bool passed() const { return passed_; }
 
     void get(std::span<const std::string> keys) {
+        const char* const failureText = keys.size() == 1 ? getFailed : bulkGetFailed;
         ArraySize size;
         for (const auto& key : keys) {
-            requireUtf8(keys.size() == 1 ? getFailed : bulkGetFailed, "key", key, key);
+            requireUtf8(failureText, "key", key, key);
             size.add(key);
         }
-        requireRoom(bulkGetFailed, size, {});
+        requireRoom(failureText, size, {});
     }
 
     void set(std::span<const KeyValue> request) {
