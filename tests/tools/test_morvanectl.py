@@ -182,6 +182,15 @@ end
         ERROR, "", "morvanectl: Unknown preset definition: scenes\n")
 
 
+def test_a_dry_run_puts_no_backup_of_a_backup_back(world, ctl):
+    for name in ("old", "old_bak", "old_bak_bak"):
+        world.write(name, f"mode={name}\n")
+    assert ctl("load", "scene", "old", "--dry-run", bus=False) == (
+        ERROR, "", "morvanectl: old_bak has a backup, too: old_bak_bak\n")
+    for name in ("old", "old_bak", "old_bak_bak"):
+        assert (world.folder / name).read_text() == f"mode={name}\n"
+
+
 def test_a_dry_run_refuses_what_cannot_be_sent(world, ctl):
     world.write("bytes", b"mode=\xff\n")
     assert ctl("load", "scene", "bytes", "--dry-run", bus=False) == (

@@ -13,6 +13,7 @@
 #include <syslog.h>
 
 #include <iostream>
+#include <optional>
 #include <string_view>
 
 namespace morvane::ctl {
@@ -98,12 +99,27 @@ void writeCallsAsJson(const std::vector<Call>& calls) {
 }
 
 // A load puts a left-over backup back; nothing is changed here, so the backup itself is read.
-std::string fileToLoad(const std::string& file) {
+// @return nothing if reading that would put its own backup back.
+std::optional<std::string> fileToLoad(const std::string& file) {
     if (lookUpBackup(file) != BackupState::leftOver)
         return file;
     auto backup = backupOf(file);
+    if (lookUpBackup(backup) == BackupState::leftOver) {
+        note(backup + " has a backup, too: " + backupOf(backup));
+        return std::nullopt;
+    }
     note("an interrupted store left " + backup + ", which a load puts back");
     return backup;
+}
+
+bool loadInto(CallList& list, const Settings& settings, std::string_view method,
+              const PresetManager& manager) {
+    const auto operations = list.operations();
+    if (method == "load_default")
+        return loadDefaults(&operations, settings.preset, manager);
+    const auto file = fileToLoad(settings.file);
+    return file &&
+           loadPreset(&operations, settings.preset, *file, manager, method == "load_with_default");
 }
 
 } // namespace
@@ -116,13 +132,7 @@ ExitStatus showLoad(const Settings& settings, const char* method) {
     openlog("morvanectl", LOG_PERROR, LOG_USER);
     setlogmask(LOG_UPTO(LOG_ERR));
     CallList list;
-    const auto operations = list.operations();
-    const bool loaded =
-        std::string_view(method) == "load_default"
-            ? loadDefaults(&operations, settings.preset, variant->manager)
-            : loadPreset(&operations, settings.preset, fileToLoad(settings.file), variant->manager,
-                         std::string_view(method) == "load_with_default");
-    if (!loaded)
+    if (!loadInto(list, settings, method, variant->manager))
         return ExitStatus::error;
     settings.json ? writeCallsAsJson(list.calls()) : writeCalls(list.calls());
     return ExitStatus::yes;
