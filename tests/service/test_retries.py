@@ -219,7 +219,7 @@ def test_waits_for_a_late_answer(world):
 def test_repeats_a_call_that_is_never_answered(world):
     """D-Bus gives up waiting after 25 seconds, here of a faster clock."""
     handler = world.simulator(faults="start 1 no-reply\n")
-    daemon = world.daemon(clock_rate=50)
+    daemon = world.daemon(clock_rate=10)
     path = world.folder / "p"
     assert world.client().preset("store", "scene", str(path)) is True
     (error, done) = daemon.records_after_start()
