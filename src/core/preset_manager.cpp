@@ -1,7 +1,7 @@
 #include "core/preset_manager.h"
 
 #include "core/definitions.h"
-#include "engine/tables/preset_generate.h"
+#include "tables/preset_keys.h"
 
 namespace morvane {
 

@@ -1,11 +1,10 @@
 // The one core object of the daemon: the definition files digested into lookup tables.
 #pragma once
 
-#include "engine/tables/index_table.h"
-#include "engine/tables/key_set.h"
-#include "engine/tables/parameter_map.h"
-#include "engine/tables/translation_tables.h"
 #include "paramdef/system_arguments.h"
+#include "tables/device_tables.h"
+#include "tables/key_set.h"
+#include "tables/translation_tables.h"
 
 #include <map>
 #include <string>

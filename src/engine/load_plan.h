@@ -3,7 +3,7 @@
 
 #include "engine/parameter_operations.h"
 #include "engine/preset_entry.h"
-#include "engine/tables/key_set.h"
+#include "tables/key_set.h"
 
 #include <cstddef>
 #include <memory_resource>

@@ -2,7 +2,7 @@
 // client; tests bind them to a recorder.
 #pragma once
 
-#include "engine/tables/key_set.h"
+#include "tables/key_set.h"
 #include "text/borrowed_text.h"
 #include "text/request_texts.h"
 

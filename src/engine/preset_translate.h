@@ -2,7 +2,7 @@
 #pragma once
 
 #include "engine/preset_entry.h"
-#include "engine/tables/translation_tables.h"
+#include "tables/translation_tables.h"
 
 #include <cstddef>
 #include <optional>

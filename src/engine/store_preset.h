@@ -1,7 +1,7 @@
 // Stores the live values of a preset, or of a part of one, in a preset data file.
 #pragma once
 
-#include "engine/tables/key_set.h"
+#include "tables/key_set.h"
 
 #include <string>
 

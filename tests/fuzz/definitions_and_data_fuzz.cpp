@@ -5,9 +5,8 @@
 #include "core/preset_manager.h"
 #include "engine/preset_file.h"
 #include "engine/preset_translate.h"
-#include "engine/tables/preset_generate.h"
-#include "engine/tables/valid_values.h"
 #include "fuzz_input.h"
+#include "tables/valid_values.h"
 #include "text/line_reader.h"
 
 #include <algorithm>

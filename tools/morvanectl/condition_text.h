@@ -1,8 +1,8 @@
 // Conditions of parameter definitions, put in words.
 #pragma once
 
-#include "engine/tables/condition.h"
 #include "paramdef/system_parameter.h"
+#include "tables/condition.h"
 
 #include <string>
 #include <vector>

@@ -3,10 +3,10 @@
 #include "commands.h"
 #include "condition_text.h"
 #include "engine/preset_entry.h"
-#include "engine/tables/preset_generate.h"
 #include "output.h"
 #include "preset_parts.h"
 #include "problem.h"
+#include "tables/preset_keys.h"
 #include "variant.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // Warnings about the parameter definition file.
 
 #include "condition_text.h"
-#include "engine/tables/valid_values.h"
 #include "paramdef/evaluator.h"
+#include "tables/valid_values.h"
 #include "text/number.h"
 #include "warnings.h"
 

@@ -1,6 +1,6 @@
 #include "preset_parts.h"
 
-#include "engine/tables/preset_generate.h"
+#include "tables/preset_keys.h"
 
 #include <algorithm>
 #include <iterator>

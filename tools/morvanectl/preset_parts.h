@@ -2,8 +2,8 @@
 #pragma once
 
 #include "core/preset_manager.h"
-#include "engine/tables/parameter_map.h"
 #include "presetdef/preset_definition.h"
+#include "tables/device_tables.h"
 
 #include <cstdint>
 #include <string>

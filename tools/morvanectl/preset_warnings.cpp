@@ -1,7 +1,7 @@
 // Warnings about the presets of the preset definition file.
 
-#include "engine/tables/preset_generate.h"
 #include "preset_parts.h"
+#include "tables/preset_keys.h"
 #include "text/number.h"
 #include "warnings.h"
 

@@ -1,8 +1,8 @@
 #include "device.h"
 
-#include "engine/tables/condition.h"
-#include "engine/tables/preset_generate.h"
 #include "paramdef/evaluator.h"
+#include "tables/condition.h"
+#include "tables/preset_keys.h"
 #include "text/number.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 // The parameters of one simulated device: what exists on this variant, and what may be set.
 #pragma once
 
-#include "engine/tables/valid_values.h"
 #include "paramdef/system_arguments.h"
 #include "paramdef/system_parameter.h"
+#include "tables/valid_values.h"
 
 #include <deque>
 #include <string>

@@ -1,10 +1,9 @@
 // What the lists of a preset select: for each parameter, sets of its instances.
 #pragma once
 
-#include "engine/tables/chosen_values.h"
-#include "engine/tables/index_table.h"
-#include "engine/tables/parameter_map.h"
 #include "presetdef/preset_definition.h"
+#include "tables/chosen_values.h"
+#include "tables/device_tables.h"
 
 #include <deque>
 #include <map>

@@ -1,7 +1,7 @@
-#include "engine/tables/valid_values.h"
 #include "paramdef/system_parameter.h"
 #include "support/definition_text.h"
 #include "support/memory_limit.h"
+#include "tables/valid_values.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,6 @@
-#include "engine/tables/preset_generate.h"
-#include "engine/tables/translation_tables.h"
 #include "support/definition_text.h"
 #include "support/output_capture.h"
+#include "tables/translation_tables.h"
 
 #include <gtest/gtest.h>
 

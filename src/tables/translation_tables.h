@@ -1,6 +1,8 @@
 // How entries of older preset data files become entries of this device, ready for lookup.
 #pragma once
 
+#include "tables/device_tables.h"
+
 #include <cstddef>
 #include <map>
 #include <set>
@@ -8,6 +10,9 @@
 #include <vector>
 
 namespace morvane {
+
+struct TranslateMapping;
+struct TranslateSection;
 
 /// How one list of old indices becomes the current one: an element for each index of the parameter
 /// today. An element that holds "idx::" and a number stands for the old index at that position,
@@ -34,5 +39,22 @@ struct TranslationTables {
     std::map<std::string, NameMapping, std::less<>> nameMappings; ///< by old name
     IndexMaps indexMaps;
 };
+
+namespace PresetGenerate {
+
+/// Adds the index templates of a translate section. The first template of a parameter and a number
+/// of old indices stays.
+///
+/// Ends at the first mapping whose parameter does not exist on this device, or that leaves one of
+/// its indices out, with a message on standard error. Mappings before it keep their templates;
+/// entries of its parameter and of those behind it keep their old indices.
+void transIndexMapList(const std::vector<TranslateMapping>& mappings, const ParameterMap& readWrite,
+                       const ParameterMap& readOnly, IndexMaps& indexMaps);
+
+/// Adds everything that a translate section says. Of two mappings of one old name, the first stays.
+void addTranslation(const TranslateSection& section, const ParameterMap& readWrite,
+                    const ParameterMap& readOnly, TranslationTables& tables);
+
+} // namespace PresetGenerate
 
 } // namespace morvane

@@ -1,4 +1,4 @@
-#include "engine/tables/condition.h"
+#include "tables/condition.h"
 
 #include "paramdef/evaluator.h"
 #include "paramdef/system_parameter.h"

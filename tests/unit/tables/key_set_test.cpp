@@ -1,4 +1,4 @@
-#include "engine/tables/key_set.h"
+#include "tables/key_set.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "engine/tables/selections.h"
+#include "tables/selections.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,9 +1,9 @@
-// The index table and the parameter maps.
+#include "tables/device_tables.h"
 
-#include "engine/tables/condition.h"
-#include "engine/tables/preset_generate.h"
-#include "engine/tables/valid_values.h"
 #include "paramdef/system_parameter.h"
+#include "tables/condition.h"
+#include "tables/valid_values.h"
+#include "text/number.h"
 
 #include <utility>
 
@@ -36,6 +36,12 @@ bool isSelected(AccessType access, AccessSelector selector) {
 }
 
 } // namespace
+
+// Counts in 64 bits: a span may end at the greatest number.
+void appendNumbers(std::int32_t low, std::int32_t high, IndexValues& values) {
+    for (std::int64_t number = low; number <= high; ++number)
+        values.push_back(decimalText(static_cast<std::int32_t>(number)));
+}
 
 IndexTable PresetGenerate::indexTable(const SystemParameterTable& parameters,
                                       const SystemArguments& arguments) {

@@ -1,8 +1,8 @@
-#include "engine/tables/valid_values.h"
+#include "tables/valid_values.h"
 
-#include "engine/tables/condition.h"
 #include "paramdef/evaluator.h"
 #include "paramdef/system_parameter.h"
+#include "tables/condition.h"
 
 #include <optional>
 #include <utility>

@@ -1,5 +1,5 @@
-#include "engine/tables/selections.h"
 #include "support/definition_text.h"
+#include "tables/selections.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,5 @@
-// The tables of a translate section.
+#include "tables/translation_tables.h"
 
-#include "engine/tables/translation_tables.h"
-
-#include "engine/tables/preset_generate.h"
 #include "presetdef/translate_section.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
-#include "engine/tables/preset_generate.h"
 #include "paramdef/system_parameter.h"
 #include "support/definition_text.h"
 #include "support/memory_limit.h"
+#include "tables/preset_keys.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // The values that one selector of an index clause stands for.
 #pragma once
 
-#include "engine/tables/index_table.h"
 #include "presetdef/preset_definition.h"
+#include "tables/device_tables.h"
 
 #include <string_view>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "engine/tables/chosen_values.h"
+#include "tables/chosen_values.h"
 
 #include "text/number.h"
 

@@ -1,6 +1,6 @@
-#include "engine/tables/condition.h"
 #include "paramdef/system_parameter.h"
 #include "support/definition_text.h"
+#include "tables/condition.h"
 
 #include <gtest/gtest.h>
 

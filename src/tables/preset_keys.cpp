@@ -1,8 +1,7 @@
-// The key set of a preset.
+#include "tables/preset_keys.h"
 
-#include "engine/tables/preset_generate.h"
-#include "engine/tables/selections.h"
 #include "presetdef/preset_definition.h"
+#include "tables/selections.h"
 
 #include <algorithm>
 #include <iterator>

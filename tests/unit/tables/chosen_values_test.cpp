@@ -1,6 +1,6 @@
-#include "engine/tables/chosen_values.h"
 #include "support/memory_limit.h"
 #include "support/preset_records.h"
+#include "tables/chosen_values.h"
 
 #include <gtest/gtest.h>
 
