@@ -3,9 +3,9 @@
 #include "dbus/fatal_error.h"
 #include "dbus/server.h"
 #include "dbus/service_globals.h"
-#include "paramhandler/deprecated_glib.h"
+#include "glib/deprecated_glib.h"
+#include "glib/glib_owned.h"
 #include "paramhandler/error_report.h"
-#include "paramhandler/glib_owned.h"
 
 #include <dbus/dbus-glib-lowlevel.h>
 #include <dbus/dbus-glib.h>

@@ -5,7 +5,7 @@
 #include "dbus/service_globals.h"
 #include "engine/load_preset.h"
 #include "engine/store_preset.h"
-#include "paramhandler/deprecated_glib.h"
+#include "glib/deprecated_glib.h"
 #include "value_object_glue.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "paramhandler/connection.h"
 
-#include "paramhandler/deprecated_glib.h"
+#include "glib/deprecated_glib.h"
 #include "paramhandler/error_report.h"
 
 #include <dbus/dbus-glib-lowlevel.h>

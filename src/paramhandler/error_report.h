@@ -1,7 +1,7 @@
 // Logs errors of the connection to the Parameter Handler.
 #pragma once
 
-#include "paramhandler/glib_owned.h"
+#include "glib/glib_owned.h"
 
 namespace morvane {
 

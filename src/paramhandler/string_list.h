@@ -1,7 +1,7 @@
 // The strings of a call to the Parameter Handler.
 #pragma once
 
-#include "paramhandler/glib_owned.h"
+#include "glib/glib_owned.h"
 #include "text/borrowed_text.h"
 
 #include <cstddef>

@@ -2,7 +2,7 @@
 // operation makes, and what it takes from the answer. Each test is a process of its own, because
 // the connection to the session bus is one for the process.
 
-#include "paramhandler/glib_owned.h"
+#include "glib/glib_owned.h"
 #include "paramhandler/parameter_operations.h"
 #include "paramhandler/transaction_client.h"
 #include "support/log_recorder.h"

@@ -84,12 +84,4 @@ std::optional<bool> BusClient::isRunning(const Service& service) const {
     return owned != FALSE;
 }
 
-GVariant* stringArray(const std::vector<std::string>& texts) {
-    GVariantBuilder builder;
-    g_variant_builder_init(&builder, G_VARIANT_TYPE_STRING_ARRAY);
-    for (const auto& text : texts)
-        g_variant_builder_add(&builder, "s", text.c_str());
-    return g_variant_builder_end(&builder);
-}
-
 } // namespace morvane::ctl

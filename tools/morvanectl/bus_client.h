@@ -1,7 +1,7 @@
 // Calls on the session bus. GDBus lives here and nowhere else in morvanectl.
 #pragma once
 
-#include "paramhandler/glib_owned.h"
+#include "glib/variant.h"
 
 #include <gio/gio.h>
 
@@ -19,8 +19,6 @@ struct Service {
 
 constexpr Service presetService{"org.norvix.preset", "/preset"};
 constexpr Service parameterHandler{"org.norvix.transaction", "/transaction"};
-
-using OwnedVariant = std::unique_ptr<GVariant, ReleasedBy<g_variant_unref>>;
 
 /// An answer, or the text of an error.
 struct Answer {
@@ -47,8 +45,5 @@ public:
 private:
     std::unique_ptr<GDBusConnection, ReleasedBy<g_object_unref>> bus_;
 };
-
-/// A floating array of strings.
-GVariant* stringArray(const std::vector<std::string>& texts);
 
 } // namespace morvane::ctl

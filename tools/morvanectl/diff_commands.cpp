@@ -95,15 +95,14 @@ std::optional<Values> liveValues(const std::string& address, const std::vector<s
         return std::nullopt;
     }
     const OwnedVariant list(g_variant_get_child_value(answer.values.get(), 0));
-    if (g_variant_n_children(list.get()) != keys.size()) {
+    auto texts = stringsOf(list.get());
+    if (texts.size() != keys.size()) {
         fail("the Parameter Handler answered another number of values");
         return std::nullopt;
     }
     Values values;
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-        const OwnedVariant text(g_variant_get_child_value(list.get(), i));
-        values[keys[i]] = g_variant_get_string(text.get(), nullptr);
-    }
+    for (std::size_t i = 0; i < keys.size(); ++i)
+        values[keys[i]] = std::move(texts[i]);
     return values;
 }
 

@@ -1,6 +1,6 @@
 #include "transaction_calls.h"
 
-#include "paramhandler/glib_owned.h"
+#include "glib/variant.h"
 
 #include <algorithm>
 #include <array>
@@ -70,8 +70,6 @@ constexpr std::array methods{
            Target::status},
 };
 
-using OwnedVariant = std::unique_ptr<GVariant, ReleasedBy<g_variant_unref>>;
-
 /// The arguments of a call, from left to right.
 class Arguments {
 public:
@@ -84,10 +82,7 @@ public:
         const auto argument = next();
         if (count == Count::one)
             return {g_variant_get_string(argument.get(), nullptr)};
-        gsize size = 0;
-        const std::unique_ptr<const gchar*, ReleasedBy<g_free>> texts(
-            g_variant_get_strv(argument.get(), &size));
-        return {texts.get(), texts.get() + size};
+        return stringsOf(argument.get());
     }
 
 private:
@@ -147,14 +142,6 @@ Outcome checkSet(ValueStore& values, ValueStore::Scope scope, Arguments& argumen
     return outcome;
 }
 
-GVariant* stringList(const std::vector<std::string>& texts) {
-    GVariantBuilder builder;
-    g_variant_builder_init(&builder, G_VARIANT_TYPE_STRING_ARRAY);
-    for (const auto& text : texts)
-        g_variant_builder_add(&builder, "s", text.c_str());
-    return g_variant_builder_end(&builder);
-}
-
 } // namespace
 
 Outcome perform(ValueStore& values, std::string_view method, GVariant* parameters) {
@@ -198,7 +185,7 @@ GVariant* replyBody(const Outcome& outcome) {
             return g_variant_new("(s)", text.c_str());
         }
         GVariant* operator()(const std::vector<std::string>& texts) const {
-            return g_variant_new("(@as)", stringList(texts));
+            return g_variant_new("(@as)", stringArray(texts));
         }
     };
     return std::visit(Visitor{}, outcome.result);

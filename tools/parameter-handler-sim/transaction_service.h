@@ -2,7 +2,7 @@
 #pragma once
 
 #include "fault_script.h"
-#include "paramhandler/glib_owned.h"
+#include "glib/glib_owned.h"
 #include "transaction_calls.h"
 #include "value_store.h"
 

@@ -1,4 +1,4 @@
-#include "paramhandler/glib_owned.h"
+#include "glib/variant.h"
 #include "support/definition_text.h"
 #include "transaction_calls.h"
 
@@ -9,8 +9,6 @@
 
 namespace morvane::sim {
 namespace {
-
-using OwnedVariant = std::unique_ptr<GVariant, ReleasedBy<g_variant_unref>>;
 
 class TransactionCalls : public testing::Test {
 protected:
@@ -23,7 +21,7 @@ protected:
         if (outcome.refusal)
             return *outcome.refusal;
         const OwnedVariant reply(g_variant_ref_sink(replyBody(outcome)));
-        const std::unique_ptr<gchar, ReleasedBy<g_free>> text(g_variant_print(reply.get(), TRUE));
+        const OwnedText text(g_variant_print(reply.get(), TRUE));
         std::string changed;
         for (const auto& key : outcome.changed.value_or(std::vector<std::string>()))
             changed += " " + key;

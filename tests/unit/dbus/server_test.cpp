@@ -1,8 +1,8 @@
 #include "core/preset_manager.h"
 #include "dbus/server.h"
 #include "dbus/service_globals.h"
-#include "paramhandler/deprecated_glib.h"
-#include "paramhandler/glib_owned.h"
+#include "glib/deprecated_glib.h"
+#include "glib/glib_owned.h"
 #include "support/log_recorder.h"
 #include "support/temp_folder.h"
 

@@ -1,7 +1,7 @@
 // Here and nowhere else.
 #define GLIB_DISABLE_DEPRECATION_WARNINGS
 
-#include "paramhandler/deprecated_glib.h"
+#include "glib/deprecated_glib.h"
 
 #include <glib-object.h>
 
