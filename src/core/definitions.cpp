@@ -2,7 +2,7 @@
 
 #include "paramdef/param_def_file.h"
 #include "presetdef/preset_def_file.h"
-#include "presetdef/preset_validation.h"
+#include "presetdef/validation.h"
 
 namespace morvane {
 

@@ -3,7 +3,7 @@
 #include "fuzz_input.h"
 #include "paramdef/param_def_parser.h"
 #include "presetdef/preset_def_file.h"
-#include "presetdef/preset_validation.h"
+#include "presetdef/validation.h"
 
 namespace {
 

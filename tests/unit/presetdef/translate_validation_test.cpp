@@ -1,5 +1,5 @@
 #include "paramdef/system_parameter.h"
-#include "presetdef/translate_validation.h"
+#include "presetdef/validation.h"
 #include "support/definition_text.h"
 #include "support/output_capture.h"
 #include "support/preset_records.h"

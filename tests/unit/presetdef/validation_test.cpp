@@ -1,5 +1,5 @@
 #include "paramdef/system_parameter.h"
-#include "presetdef/preset_validation.h"
+#include "presetdef/validation.h"
 #include "support/definition_text.h"
 #include "support/output_capture.h"
 #include "support/preset_records.h"
@@ -186,6 +186,15 @@ TEST(PresetValidation, ReportsTheFirstFailureOfTheSectionsAndThenOfThePresets) {
                   output);
         EXPECT_EQ(validated, result);
     }
+}
+
+TEST(PresetValidation, WritesTheLineAndTheTextAndHandsTheResultBack) {
+    const auto definitions =
+        test::presetDefinitionsOf(std::string(4710, '\n') + "a preset { include ro { x } }");
+    auto result = PARSE_PRESET_OK;
+    EXPECT_EQ(test::standardOutputOf([&] { result = validatePresetDefinitions(definitions, {}); }),
+              "Preset Definition Error on line 4711.\n x - is an undefined system parameter\n");
+    EXPECT_EQ(result, PARSE_PRESET_ACCESS_ERR);
 }
 
 } // namespace
