@@ -1,6 +1,6 @@
 #include "bus_client.h"
 
-#include "problem.h"
+#include "output.h"
 
 namespace morvane::ctl {
 

@@ -3,7 +3,6 @@
 
 #include "commands.h"
 #include "output.h"
-#include "problem.h"
 #include "text/line_reader.h"
 #include "text/report.h"
 #include "warnings.h"

@@ -1,7 +1,7 @@
 #include "command_line.h"
 
 #include "commands.h"
-#include "problem.h"
+#include "output.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,7 +1,7 @@
 // The command line of morvanectl.
 #pragma once
 
-#include "exit_status.h"
+#include "output.h"
 
 namespace morvane::ctl {
 

@@ -1,7 +1,7 @@
 // The subcommands. Each writes its answer to standard output and its problems to standard error.
 #pragma once
 
-#include "exit_status.h"
+#include "output.h"
 #include "settings.h"
 
 namespace morvane::ctl {

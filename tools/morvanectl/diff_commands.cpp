@@ -2,11 +2,9 @@
 
 #include "bus_client.h"
 #include "commands.h"
-#include "data_file.h"
 #include "engine/preset_file.h"
 #include "engine/preset_translate.h"
 #include "output.h"
-#include "problem.h"
 #include "variant.h"
 
 #include <iostream>

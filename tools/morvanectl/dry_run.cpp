@@ -7,7 +7,6 @@
 #include "engine/preset_backup.h"
 #include "output.h"
 #include "paramhandler/send_check.h"
-#include "problem.h"
 #include "variant.h"
 
 #include <syslog.h>

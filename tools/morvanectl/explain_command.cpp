@@ -5,7 +5,6 @@
 #include "engine/preset_entry.h"
 #include "output.h"
 #include "preset_parts.h"
-#include "problem.h"
 #include "tables/preset_keys.h"
 #include "variant.h"
 

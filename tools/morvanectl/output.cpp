@@ -4,6 +4,15 @@
 
 namespace morvane::ctl {
 
+ExitStatus fail(std::string_view problem) {
+    note(problem);
+    return ExitStatus::error;
+}
+
+void note(std::string_view text) {
+    std::cerr << "morvanectl: " << text << std::endl;
+}
+
 std::string joined(std::span<const std::string> texts, const char* separator) {
     std::string all;
     for (const auto& text : texts)

@@ -1,11 +1,26 @@
-// What morvanectl lists, as lines or as JSON.
+// What morvanectl writes, and how it ends.
 #pragma once
 
 #include <nlohmann/json.hpp>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace morvane::ctl {
+
+/// Part of the tool's interface: scripts ask.
+enum class ExitStatus : int {
+    yes = 0,   ///< yes, same, done, nothing to complain about
+    no = 1,    ///< no, different, warnings
+    error = 2, ///< the question could not be answered
+};
+
+/// Writes a line about a problem to standard error, behind the program's name.
+/// @return ExitStatus::error, so that a command can end with it.
+ExitStatus fail(std::string_view problem);
+
+/// Writes a line to standard error that is no problem, such as what is waited for.
+void note(std::string_view text);
 
 using Json = nlohmann::ordered_json;
 

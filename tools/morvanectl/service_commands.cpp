@@ -3,7 +3,6 @@
 #include "bus_client.h"
 #include "commands.h"
 #include "output.h"
-#include "problem.h"
 #include "text/utf8.h"
 
 #include <filesystem>

@@ -1,7 +1,6 @@
 // morvanectl translate: what becomes of each line of a preset data file when it is loaded.
 
 #include "commands.h"
-#include "data_file.h"
 #include "engine/preset_file.h"
 #include "engine/preset_translate.h"
 #include "output.h"

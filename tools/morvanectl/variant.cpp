@@ -1,7 +1,8 @@
 #include "variant.h"
 
-#include "problem.h"
+#include "output.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <utility>
@@ -46,6 +47,16 @@ std::optional<Variant> readVariantWithPreset(const Settings& settings) {
         return std::nullopt;
     }
     return variant;
+}
+
+OwnedStream openDataFile(const std::string& file) {
+    struct stat status {};
+    OwnedStream stream;
+    if (stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode)) // a FIFO would block
+        stream.reset(std::fopen(file.c_str(), "r"));
+    if (!stream)
+        fail("cannot read " + file);
+    return stream;
 }
 
 } // namespace morvane::ctl

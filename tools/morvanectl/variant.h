@@ -1,11 +1,14 @@
-// The definitions and what they come to on one variant of the device, for the offline subcommands.
+// What the offline subcommands read: the definitions, with what they come to on one variant of the
+// device, and preset data files.
 #pragma once
 
 #include "core/definitions.h"
 #include "core/preset_manager.h"
 #include "settings.h"
+#include "text/line_reader.h"
 
 #include <optional>
+#include <string>
 
 namespace morvane::ctl {
 
@@ -23,5 +26,9 @@ std::optional<Variant> readVariant(const Settings& settings);
 
 /// As above, and says it if the preset of the settings does not exist on this variant.
 std::optional<Variant> readVariantWithPreset(const Settings& settings);
+
+/// Opens a regular file for reading; unlike a load, leaves a left-over backup alone.
+/// @return null, with a word on standard error, if it cannot be read.
+OwnedStream openDataFile(const std::string& file);
 
 } // namespace morvane::ctl
