@@ -275,8 +275,8 @@ BENCHMARK_CAPTURE(translate, reindexed, reindexed);
 
 // Whole requests.
 
-/// A Parameter Handler that does nothing; what is read is always the same.
-ParameterOperations idleHandler() {
+/// Operations that do nothing; what is read is always the same.
+ParameterOperations idleOperations() {
     return {
         .isSendable = [](const RequestTexts&) { return true; },
         .parm_start_trans = [](Transaction&) { return true; },
@@ -296,13 +296,13 @@ ParameterOperations idleHandler() {
 }
 
 void store(benchmark::State& state) {
-    const auto handler = idleHandler();
+    const auto operations = idleOperations();
     const auto& manager = managerOf(state.range());
     auto folder = (std::filesystem::temp_directory_path() / "morvane-bench-XXXXXX").string();
     require(mkdtemp(folder.data()) != nullptr, "a folder");
     bool stored = true;
     while (state.KeepRunning())
-        stored = storePreset(&handler, scene, folder + "/file", manager) && stored;
+        stored = storePreset(&operations, scene, folder + "/file", manager) && stored;
     std::filesystem::remove_all(folder);
     require(stored, "a store");
     state.SetItemsProcessed(state.iterations() * state.range());
@@ -310,16 +310,16 @@ void store(benchmark::State& state) {
 BENCHMARK(store)->Apply(sizes);
 
 /// Loads each `step`-th key, with or without the defaults of the others.
-void load(benchmark::State& state, std::size_t step, bool withDefaults) {
-    const auto handler = idleHandler();
+void load(benchmark::State& state, std::size_t step, Defaults defaults) {
+    const auto operations = idleOperations();
     const auto& manager = managerOf(state.range());
     const MemoryFile file(dataOf(keysOf(state.range()), today, step));
     while (state.KeepRunning())
-        require(loadPreset(&handler, scene, file.path(), manager, withDefaults), "a load");
+        require(loadPreset(&operations, scene, file.path(), manager, defaults), "a load");
     state.SetItemsProcessed(state.iterations() * state.range());
 }
-BENCHMARK_CAPTURE(load, all, 1, false)->Apply(sizes);
-BENCHMARK_CAPTURE(load, half_with_defaults, 2, true)->Apply(sizes);
+BENCHMARK_CAPTURE(load, all, 1, Defaults::off)->Apply(sizes);
+BENCHMARK_CAPTURE(load, half_with_defaults, 2, Defaults::on)->Apply(sizes);
 
 } // namespace
 

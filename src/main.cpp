@@ -9,7 +9,7 @@ int main(int argc, char** argv) {
     morvane::openStandardStreams();
     morvane::Arguments arguments;
     morvane::parseCommandLine(argc, argv, arguments);
-    auto* const parameterHandler = morvane::connectParameterHandler();
+    const auto parameterHandler = morvane::connectParameterHandler();
     morvane::PresetManager manager(arguments.paramDefFile, arguments.presetDefFile,
                                    arguments.systemArguments);
     return morvane::run_server(parameterHandler, manager, arguments.daemonize);

@@ -2,10 +2,9 @@
 
 #include "dbus/fatal_error.h"
 #include "dbus/server.h"
-#include "dbus/service_globals.h"
 #include "glib/deprecated_glib.h"
 #include "glib/glib_owned.h"
-#include "paramhandler/error_report.h"
+#include "paramhandler/error_log.h"
 
 #include <dbus/dbus-glib-lowlevel.h>
 #include <dbus/dbus-glib.h>
@@ -91,9 +90,9 @@ void openStandardStreams() {
     close(descriptor); // the one beyond them
 }
 
-std::int32_t run_server(DBusGProxy* parameterHandler, PresetManager& manager,
+std::int32_t run_server(const Connection& parameterHandler, PresetManager& manager,
                         std::int32_t daemonize) {
-    service.parameterHandler = parameterHandler;
+    service.operations = bindOperations(parameterHandler);
     service.manager = &manager;
     initialiseTypes();
     initialiseThreads();

@@ -17,10 +17,10 @@ void openStandardStreams();
 /// Serves until "die" is called. A failure before that is logged and ends the process with
 /// status 1; a failure to detach aborts it.
 ///
-/// @param parameterHandler borrowed, as is `manager`; both must outlive the call.
-/// @param daemonize        other than 0: detach into the background before serving.
+/// @param manager   borrowed; must outlive the call.
+/// @param daemonize other than 0: detach into the background before serving.
 /// @return 1, always: it becomes the exit status, and service managers rely on it.
-std::int32_t run_server(DBusGProxy* parameterHandler, PresetManager& manager,
+std::int32_t run_server(const Connection& parameterHandler, PresetManager& manager,
                         std::int32_t daemonize);
 
 } // namespace morvane

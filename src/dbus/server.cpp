@@ -1,16 +1,58 @@
 #include "dbus/server.h"
 
 #include "core/preset_manager.h"
-#include "dbus/parameter_binding.h"
-#include "dbus/service_globals.h"
 #include "engine/load_preset.h"
 #include "engine/store_preset.h"
 #include "glib/deprecated_glib.h"
+#include "paramhandler/parameter_calls.h"
+#include "paramhandler/send_check.h"
 #include "value_object_glue.h"
 
 #include <algorithm>
+#include <initializer_list>
+#include <span>
 #include <string>
 #include <vector>
+
+namespace morvane {
+
+ServiceGlobals service;
+
+ParameterOperations bindOperations(const Connection& connection) {
+    return {
+        .isSendable = isSendable,
+        .parm_start_trans =
+            [connection](Transaction& started) { return parm_start_trans(connection, started); },
+        .parm_end_trans =
+            [connection](Transaction transaction) {
+                return parm_end_trans(connection, transaction);
+            },
+        .parm_get =
+            [connection](Transaction transaction, const KeySet& keys, SharedTexts& values) {
+                return parm_get(connection, &transaction, bulkGetOption, keys.keys(), values);
+            },
+        .parm_set =
+            [connection](Transaction transaction, std::span<const KeyValue> values) {
+                return parm_set(connection, &transaction, values);
+            },
+        .parm_set_status =
+            [connection](Transaction transaction, std::span<const KeyValue> values) {
+                return parm_set_status(connection, &transaction, values);
+            },
+        .parm_reset =
+            [connection](Transaction transaction, std::span<const BorrowedText> keys) {
+                return parm_reset(connection, &transaction, keys);
+            },
+        .parm_reset_status =
+            [connection](Transaction transaction, std::span<const BorrowedText> keys) {
+                return parm_reset_status(connection, &transaction, keys);
+            },
+        .parm_commit =
+            [connection](Transaction transaction) { return parm_commit(connection, transaction); },
+    };
+}
+
+} // namespace morvane
 
 using namespace morvane;
 
@@ -34,30 +76,41 @@ private:
     GMutex* mutex_;
 };
 
-gboolean fail(gboolean* success, GError** error, const char* message) {
+/// The error messages of a method.
+struct MethodErrors {
+    const char* invalid; ///< an argument is missing
+    const char* failed;  ///< null if FALSE is an answer, and no failure
+};
+
+gboolean fail(const char* message, gboolean* success, GError** error) {
     *success = FALSE;
     g_set_error_literal(error, g_quark_from_static_string("dbus_norvix_preset"), 0, message);
     return FALSE;
 }
 
-// A request that failed is an error reply, not a reply of FALSE.
-gboolean answer(bool done, gboolean* success, GError** error, const char* failureMessage) {
-    if (!done)
-        return fail(success, error, failureMessage);
-    *success = TRUE;
+// Handles a call: holds the mutex, looks at the arguments, does the work, and answers.
+template <typename Work>
+gboolean handle(const MethodErrors& errors, const ValueObject* obj,
+                std::initializer_list<const void*> arguments, gboolean* success, GError** error,
+                Work work) {
+    const ServiceLock lock;
+    g_assert(obj != NULL);
+    if (std::find(arguments.begin(), arguments.end(), nullptr) != arguments.end())
+        return fail(errors.invalid, success, error);
+    const bool done = work();
+    if (!done && errors.failed != nullptr)
+        return fail(errors.failed, success, error);
+    *success = done ? TRUE : FALSE;
     return TRUE;
 }
 
-/// The operations over the connection to the Parameter Handler, which there is once it is started.
-class Handler {
-public:
-    const ParameterOperations* get() const {
-        return service.parameterHandler != nullptr ? &operations_ : nullptr;
-    }
+const ParameterOperations* operations() {
+    return service.operations ? &*service.operations : nullptr;
+}
 
-private:
-    ParameterOperations operations_ = bindOperations(service.parameterHandler);
-};
+std::span<gchar* const> listed(gchar** texts) {
+    return {texts, g_strv_length(texts)};
+}
 
 } // namespace
 
@@ -92,95 +145,78 @@ GType value_object_get_type() {
 
 gboolean value_object_load(ValueObject* obj, gchar* preset_name, gchar* file_name,
                            gboolean* success, GError** error) {
-    const ServiceLock lock;
-    g_assert(obj != NULL);
-    if (preset_name == nullptr || file_name == nullptr)
-        return fail(success, error, "dbus_norvix_preset: Invalid parameters passed to load preset");
-    const Handler handler;
-    return answer(loadPreset(handler.get(), preset_name, file_name, *service.manager, false),
-                  success, error, "dbus_norvix_preset: Load preset failed");
+    constexpr MethodErrors errors{"dbus_norvix_preset: Invalid parameters passed to load preset",
+                                  "dbus_norvix_preset: Load preset failed"};
+    return handle(errors, obj, {preset_name, file_name}, success, error, [&] {
+        return loadPreset(operations(), preset_name, file_name, *service.manager, Defaults::off);
+    });
 }
 
 gboolean value_object_load_with_default(ValueObject* obj, gchar* preset_name, gchar* file_name,
                                         gboolean* success, GError** error) {
-    const ServiceLock lock;
-    g_assert(obj != NULL);
-    if (preset_name == nullptr || file_name == nullptr)
-        return fail(success, error,
-                    "dbus_norvix_preset: Invalid parameters passed to load preset with defaults");
-    const Handler handler;
-    return answer(loadPreset(handler.get(), preset_name, file_name, *service.manager, true),
-                  success, error, "dbus_norvix_preset: Load preset with defaults failed");
+    constexpr MethodErrors errors{
+        "dbus_norvix_preset: Invalid parameters passed to load preset with defaults",
+        "dbus_norvix_preset: Load preset with defaults failed"};
+    return handle(errors, obj, {preset_name, file_name}, success, error, [&] {
+        return loadPreset(operations(), preset_name, file_name, *service.manager, Defaults::on);
+    });
 }
 
 gboolean value_object_load_default(ValueObject* obj, gchar* preset_name, gboolean* success,
                                    GError** error) {
-    const ServiceLock lock;
-    g_assert(obj != NULL);
-    if (preset_name == nullptr)
-        return fail(success, error,
-                    "dbus_norvix_preset: Invalid parameters passed to load defaults");
-    const Handler handler;
-    return answer(loadDefaults(handler.get(), preset_name, *service.manager), success, error,
-                  "dbus_norvix_preset: Load defaults failed");
+    constexpr MethodErrors errors{"dbus_norvix_preset: Invalid parameters passed to load defaults",
+                                  "dbus_norvix_preset: Load defaults failed"};
+    return handle(errors, obj, {preset_name}, success, error,
+                  [&] { return loadDefaults(operations(), preset_name, *service.manager); });
 }
 
 gboolean value_object_store(ValueObject* obj, gchar* preset_name, gchar* file_name,
                             gboolean* success, GError** error) {
-    const ServiceLock lock;
-    g_assert(obj != NULL);
-    if (preset_name == nullptr || file_name == nullptr)
-        return fail(success, error,
-                    "dbus_norvix_preset: Invalid parameters passed to store preset");
-    const Handler handler;
-    return answer(storePreset(handler.get(), preset_name, file_name, *service.manager), success,
-                  error, "dbus_norvix_preset: Store preset failed");
+    constexpr MethodErrors errors{"dbus_norvix_preset: Invalid parameters passed to store preset",
+                                  "dbus_norvix_preset: Store preset failed"};
+    return handle(errors, obj, {preset_name, file_name}, success, error, [&] {
+        return storePreset(operations(), preset_name, file_name, *service.manager);
+    });
 }
 
 gboolean value_object_store_subpreset(ValueObject* obj, gchar** preset_list, gchar* preset_name,
                                       gchar* file_name, gboolean* success, GError** error) {
-    const ServiceLock lock;
-    g_assert(obj != NULL);
-    if (preset_list == nullptr || preset_name == nullptr || file_name == nullptr)
-        return fail(success, error,
-                    "dbus_norvix_preset: Invalid parameters passed to store_subpreset()");
-    const KeySet keys(
-        std::vector<std::string>(preset_list, preset_list + g_strv_length(preset_list)));
-    const Handler handler;
-    return answer(storeSubPreset(handler.get(), keys, preset_name, file_name, *service.manager),
-                  success, error, "dbus_norvix_preset: Store sub-preset failed");
+    constexpr MethodErrors errors{
+        "dbus_norvix_preset: Invalid parameters passed to store_subpreset()",
+        "dbus_norvix_preset: Store sub-preset failed"};
+    return handle(errors, obj, {preset_list, preset_name, file_name}, success, error, [&] {
+        const auto list = listed(preset_list);
+        const KeySet keys(std::vector<std::string>(list.begin(), list.end()));
+        return storeSubPreset(operations(), keys, preset_name, file_name, *service.manager);
+    });
 }
 
 gboolean value_object_in_preset(ValueObject* obj, gchar* preset_name, gchar** parm_list,
                                 gboolean* success, GError** error) {
-    const ServiceLock lock;
-    g_assert(obj != NULL);
-    if (preset_name == nullptr || parm_list == nullptr)
-        return fail(success, error, "dbus_norvix_preset: Invalid parameters passed to in_preset");
-    const bool found = std::any_of(
-        parm_list, parm_list + g_strv_length(parm_list),
-        [preset_name](const gchar* key) { return service.manager->in_preset(key, preset_name); });
-    *success = found ? TRUE : FALSE;
-    return TRUE;
+    constexpr MethodErrors errors{"dbus_norvix_preset: Invalid parameters passed to in_preset",
+                                  nullptr};
+    return handle(errors, obj, {preset_name, parm_list}, success, error, [&] {
+        return std::ranges::any_of(listed(parm_list), [&](const gchar* key) {
+            return service.manager->in_preset(key, preset_name);
+        });
+    });
 }
 
 gboolean value_object_is_preset(ValueObject* obj, gchar* preset_name, gboolean* success,
                                 GError** error) {
-    const ServiceLock lock;
-    g_assert(obj != NULL);
-    if (preset_name == nullptr)
-        return fail(success, error, "dbus_norvix_preset: Invalid parameters passed to is_preset");
-    *success = service.manager->is_preset(preset_name) ? TRUE : FALSE;
-    return TRUE;
+    constexpr MethodErrors errors{"dbus_norvix_preset: Invalid parameters passed to is_preset",
+                                  nullptr};
+    return handle(errors, obj, {preset_name}, success, error,
+                  [&] { return service.manager->is_preset(preset_name); });
 }
 
 gboolean value_object_die(ValueObject* obj, GError** /*error*/) {
     g_assert(obj != NULL);
     if (threadsInitialised() && service.mutex != nullptr) {
         freeMutex(service.mutex);
-        service.mutex = nullptr; // a request that is already queued is still answered
+        service.mutex = nullptr;
     }
     if (service.mainLoop != nullptr)
-        g_main_loop_quit(service.mainLoop);
+        g_main_loop_quit(service.mainLoop); // requests that are queued behind this one get no reply
     return TRUE;
 }

@@ -4,7 +4,33 @@
 // mutex for its whole work, the calls to the Parameter Handler and their pauses included.
 #pragma once
 
+#include "engine/parameter_operations.h"
+#include "paramhandler/connection.h"
+
 #include <glib-object.h>
+
+#include <optional>
+
+namespace morvane {
+
+class PresetManager;
+
+/// What the method handlers need and D-Bus does not hand them. Set once during start-up, in the
+/// order of the members; the pointers are borrowed.
+struct ServiceGlobals {
+    std::optional<ParameterOperations> operations; ///< of the Parameter Handler, once connected
+    PresetManager* manager = nullptr;
+    GMainLoop* mainLoop = nullptr;
+    GMutex* mutex = nullptr; ///< serialises the method handlers; null again after "die"
+};
+
+extern ServiceGlobals service;
+
+/// The operations of the Parameter Handler, over the connection to it.
+/// @param connection with a proxy.
+ParameterOperations bindOperations(const Connection& connection);
+
+} // namespace morvane
 
 /// Adds no fields and no virtual operations to its parent.
 struct ValueObject {

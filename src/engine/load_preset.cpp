@@ -33,23 +33,24 @@ bool readEntries(const std::string& filePath, LoadPlan& plan, int& count) {
     return true;
 }
 
-bool setAll(const ParameterOperations& handler, Transaction transaction,
+bool setAll(const ParameterOperations& operations, Transaction transaction,
             const RequestTexts& texts) {
-    return withRetries("parm_set", [&] { return handler.parm_set(transaction, texts.set); }) &&
+    return withRetries("parm_set", [&] { return operations.parm_set(transaction, texts.set); }) &&
            withRetries("parm_set_status",
-                       [&] { return handler.parm_set_status(transaction, texts.setStatus); });
+                       [&] { return operations.parm_set_status(transaction, texts.setStatus); });
 }
 
-bool resetAll(const ParameterOperations& handler, Transaction transaction,
+bool resetAll(const ParameterOperations& operations, Transaction transaction,
               const RequestTexts& texts) {
     return withRetries("parm_reset",
-                       [&] { return handler.parm_reset(transaction, texts.reset); }) &&
-           withRetries("parm_reset_status",
-                       [&] { return handler.parm_reset_status(transaction, texts.resetStatus); });
+                       [&] { return operations.parm_reset(transaction, texts.reset); }) &&
+           withRetries("parm_reset_status", [&] {
+               return operations.parm_reset_status(transaction, texts.resetStatus);
+           });
 }
 
-bool commit(const ParameterOperations& handler, Transaction transaction) {
-    return withRetries("parm_commit", [&] { return handler.parm_commit(transaction); });
+bool commit(const ParameterOperations& operations, Transaction transaction) {
+    return withRetries("parm_commit", [&] { return operations.parm_commit(transaction); });
 }
 
 bool refuseUnknown(const std::string& presetName) {
@@ -65,12 +66,13 @@ bool acceptEmpty(int priority, const std::string& filePath) {
 
 } // namespace
 
-bool loadPreset(const ParameterOperations* handler, const std::string& presetName,
-                const std::string& filePath, const PresetManager& manager, bool withDefaults) {
-    if (handler == nullptr)
+bool loadPreset(const ParameterOperations* operations, const std::string& presetName,
+                const std::string& filePath, const PresetManager& manager, Defaults defaults) {
+    if (operations == nullptr)
         return false;
     const auto* const presetKeys = manager.findPreset(presetName);
     const KeySet noKeys;
+    const bool withDefaults = defaults == Defaults::on;
     LoadPlan plan(manager, presetKeys != nullptr ? *presetKeys : noKeys);
     int entries = 0;
     if (!readEntries(filePath, plan, entries))
@@ -89,19 +91,20 @@ bool loadPreset(const ParameterOperations* handler, const std::string& presetNam
                              .reset = unset.keys,
                              .resetStatus = unset.statusKeys};
     Transaction transaction = 0;
-    const bool loaded = handler->isSendable(texts) && startTransaction(*handler, transaction) &&
-                        setAll(*handler, transaction, texts) &&
-                        (!withDefaults || resetAll(*handler, transaction, texts)) &&
-                        commit(*handler, transaction);
+    const bool loaded = operations->isSendable(texts) &&
+                        startTransaction(*operations, transaction) &&
+                        setAll(*operations, transaction, texts) &&
+                        (!withDefaults || resetAll(*operations, transaction, texts)) &&
+                        commit(*operations, transaction);
     if (loaded)
         syslog(LOG_INFO, "loadPreset(): %s preset loaded (%s) from %s.\n", presetName.c_str(),
                withDefaults ? "with defaults" : "without defaults", filePath.c_str());
     return loaded;
 }
 
-bool loadDefaults(const ParameterOperations* handler, const std::string& presetName,
+bool loadDefaults(const ParameterOperations* operations, const std::string& presetName,
                   const PresetManager& manager) {
-    if (handler == nullptr)
+    if (operations == nullptr)
         return false;
     const auto* const presetKeys = manager.findPreset(presetName);
     if (presetKeys == nullptr)
@@ -114,8 +117,9 @@ bool loadDefaults(const ParameterOperations* handler, const std::string& presetN
     const RequestTexts texts{
         .origin = presetName, .reset = keys.keys, .resetStatus = keys.statusKeys};
     Transaction transaction = 0;
-    const bool loaded = handler->isSendable(texts) && startTransaction(*handler, transaction) &&
-                        resetAll(*handler, transaction, texts) && commit(*handler, transaction);
+    const bool loaded =
+        operations->isSendable(texts) && startTransaction(*operations, transaction) &&
+        resetAll(*operations, transaction, texts) && commit(*operations, transaction);
     if (loaded)
         syslog(LOG_INFO, "loadDefaults(): %s defaults loaded.\n", presetName.c_str());
     return loaded;

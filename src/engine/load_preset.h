@@ -8,6 +8,12 @@ namespace morvane {
 class PresetManager;
 struct ParameterOperations;
 
+/// Whether a load puts the keys of the preset that the file does not have to their defaults.
+enum class Defaults {
+    off,
+    on
+};
+
 /// Sets the values that a preset data file has for keys of a preset, in one transaction and in file
 /// order; other entries are ignored. A file without entries is a successful load that changes
 /// nothing, unless the defaults are asked for.
@@ -15,14 +21,13 @@ struct ParameterOperations;
 /// The transaction is committed without waiting for the outcome. A failure after it was started
 /// neither commits nor ends it, and leaves it to the Parameter Handler.
 ///
-/// @param handler      null when there is no connection, which fails without a message.
-/// @param withDefaults whether the keys that the file does not have are put to their defaults.
+/// @param operations null when there is no connection, which fails without a message.
 /// @return whether the commit was sent, or there was nothing to do; every failure is logged.
-bool loadPreset(const ParameterOperations* handler, const std::string& presetName,
-                const std::string& filePath, const PresetManager& manager, bool withDefaults);
+bool loadPreset(const ParameterOperations* operations, const std::string& presetName,
+                const std::string& filePath, const PresetManager& manager, Defaults defaults);
 
 /// Puts all keys of a preset to their defaults, in one transaction, as `loadPreset` does.
-bool loadDefaults(const ParameterOperations* handler, const std::string& presetName,
+bool loadDefaults(const ParameterOperations* operations, const std::string& presetName,
                   const PresetManager& manager);
 
 } // namespace morvane

@@ -19,8 +19,9 @@ bool withRetries(const char* name, const std::function<bool()>& operation) {
     return true;
 }
 
-bool startTransaction(const ParameterOperations& handler, Transaction& transaction) {
-    return withRetries("parm_start_trans", [&] { return handler.parm_start_trans(transaction); });
+bool startTransaction(const ParameterOperations& operations, Transaction& transaction) {
+    return withRetries("parm_start_trans",
+                       [&] { return operations.parm_start_trans(transaction); });
 }
 
 } // namespace morvane

@@ -17,6 +17,6 @@ namespace morvane {
 bool withRetries(const char* name, const std::function<bool()>& operation);
 
 /// Starts a transaction by that rule: the first step of every request.
-bool startTransaction(const ParameterOperations& handler, Transaction& transaction);
+bool startTransaction(const ParameterOperations& operations, Transaction& transaction);
 
 } // namespace morvane

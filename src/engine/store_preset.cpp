@@ -29,18 +29,18 @@ KeySet commonKeys(const KeySet& chosen, const KeySet& presetKeys) {
     return KeySet(std::move(keys));
 }
 
-bool isSendable(const ParameterOperations& handler, const KeySet& keys,
+bool isSendable(const ParameterOperations& operations, const KeySet& keys,
                 const std::string& presetName) {
-    return handler.isSendable({.origin = presetName, .get = keys.keys()});
+    return operations.isSendable({.origin = presetName, .get = keys.keys()});
 }
 
-bool readValues(const ParameterOperations& handler, Transaction transaction, const KeySet& keys,
+bool readValues(const ParameterOperations& operations, Transaction transaction, const KeySet& keys,
                 SharedTexts& values) {
-    return withRetries("parm_get", [&] { return handler.parm_get(transaction, keys, values); });
+    return withRetries("parm_get", [&] { return operations.parm_get(transaction, keys, values); });
 }
 
-bool endTransaction(const ParameterOperations& handler, Transaction transaction) {
-    return withRetries("parm_end_trans", [&] { return handler.parm_end_trans(transaction); });
+bool endTransaction(const ParameterOperations& operations, Transaction transaction) {
+    return withRetries("parm_end_trans", [&] { return operations.parm_end_trans(transaction); });
 }
 
 bool writeValues(const StoreWords& words, const KeySet& keys, const SharedTexts& values,
@@ -59,20 +59,21 @@ bool writeValues(const StoreWords& words, const KeySet& keys, const SharedTexts&
 }
 
 // The transaction ends only after the file is safe; whatever fails before leaves it open.
-bool storeKeys(const StoreWords& words, const ParameterOperations& handler, Transaction transaction,
-               const KeySet& keys, const std::string& presetName, const std::string& filePath) {
+bool storeKeys(const StoreWords& words, const ParameterOperations& operations,
+               Transaction transaction, const KeySet& keys, const std::string& presetName,
+               const std::string& filePath) {
     SharedTexts values;
-    return readValues(handler, transaction, keys, values) &&
+    return readValues(operations, transaction, keys, values) &&
            writeValues(words, keys, values, presetName, filePath) &&
-           endTransaction(handler, transaction);
+           endTransaction(operations, transaction);
 }
 
 } // namespace
 
-bool storePreset(const ParameterOperations* handler, const std::string& presetName,
+bool storePreset(const ParameterOperations* operations, const std::string& presetName,
                  const std::string& filePath, const PresetManager& manager) {
     constexpr StoreWords words{"storePreset", "preset stored in"};
-    if (handler == nullptr)
+    if (operations == nullptr)
         return false;
     const auto* const keys = manager.findPreset(presetName);
     if (keys == nullptr || keys->empty()) {
@@ -81,15 +82,16 @@ bool storePreset(const ParameterOperations* handler, const std::string& presetNa
         return false;
     }
     Transaction transaction = 0;
-    return isSendable(*handler, *keys, presetName) && startTransaction(*handler, transaction) &&
-           storeKeys(words, *handler, transaction, *keys, presetName, filePath);
+    return isSendable(*operations, *keys, presetName) &&
+           startTransaction(*operations, transaction) &&
+           storeKeys(words, *operations, transaction, *keys, presetName, filePath);
 }
 
-bool storeSubPreset(const ParameterOperations* handler, const KeySet& subPresetKeys,
+bool storeSubPreset(const ParameterOperations* operations, const KeySet& subPresetKeys,
                     const std::string& presetName, const std::string& filePath,
                     const PresetManager& manager) {
     constexpr StoreWords words{"storeSubPreset", "sub-preset store completed in"};
-    if (handler == nullptr)
+    if (operations == nullptr)
         return false;
     if (subPresetKeys.empty()) {
         syslog(LOG_ERR, "storeSubPreset(): Sub-preset list is empty.\n");
@@ -103,7 +105,7 @@ bool storeSubPreset(const ParameterOperations* handler, const KeySet& subPresetK
     }
     const auto keys = commonKeys(subPresetKeys, *presetKeys);
     Transaction transaction = 0;
-    if (!isSendable(*handler, keys, presetName) || !startTransaction(*handler, transaction))
+    if (!isSendable(*operations, keys, presetName) || !startTransaction(*operations, transaction))
         return false;
     // Only now, so that whoever watches the Parameter Handler sees the start as of any other store.
     if (keys.empty()) {
@@ -113,7 +115,7 @@ bool storeSubPreset(const ParameterOperations* handler, const KeySet& subPresetK
                presetName.c_str());
         return false;
     }
-    return storeKeys(words, *handler, transaction, keys, presetName, filePath);
+    return storeKeys(words, *operations, transaction, keys, presetName, filePath);
 }
 
 } // namespace morvane

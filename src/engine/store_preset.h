@@ -16,14 +16,14 @@ struct ParameterOperations;
 /// A value that comes back empty ends the writing there, and the store still succeeds. A failure
 /// after the transaction was started leaves it open, for the Parameter Handler to drop.
 ///
-/// @param handler null when there is no connection, which fails without a message.
+/// @param operations null when there is no connection, which fails without a message.
 /// @return whether the file is complete and the transaction ended; every failure is logged.
-bool storePreset(const ParameterOperations* handler, const std::string& presetName,
+bool storePreset(const ParameterOperations* operations, const std::string& presetName,
                  const std::string& filePath, const PresetManager& manager);
 
 /// Does the same with those of `subPresetKeys` that belong to the preset; the others are ignored.
 /// The file then holds nothing else.
-bool storeSubPreset(const ParameterOperations* handler, const KeySet& subPresetKeys,
+bool storeSubPreset(const ParameterOperations* operations, const KeySet& subPresetKeys,
                     const std::string& presetName, const std::string& filePath,
                     const PresetManager& manager);
 

@@ -1,7 +1,7 @@
 #include "paramhandler/connection.h"
 
 #include "glib/deprecated_glib.h"
-#include "paramhandler/error_report.h"
+#include "paramhandler/error_log.h"
 
 #include <dbus/dbus-glib-lowlevel.h>
 #include <dbus/dbus-glib.h>
@@ -18,52 +18,43 @@ constexpr const char* serviceName = "org.norvix.transaction";
 constexpr const char* objectPath = "/transaction";
 constexpr const char* interfaceName = "org.norvix.transaction";
 
-// Where a proxy keeps its connection, which it does not give away itself.
-constexpr const char* connectionKey = "morvane-connection";
-
-void exitBecauseClosed() {
-    reportError("Session D-Bus connection closed", "no request can be answered any more",
-                AfterReport::exit);
+[[noreturn]] void exitBecauseClosed() {
+    exitWithError("Session D-Bus connection closed", "no request can be answered any more");
 }
 
 // libdbus would end the process too, but without a word in the log.
-DBusHandlerResult onMessage(DBusConnection* /*connection*/, DBusMessage* message,
-                            void* /*userData*/) {
+DBusHandlerResult onMessage(DBusConnection* /*bus*/, DBusMessage* message, void* /*userData*/) {
     if (dbus_message_is_signal(message, DBUS_INTERFACE_LOCAL, "Disconnected"))
         exitBecauseClosed();
     return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
 }
 
-DBusConnection* connectSessionBus(DBusGConnection*& bus) {
-    GError* error = nullptr;
-    bus = dbus_g_bus_get(DBUS_BUS_SESSION, &error);
-    if (error != nullptr)
-        reportError("Couldn't connect to the Session bus", OwnedError(error), AfterReport::exit);
-    return dbus_g_connection_get_connection(bus);
+DBusGConnection* connectSessionBus() {
+    GError* raw = nullptr;
+    DBusGConnection* const bus = dbus_g_bus_get(DBUS_BUS_SESSION, &raw);
+    if (const OwnedError error{raw})
+        exitWithError("Couldn't connect to the Session bus", messageOf(error));
+    return bus;
 }
 
 } // namespace
 
-DBusGProxy* connectParameterHandler() {
+Connection connectParameterHandler() {
     initialiseTypes();
     syslog(LOG_INFO, "Connecting to Session D-Bus for Parameter Handler\n");
-    DBusGConnection* bus = nullptr;
-    DBusConnection* const connection = connectSessionBus(bus);
+    DBusGConnection* const session = connectSessionBus();
+    Connection connection;
+    connection.bus = dbus_g_connection_get_connection(session);
     // Before the proxy's own filter, which would turn the proxy into one that fails silently.
-    dbus_connection_add_filter(connection, onMessage, nullptr, nullptr);
-    DBusGProxy* const proxy =
-        dbus_g_proxy_new_for_name(bus, serviceName, objectPath, interfaceName);
-    if (proxy == nullptr)
-        reportError("Couldn't create the proxy object", "Unknown(dbus_g_proxy_new_for_name)",
-                    AfterReport::exit);
-    g_object_set_data(G_OBJECT(proxy), connectionKey, connection);
-    return proxy;
+    dbus_connection_add_filter(connection.bus, onMessage, nullptr, nullptr);
+    connection.proxy = dbus_g_proxy_new_for_name(session, serviceName, objectPath, interfaceName);
+    if (connection.proxy == nullptr)
+        exitWithError("Couldn't create the proxy object", "Unknown(dbus_g_proxy_new_for_name)");
+    return connection;
 }
 
-void exitIfClosed(DBusGProxy* proxy) {
-    auto* const connection =
-        static_cast<DBusConnection*>(g_object_get_data(G_OBJECT(proxy), connectionKey));
-    if (!dbus_connection_get_is_connected(connection))
+void exitIfClosed(const Connection& connection) {
+    if (!dbus_connection_get_is_connected(connection.bus))
         exitBecauseClosed();
 }
 

@@ -3,19 +3,25 @@
 
 /// Opaque outside the D-Bus code.
 using DBusGProxy = struct _DBusGProxy;
+using DBusConnection = struct DBusConnection;
 
 namespace morvane {
 
-/// Connects to the session bus and makes the one proxy of the Parameter Handler, which is never
-/// released. Ends the process with status 1 if there is no bus. The Parameter Handler itself need
-/// not be there yet.
+/// Lives as long as the process; copies are the same connection. Without a proxy it is none.
+struct Connection {
+    DBusGProxy* proxy = nullptr;   ///< of the Parameter Handler
+    DBusConnection* bus = nullptr; ///< which the proxy does not give away
+};
+
+/// Connects to the session bus and makes the one proxy of the Parameter Handler. Ends the process
+/// with status 1 if there is no bus. The Parameter Handler itself need not be there yet.
 ///
 /// From then on, the process ends with status 1 when the bus closes the connection: nothing can
 /// ever be answered over it again.
-DBusGProxy* connectParameterHandler();
+Connection connectParameterHandler();
 
-/// Ends the process with status 1 if the proxy's connection is closed. To be asked between repeated
-/// calls, while the main loop does not run.
-void exitIfClosed(DBusGProxy* proxy);
+/// Ends the process with status 1 if the connection is closed. To be asked between repeated calls,
+/// while the main loop does not run.
+void exitIfClosed(const Connection& connection);
 
 } // namespace morvane

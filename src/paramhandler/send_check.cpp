@@ -1,6 +1,6 @@
 #include "paramhandler/send_check.h"
 
-#include "paramhandler/error_report.h"
+#include "paramhandler/error_log.h"
 #include "text/utf8.h"
 
 #include <dbus/dbus.h>
@@ -77,8 +77,7 @@ private:
 
     void fail(const char* failureText, const std::string& reason) {
         if (passed_)
-            reportError(failureText, (std::string(origin_) + ": " + reason).c_str(),
-                        AfterReport::goOn);
+            logError(failureText, (std::string(origin_) + ": " + reason).c_str());
         passed_ = false;
     }
 

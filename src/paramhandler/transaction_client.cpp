@@ -2,6 +2,8 @@
 
 #include <dbus/dbus-glib.h>
 
+#include <utility>
+
 namespace morvane {
 
 namespace {
@@ -10,21 +12,14 @@ const char* pick(Target target, const char* plain, const char* status) {
     return target == Target::status ? status : plain;
 }
 
-/// What an asynchronous commit carries until it is complete.
-struct CommitRequest {
-    CommitCallback callback;
-    gpointer userData;
-};
-
-void onCommitComplete(DBusGProxy* proxy, DBusGProxyCall* call, gpointer data) {
-    const auto* const request = static_cast<const CommitRequest*>(data);
+void onCommitComplete(DBusGProxy* proxy, DBusGProxyCall* call, gpointer callback) {
     GError* error = nullptr;
     dbus_g_proxy_end_call(proxy, call, &error, G_TYPE_INVALID);
-    request->callback(proxy, error, request->userData);
+    (*static_cast<const CommitCallback*>(callback))(error);
 }
 
-void freeCommitRequest(gpointer request) {
-    g_slice_free(CommitRequest, request);
+void freeCommitCallback(gpointer callback) {
+    delete static_cast<CommitCallback*>(callback);
 }
 
 } // namespace
@@ -119,11 +114,9 @@ void callResetBulk(DBusGProxy* proxy, const guint32* transaction, Target target,
                           error, G_TYPE_STRV, names, G_TYPE_INVALID, G_TYPE_INVALID);
 }
 
-void beginCommit(DBusGProxy* proxy, guint32 transaction, CommitCallback callback,
-                 gpointer userData) {
-    auto* const request = g_slice_new(CommitRequest);
-    *request = {callback, userData};
-    dbus_g_proxy_begin_call(proxy, "commit", onCommitComplete, request, freeCommitRequest,
+void beginCommit(DBusGProxy* proxy, guint32 transaction, CommitCallback callback) {
+    dbus_g_proxy_begin_call(proxy, "commit", onCommitComplete,
+                            new CommitCallback(std::move(callback)), freeCommitCallback,
                             G_TYPE_UINT, transaction, G_TYPE_INVALID);
 }
 

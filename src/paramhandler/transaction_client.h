@@ -9,6 +9,8 @@
 
 #include <glib.h>
 
+#include <functional>
+
 namespace morvane {
 
 /// Selects the method for read-only parameters, whose live values are their status, or the plain
@@ -47,12 +49,10 @@ void callResetBulk(DBusGProxy* proxy, const guint32* transaction, Target target,
 
 /// Called when an asynchronous commit is complete.
 /// @param error null if it succeeded; the callback's to free.
-using CommitCallback = void (*)(DBusGProxy* proxy, GError* error, gpointer userData);
+using CommitCallback = std::function<void(GError* error)>;
 
 /// Sends "commit" and returns at once; `callback` is called later, from the main loop.
-/// @param userData handed to the callback; stays the caller's.
-void beginCommit(DBusGProxy* proxy, guint32 transaction, CommitCallback callback,
-                 gpointer userData);
+void beginCommit(DBusGProxy* proxy, guint32 transaction, CommitCallback callback);
 
 /// Called for each "transaction" signal.
 /// @param keys null-terminated, borrowed for the call.

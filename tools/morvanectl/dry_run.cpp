@@ -117,8 +117,8 @@ bool loadInto(CallList& list, const Settings& settings, std::string_view method,
     if (method == "load_default")
         return loadDefaults(&operations, settings.preset, manager);
     const auto file = fileToLoad(settings.file);
-    return file &&
-           loadPreset(&operations, settings.preset, *file, manager, method == "load_with_default");
+    return file && loadPreset(&operations, settings.preset, *file, manager,
+                              method == "load_with_default" ? Defaults::on : Defaults::off);
 }
 
 } // namespace

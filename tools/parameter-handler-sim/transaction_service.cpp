@@ -12,7 +12,7 @@ constexpr const char* objectPath = "/transaction";
 constexpr const char* interfaceName = "org.norvix.transaction";
 constexpr const char* errorName = "org.norvix.transaction.Error";
 
-// The mark by which clients tell a refusal from an error on the way.
+// The mark by which clients tell a refusal from a transport error.
 constexpr const char* refusalMark = "dbus_norvix_transaction: ";
 
 using NodeInfo = std::unique_ptr<GDBusNodeInfo, ReleasedBy<g_dbus_node_info_unref>>;

@@ -1,6 +1,5 @@
 #include "core/preset_manager.h"
 #include "dbus/server.h"
-#include "dbus/service_globals.h"
 #include "glib/deprecated_glib.h"
 #include "glib/glib_owned.h"
 #include "support/log_recorder.h"
@@ -123,7 +122,7 @@ TEST_F(Server, KnowsItsPresets) {
     EXPECT_EQ(call(value_object_is_preset, file), "false");
 }
 
-TEST_F(Server, DiesByEndingTheMainLoopAndGoesOnAnsweringUntilThen) {
+TEST_F(Server, DiesByEndingTheMainLoopAndNeedsNoMutexFromThenOn) {
     service.mainLoop = g_main_loop_new(nullptr, FALSE);
     service.mutex = newMutex();
     const GSourceFunc die = [](gpointer object) -> gboolean {

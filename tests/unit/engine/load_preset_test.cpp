@@ -36,11 +36,6 @@ constexpr std::string_view presets =
     "nothing preset { exclude rw { all } }\n"
     "translate { removed { tone } mode { from { way } } gain { index 0 { input = 1 } } }\n";
 
-enum class Load {
-    valuesOnly,
-    withDefaults
-};
-
 class LoadPreset : public testing::Test {
 protected:
     LoadPreset() {
@@ -48,15 +43,15 @@ protected:
         test::takeSleeps();
     }
 
-    bool load(const std::string& preset = "scene", Load what = Load::valuesOnly) {
+    bool load(const std::string& preset = "scene", Defaults defaults = Defaults::off) {
         const auto operations = handler_.operations();
-        return loadPreset(&operations, preset, path_, manager_, what == Load::withDefaults);
+        return loadPreset(&operations, preset, path_, manager_, defaults);
     }
 
     bool loadFile(std::string_view content, const std::string& preset = "scene",
-                  Load what = Load::valuesOnly) {
+                  Defaults defaults = Defaults::off) {
         folder_.write("p", content);
-        return load(preset, what);
+        return load(preset, defaults);
     }
 
     bool defaults(const std::string& preset) {
@@ -84,7 +79,7 @@ struct Row {
     const char* why;
     const char* preset;
     const char* content;
-    Load what;
+    Defaults what;
     Calls calls; ///< between start and commit
 };
 
@@ -93,76 +88,76 @@ const Row rows[] = {
     {"values and status values in file order",
      "scene",
      "mode=auto\nserial[2]=B\ngain[2]=-3\nstatus=ok\n",
-     Load::valuesOnly,
+     Defaults::off,
      {"parm_set 7 mode=auto gain[2]=-3", "parm_set_status 7 serial[2]=B status=ok"}},
     {"keys of no preset, and of another",
      "scene",
      "other=1\nmode=2\ngain=3\ngain[3]=4\ntemperature=5\n",
-     Load::valuesOnly,
+     Defaults::off,
      {"parm_set 7 mode=2 gain[1]=3", "parm_set_status 7"}},
     {"only keys that are not of the preset",
      "scene",
      "other=1\n",
-     Load::valuesOnly,
+     Defaults::off,
      {"parm_set 7", "parm_set_status 7"}},
     {"a key twice is set twice, in file order",
      "scene",
      "gain[1]=5\nmode=1\ngain[1]=6\n",
-     Load::valuesOnly,
+     Defaults::off,
      {"parm_set 7 gain[1]=5 mode=1 gain[1]=6", "parm_set_status 7"}},
     {"an older name",
      "scene",
      "way=3\ntone=4\n",
-     Load::valuesOnly,
+     Defaults::off,
      {"parm_set 7 mode=3", "parm_set_status 7"}},
     {"lines that are no entries",
      "scene",
      "# mode=1\n\nmode\nmode=\n=1\nmode=2\n",
-     Load::valuesOnly,
+     Defaults::off,
      {"parm_set 7 mode=2", "parm_set_status 7"}},
     {"values as they are",
      "scene",
      "mode= a=b \r\n",
-     Load::valuesOnly,
+     Defaults::off,
      {"parm_set 7 mode= a=b ", "parm_set_status 7"}},
     {"a last line without a line feed",
      "scene",
      "mode=1",
-     Load::valuesOnly,
+     Defaults::off,
      {"parm_set 7 mode=1", "parm_set_status 7"}},
     {"defaults for the rest",
      "scene",
      "gain[1]=5\nserial[2]=B\n",
-     Load::withDefaults,
+     Defaults::on,
      {"parm_set 7 gain[1]=5", "parm_set_status 7 serial[2]=B", "parm_reset 7 gain[2] mode",
       "parm_reset_status 7 serial[1] status"}},
     {"defaults for the rest of a preset without status",
      "plain",
      "gain[1]=5\nstatus=1\n",
-     Load::withDefaults,
+     Defaults::on,
      {"parm_set 7 gain[1]=5", "parm_set_status 7", "parm_reset 7 gain[2] mode",
       "parm_reset_status 7"}},
     {"a key twice with defaults",
      "plain",
      "mode=1\nmode=2\n",
-     Load::withDefaults,
+     Defaults::on,
      {"parm_set 7 mode=1 mode=2", "parm_set_status 7", "parm_reset 7 gain[1] gain[2]",
       "parm_reset_status 7"}},
     {"defaults for nothing",
      "states",
      "status=1\n",
-     Load::withDefaults,
+     Defaults::on,
      {"parm_set 7", "parm_set_status 7 status=1", "parm_reset 7", "parm_reset_status 7"}},
     {"an empty file with defaults",
      "scene",
      "",
-     Load::withDefaults,
+     Defaults::on,
      {"parm_set 7", "parm_set_status 7", "parm_reset 7 gain[1] gain[2] mode",
       "parm_reset_status 7 serial[1] serial[2] status"}},
     {"a file of removed parameters with defaults",
      "states",
      "tone=1\n",
-     Load::withDefaults,
+     Defaults::on,
      {"parm_set 7", "parm_set_status 7", "parm_reset 7", "parm_reset_status 7 status"}},
 };
 
@@ -177,7 +172,7 @@ TEST_F(LoadPreset, SetsWhatTheFileHasForThePreset) {
         EXPECT_EQ(handler_.calls, expected);
         EXPECT_EQ(test::takeLog(),
                   (Log{{LOG_INFO, std::string("loadPreset(): ") + preset + " preset loaded (" +
-                                      (what == Load::withDefaults ? "with" : "without") +
+                                      (what == Defaults::on ? "with" : "without") +
                                       " defaults) from " + path_ + ".\n"}}));
         EXPECT_EQ(folder_.read("p"), content) << "the file stays as it is";
     }
@@ -207,7 +202,7 @@ TEST_F(LoadPreset, RefusesAnUnknownPresetBeforeAnyCall) {
         EXPECT_EQ(test::takeLog(), Log{unknown});
         EXPECT_FALSE(loadFile("tone=1\n", preset));
         EXPECT_EQ(test::takeLog(), Log{unknown});
-        EXPECT_FALSE(loadFile("", preset, Load::withDefaults));
+        EXPECT_FALSE(loadFile("", preset, Defaults::on));
         EXPECT_EQ(test::takeLog(), Log{unknown});
         EXPECT_FALSE(defaults(preset));
         EXPECT_EQ(test::takeLog(), Log{unknown});
@@ -217,15 +212,15 @@ TEST_F(LoadPreset, RefusesAnUnknownPresetBeforeAnyCall) {
 
 TEST_F(LoadPreset, FailsWithoutAConnectionAndWithoutAWord) {
     folder_.write("p", "mode=1\n");
-    EXPECT_FALSE(loadPreset(nullptr, "scene", path_, manager_, false));
-    EXPECT_FALSE(loadPreset(nullptr, "scene", path_, manager_, true));
+    EXPECT_FALSE(loadPreset(nullptr, "scene", path_, manager_, Defaults::off));
+    EXPECT_FALSE(loadPreset(nullptr, "scene", path_, manager_, Defaults::on));
     EXPECT_FALSE(loadDefaults(nullptr, "scene", manager_));
     EXPECT_EQ(test::takeLog(), Log{});
 }
 
 TEST_F(LoadPreset, FailsWithoutAFile) {
     EXPECT_FALSE(load());
-    EXPECT_FALSE(load("scene", Load::withDefaults));
+    EXPECT_FALSE(load("scene", Defaults::on));
     EXPECT_FALSE(load("unknown"));
     EXPECT_EQ(test::takeLog(), (Log{unopened(), unopened(), unopened()}));
     EXPECT_EQ(handler_.calls, Calls{});
@@ -244,8 +239,8 @@ TEST_F(LoadPreset, FailsForWhatIsNoRegularFileWithoutWaiting) {
 TEST_F(LoadPreset, FailsWhenTheFileCannotBeReadToItsEnd) {
     const auto operations = handler_.operations();
     const std::string path = "/proc/self/mem"; // a regular file without a first byte
-    EXPECT_FALSE(loadPreset(&operations, "scene", path, manager_, false));
-    EXPECT_FALSE(loadPreset(&operations, "scene", path, manager_, true));
+    EXPECT_FALSE(loadPreset(&operations, "scene", path, manager_, Defaults::off));
+    EXPECT_FALSE(loadPreset(&operations, "scene", path, manager_, Defaults::on));
     const test::LogRecord unread{LOG_ERR,
                                  "Error reading file: /proc/self/mem (Input/output error)\n"};
     EXPECT_EQ(test::takeLog(), (Log{unread, unread}));
@@ -274,7 +269,7 @@ TEST_F(LoadPreset, FailsWhenTheBackupCannotBePutBack) {
 TEST_F(LoadPreset, AsksWhetherItCanSendBeforeItStarts) {
     handler_.refusesToSend = true;
     EXPECT_FALSE(loadFile("mode=1\ngain[1]=2\nstatus=3\n"));
-    EXPECT_FALSE(load("scene", Load::withDefaults));
+    EXPECT_FALSE(load("scene", Defaults::on));
     EXPECT_FALSE(defaults("scene"));
     EXPECT_EQ(handler_.checks,
               (Calls{path_ + ": mode=1 gain[1]=2 status=3",
@@ -348,7 +343,7 @@ TEST_F(LoadPreset, RetriesEachOperation) {
         SCOPED_TRACE(operation);
         handler_.calls.clear();
         handler_.refusals = {{operation, 9}};
-        EXPECT_TRUE(loadFile("mode=1\n", "scene", Load::withDefaults));
+        EXPECT_TRUE(loadFile("mode=1\n", "scene", Defaults::on));
         EXPECT_EQ(handler_.calls.size(), 15U);
         EXPECT_EQ(test::takeLog(), test::attempts(operation, 9, {loaded("with defaults")}));
         EXPECT_EQ(test::takeSleeps(), std::vector<unsigned>(9, 1));
@@ -361,7 +356,7 @@ TEST_F(LoadPreset, GivesUpWithoutCommittingOrEnding) {
         SCOPED_TRACE(operation);
         handler_.calls.clear();
         handler_.refusals = {{operation, 10}};
-        EXPECT_FALSE(loadFile("mode=1\n", "scene", Load::withDefaults));
+        EXPECT_FALSE(loadFile("mode=1\n", "scene", Defaults::on));
         EXPECT_EQ(handler_.calls.size(), before++ + 10) << "nothing follows";
         EXPECT_TRUE(handler_.calls.back().starts_with(operation));
         EXPECT_EQ(test::takeLog(), test::attempts(operation, 10, {test::handlerLost}));

@@ -45,10 +45,10 @@ TEST(Retry, CallsAtMostTenTimesOneSecondApart) {
 }
 
 TEST(Retry, StartsATransaction) {
-    test::ParameterRecorder handler;
-    handler.refusals["parm_start_trans"] = 1;
+    test::ParameterRecorder recorder;
+    recorder.refusals["parm_start_trans"] = 1;
     Transaction transaction = 0;
-    EXPECT_TRUE(startTransaction(handler.operations(), transaction));
+    EXPECT_TRUE(startTransaction(recorder.operations(), transaction));
     EXPECT_EQ(transaction, 7U);
     EXPECT_EQ(test::takeLog(), test::attempts("parm_start_trans", 1));
 }

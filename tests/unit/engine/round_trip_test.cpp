@@ -221,8 +221,8 @@ public:
     bool storeSub(const std::string& file, const KeySet& keys) {
         return storeSubPreset(&operations_, keys, "scene", folder_.path(file), *manager_);
     }
-    bool load(const std::string& file, bool withDefaults = false) {
-        return loadPreset(&operations_, "scene", folder_.path(file), *manager_, withDefaults);
+    bool load(const std::string& file, Defaults defaults = Defaults::off) {
+        return loadPreset(&operations_, "scene", folder_.path(file), *manager_, defaults);
     }
 
     const KeySet* scene() const { return manager_->findPreset("scene"); }
@@ -312,7 +312,7 @@ TEST(RoundTrip, PutsTheRestToTheDefaults) {
             stored[key] = world.value(key);
         ASSERT_TRUE(world.storeSub("half", half));
         world.scramble();
-        ASSERT_TRUE(world.load("half", true));
+        ASSERT_TRUE(world.load("half", Defaults::on));
         for (const auto& key : *world.scene())
             ASSERT_EQ(world.value(key), half.contains(key) ? stored[key] : world.defaultOf(key));
     });

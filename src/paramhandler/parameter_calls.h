@@ -4,7 +4,7 @@
 // method for several, none for an empty collection, which succeeds. `transaction` is borrowed; null
 // acts outside a transaction. Every text must be one that may be sent: see `isSendable`. Results:
 // true when the call succeeded, false when the Parameter Handler refused it, which is logged, or
-// when there is no proxy. A call that failed on its way is repeated, at once and without limit.
+// when there is no proxy. A call that met a transport error is repeated, at once and without limit.
 #pragma once
 
 #include "paramhandler/connection.h"
@@ -22,44 +22,45 @@ namespace morvane {
 /// asks for nothing special.
 constexpr guint32 bulkGetOption = 0;
 
-bool parm_start_trans(DBusGProxy* proxy, guint32& transaction);
-bool parm_end_trans(DBusGProxy* proxy, guint32 transaction);
+bool parm_start_trans(const Connection& connection, guint32& transaction);
+bool parm_end_trans(const Connection& connection, guint32 transaction);
 
 /// @param option see `bulkGetOption`.
 /// @param values replaced by one value for each name, in their order; left alone by a failure.
-bool parm_get(DBusGProxy* proxy, const guint32* transaction, guint32 option,
+bool parm_get(const Connection& connection, const guint32* transaction, guint32 option,
               std::span<const std::string> names, SharedTexts& values);
 
 /// Sets read-write parameters, in list order.
-bool parm_set(DBusGProxy* proxy, const guint32* transaction, std::span<const KeyValue> request);
+bool parm_set(const Connection& connection, const guint32* transaction,
+              std::span<const KeyValue> request);
 
 /// Sets the status values of read-only parameters, in list order.
-bool parm_set_status(DBusGProxy* proxy, const guint32* transaction,
+bool parm_set_status(const Connection& connection, const guint32* transaction,
                      std::span<const KeyValue> request);
 
 /// Puts read-write parameters back to their defaults.
-bool parm_reset(DBusGProxy* proxy, const guint32* transaction, std::span<const BorrowedText> names);
+bool parm_reset(const Connection& connection, const guint32* transaction,
+                std::span<const BorrowedText> names);
 
 /// Puts the status values of read-only parameters back to their defaults.
-bool parm_reset_status(DBusGProxy* proxy, const guint32* transaction,
+bool parm_reset_status(const Connection& connection, const guint32* transaction,
                        std::span<const BorrowedText> names);
 
 /// Asks whether a value could be set.
 /// @param accepted the answer; left alone by a failure.
-bool parm_check_set(DBusGProxy* proxy, const guint32* transaction, const std::string& name,
-                    const std::string& value, bool& accepted);
+bool parm_check_set(const Connection& connection, const guint32* transaction,
+                    const std::string& name, const std::string& value, bool& accepted);
 
 /// Sends the commit and returns at once; `commitCallback` ends the transaction later.
 /// @return false only without a proxy.
-bool parm_commit(DBusGProxy* proxy, guint32 transaction);
+bool parm_commit(const Connection& connection, guint32 transaction);
 
 /// Commits, waits for the answer, and ends the transaction in every case.
 /// @return whether both succeeded. A failed commit is not repeated.
-bool parm_commit_sync(DBusGProxy* proxy, guint32 transaction);
+bool parm_commit_sync(const Connection& connection, guint32 transaction);
 
 /// Completes an asynchronous commit: logs the error, if there is one, and ends the transaction.
 /// @param error       null if the commit succeeded; freed here.
-/// @param transaction the identifier, packed into a pointer.
-void commitCallback(DBusGProxy* proxy, GError* error, gpointer transaction);
+void commitCallback(const Connection& connection, GError* error, guint32 transaction);
 
 } // namespace morvane

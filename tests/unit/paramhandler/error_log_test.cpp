@@ -1,4 +1,4 @@
-#include "paramhandler/error_report.h"
+#include "paramhandler/error_log.h"
 #include "support/log_recorder.h"
 
 #include <gtest/gtest.h>
@@ -17,31 +17,27 @@ OwnedError newError(const char* message) {
     return OwnedError(g_error_new_literal(g_quark_from_static_string("test"), 1, message));
 }
 
-TEST(ErrorReport, LogsMessageAndDetail) {
-    reportError("Start transaction failed", "no answer", AfterReport::goOn);
+TEST(ErrorLog, LogsMessageAndDetail) {
+    logError("Start transaction failed", "no answer");
     EXPECT_EQ(test::takeLog(), (Log{{LOG_ERR, "ERROR: Start transaction failed (no answer)\n"}}));
 }
 
-TEST(ErrorReport, LogsAnErrorsMessage) {
-    reportError("parm_get_() - get failed", newError("dbus_norvix_transaction: 100% busy"),
-                AfterReport::goOn);
+TEST(ErrorLog, LogsAnErrorsMessage) {
+    logError("parm_get_() - get failed", messageOf(newError("dbus_norvix_transaction: 100% busy")));
     EXPECT_EQ(
         test::takeLog(),
         (Log{{LOG_ERR, "ERROR: parm_get_() - get failed (dbus_norvix_transaction: 100% busy)\n"}}));
 }
 
-TEST(ErrorReport, HasAMessageForAnErrorWithoutOne) {
+TEST(ErrorLog, HasAMessageForAnErrorWithoutOne) {
     auto error = newError("");
     g_free(error->message);
     error->message = nullptr;
     EXPECT_STREQ(messageOf(error), "");
 }
 
-TEST(ErrorReport, EndsTheProcessWithStatus1IfItIsTold) {
-    EXPECT_EXIT(reportError("message", "detail", AfterReport::exit),
-                testing::ExitedWithCode(EXIT_FAILURE), "");
-    EXPECT_EXIT(reportError("message", newError("detail"), AfterReport::exit),
-                testing::ExitedWithCode(EXIT_FAILURE), "");
+TEST(ErrorLog, EndsTheProcessWithStatus1IfItIsTold) {
+    EXPECT_EXIT(exitWithError("message", "detail"), testing::ExitedWithCode(EXIT_FAILURE), "");
 }
 
 } // namespace

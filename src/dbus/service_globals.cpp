@@ -1,7 +1,0 @@
-#include "dbus/service_globals.h"
-
-namespace morvane {
-
-ServiceGlobals service;
-
-} // namespace morvane

@@ -1,0 +1,22 @@
+#include "paramhandler/error_log.h"
+
+#include <syslog.h>
+
+#include <cstdlib>
+
+namespace morvane {
+
+void logError(const char* message, const char* detail) {
+    syslog(LOG_ERR, "ERROR: %s (%s)\n", message, detail);
+}
+
+void exitWithError(const char* message, const char* detail) {
+    logError(message, detail);
+    std::exit(EXIT_FAILURE);
+}
+
+const char* messageOf(const OwnedError& error) {
+    return error->message != nullptr ? error->message : "";
+}
+
+} // namespace morvane
