@@ -282,15 +282,16 @@ ParameterOperations idleOperations() {
         .parm_start_trans = [](Transaction&) { return true; },
         .parm_end_trans = [](Transaction) { return true; },
         .parm_get =
-            [](Transaction, const KeySet& keys, SharedTexts& values) {
-                const auto texts = std::make_shared<std::vector<const char*>>(keys.size(), "-60");
-                values = {texts, *texts};
+            [](Transaction, const KeySet& keys, ReceivedStrings& values) {
+                using Texts = std::vector<const char*>;
+                auto* const texts = new Texts(keys.size(), "-60");
+                values = {{texts, [](void* owner) { delete static_cast<Texts*>(owner); }}, *texts};
                 return true;
             },
         .parm_set = [](Transaction, std::span<const KeyValue>) { return true; },
         .parm_set_status = [](Transaction, std::span<const KeyValue>) { return true; },
-        .parm_reset = [](Transaction, std::span<const BorrowedText>) { return true; },
-        .parm_reset_status = [](Transaction, std::span<const BorrowedText>) { return true; },
+        .parm_reset = [](Transaction, std::span<const CStringView>) { return true; },
+        .parm_reset_status = [](Transaction, std::span<const CStringView>) { return true; },
         .parm_commit = [](Transaction) { return true; },
     };
 }

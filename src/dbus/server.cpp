@@ -28,7 +28,7 @@ ParameterOperations bindOperations(const Connection& connection) {
                 return parm_end_trans(connection, transaction);
             },
         .parm_get =
-            [connection](Transaction transaction, const KeySet& keys, SharedTexts& values) {
+            [connection](Transaction transaction, const KeySet& keys, ReceivedStrings& values) {
                 return parm_get(connection, &transaction, bulkGetOption, keys.keys(), values);
             },
         .parm_set =
@@ -40,11 +40,11 @@ ParameterOperations bindOperations(const Connection& connection) {
                 return parm_set_status(connection, &transaction, values);
             },
         .parm_reset =
-            [connection](Transaction transaction, std::span<const BorrowedText> keys) {
+            [connection](Transaction transaction, std::span<const CStringView> keys) {
                 return parm_reset(connection, &transaction, keys);
             },
         .parm_reset_status =
-            [connection](Transaction transaction, std::span<const BorrowedText> keys) {
+            [connection](Transaction transaction, std::span<const CStringView> keys) {
                 return parm_reset_status(connection, &transaction, keys);
             },
         .parm_commit =

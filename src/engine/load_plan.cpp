@@ -45,7 +45,7 @@ bool LoadPlan::isReadOnlyParameter(std::string_view key) const {
 }
 
 // A copy that stays until the values have been sent.
-BorrowedText LoadPlan::kept(std::string_view value) {
+CStringView LoadPlan::kept(std::string_view value) {
     auto* const copy = static_cast<char*>(texts_.allocate(value.size() + 1, 1));
     *std::copy(value.begin(), value.end(), copy) = '\0';
     return {copy, value.size()};

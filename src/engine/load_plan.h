@@ -18,8 +18,8 @@ class PresetManager;
 
 /// Keys, those of read-only parameters by themselves: their live values are status.
 struct KeysToReset {
-    std::vector<BorrowedText> keys;
-    std::vector<BorrowedText> statusKeys;
+    std::vector<CStringView> keys;
+    std::vector<CStringView> statusKeys;
 };
 
 /// Entries go in one after the other and leave nothing behind but a value and the place of its key:
@@ -46,7 +46,7 @@ public:
 
 private:
     bool isReadOnlyParameter(std::string_view key) const;
-    BorrowedText kept(std::string_view value);
+    CStringView kept(std::string_view value);
 
     const PresetManager& manager_;
     std::span<const std::string> presetKeys_;

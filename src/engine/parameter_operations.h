@@ -3,7 +3,7 @@
 #pragma once
 
 #include "tables/key_set.h"
-#include "text/borrowed_text.h"
+#include "text/c_string_view.h"
 #include "text/request_texts.h"
 
 #include <cstdint>
@@ -29,7 +29,8 @@ struct ParameterOperations {
 
     /// Reads the values of `keys`.
     /// @param values replaced by one value for each key, in their order; left alone by a failure.
-    std::function<bool(Transaction transaction, const KeySet& keys, SharedTexts& values)> parm_get;
+    std::function<bool(Transaction transaction, const KeySet& keys, ReceivedStrings& values)>
+        parm_get;
 
     /// Sets read-write parameters, in list order; equal keys are sent as often as they come. An
     /// empty list succeeds without a call, here and below.
@@ -39,10 +40,10 @@ struct ParameterOperations {
     std::function<bool(Transaction transaction, std::span<const KeyValue> values)> parm_set_status;
 
     /// Puts read-write parameters back to their defaults.
-    std::function<bool(Transaction transaction, std::span<const BorrowedText> keys)> parm_reset;
+    std::function<bool(Transaction transaction, std::span<const CStringView> keys)> parm_reset;
 
     /// Puts the status values of read-only parameters back to their defaults.
-    std::function<bool(Transaction transaction, std::span<const BorrowedText> keys)>
+    std::function<bool(Transaction transaction, std::span<const CStringView> keys)>
         parm_reset_status;
 
     /// Sends the commit and does not wait for it. The transaction is ended when its answer comes.

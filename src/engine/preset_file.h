@@ -12,7 +12,7 @@
 
 namespace morvane {
 
-/// For a line with its line feed and a byte 0; longer ones are read as several.
+/// For a line with its line feed and a null byte; longer ones are read as several.
 constexpr std::size_t presetLineBufferSize = 1024;
 
 /// Reads to the end of the stream and hands every entry with a name and a value to `use`; all other

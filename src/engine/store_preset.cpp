@@ -35,7 +35,7 @@ bool isSendable(const ParameterOperations& operations, const KeySet& keys,
 }
 
 bool readValues(const ParameterOperations& operations, Transaction transaction, const KeySet& keys,
-                SharedTexts& values) {
+                ReceivedStrings& values) {
     return withRetries("parm_get", [&] { return operations.parm_get(transaction, keys, values); });
 }
 
@@ -43,7 +43,7 @@ bool endTransaction(const ParameterOperations& operations, Transaction transacti
     return withRetries("parm_end_trans", [&] { return operations.parm_end_trans(transaction); });
 }
 
-bool writeValues(const StoreWords& words, const KeySet& keys, const SharedTexts& values,
+bool writeValues(const StoreWords& words, const KeySet& keys, const ReceivedStrings& values,
                  const std::string& presetName, const std::string& filePath) {
     std::FILE* stream = nullptr;
     if (!openPresetForWrite(filePath, stream) || stream == nullptr) {
@@ -62,7 +62,7 @@ bool writeValues(const StoreWords& words, const KeySet& keys, const SharedTexts&
 bool storeKeys(const StoreWords& words, const ParameterOperations& operations,
                Transaction transaction, const KeySet& keys, const std::string& presetName,
                const std::string& filePath) {
-    SharedTexts values;
+    ReceivedStrings values;
     return readValues(operations, transaction, keys, values) &&
            writeValues(words, keys, values, presetName, filePath) &&
            endTransaction(operations, transaction);

@@ -65,7 +65,7 @@ bool set(const Connection& connection, const guint32* transaction, Target target
 }
 
 bool reset(const Connection& connection, const guint32* transaction, Target target,
-           std::span<const BorrowedText> request) {
+           std::span<const CStringView> request) {
     if (connection.proxy == nullptr)
         return false;
     if (request.empty())
@@ -81,25 +81,24 @@ bool reset(const Connection& connection, const guint32* transaction, Target targ
     });
 }
 
-SharedTexts shared(OwnedTexts texts, std::size_t count) {
+ReceivedStrings received(OwnedTexts texts, std::size_t count) {
     gchar** const array = texts.release();
-    return {std::shared_ptr<const void>(array, [array](const void*) { g_strfreev(array); }),
-            {array, count}};
+    return {{array, [](void* owner) { g_strfreev(static_cast<gchar**>(owner)); }}, {array, count}};
 }
 
 bool getOne(const Connection& connection, const guint32* transaction, const StringList& names,
-            SharedTexts& values) {
+            ReceivedStrings& values) {
     OwnedTexts reply(g_new0(gchar*, 2));
     const bool answered = callUntilAnswered(connection, getFailed, [&](GError** error) {
         callGet(connection.proxy, transaction, names.front(), *reply.get(), error);
     });
     if (answered)
-        values = shared(std::move(reply), 1);
+        values = received(std::move(reply), 1);
     return answered;
 }
 
 bool getSeveral(const Connection& connection, const guint32* transaction, guint32 option,
-                const StringList& names, SharedTexts& values) {
+                const StringList& names, ReceivedStrings& values) {
     OwnedTexts reply;
     const bool answered = callUntilAnswered(connection, bulkGetFailed, [&](GError** error) {
         gchar** raw = nullptr;
@@ -115,7 +114,7 @@ bool getSeveral(const Connection& connection, const guint32* transaction, guint3
         logError(bulkGetFailed, detail.c_str());
         return false;
     }
-    values = shared(std::move(reply), count);
+    values = received(std::move(reply), count);
     return true;
 }
 
@@ -138,7 +137,7 @@ bool parm_end_trans(const Connection& connection, guint32 transaction) {
 }
 
 bool parm_get(const Connection& connection, const guint32* transaction, guint32 option,
-              std::span<const std::string> names, SharedTexts& values) {
+              std::span<const std::string> names, ReceivedStrings& values) {
     if (connection.proxy == nullptr)
         return false;
     if (names.empty()) {
@@ -163,12 +162,12 @@ bool parm_set_status(const Connection& connection, const guint32* transaction,
 }
 
 bool parm_reset(const Connection& connection, const guint32* transaction,
-                std::span<const BorrowedText> names) {
+                std::span<const CStringView> names) {
     return reset(connection, transaction, Target::value, names);
 }
 
 bool parm_reset_status(const Connection& connection, const guint32* transaction,
-                       std::span<const BorrowedText> names) {
+                       std::span<const CStringView> names) {
     return reset(connection, transaction, Target::status, names);
 }
 

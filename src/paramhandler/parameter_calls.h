@@ -8,7 +8,7 @@
 #pragma once
 
 #include "paramhandler/connection.h"
-#include "text/borrowed_text.h"
+#include "text/c_string_view.h"
 #include "text/request_texts.h"
 
 #include <glib.h>
@@ -28,7 +28,7 @@ bool parm_end_trans(const Connection& connection, guint32 transaction);
 /// @param option see `bulkGetOption`.
 /// @param values replaced by one value for each name, in their order; left alone by a failure.
 bool parm_get(const Connection& connection, const guint32* transaction, guint32 option,
-              std::span<const std::string> names, SharedTexts& values);
+              std::span<const std::string> names, ReceivedStrings& values);
 
 /// Sets read-write parameters, in list order.
 bool parm_set(const Connection& connection, const guint32* transaction,
@@ -40,11 +40,11 @@ bool parm_set_status(const Connection& connection, const guint32* transaction,
 
 /// Puts read-write parameters back to their defaults.
 bool parm_reset(const Connection& connection, const guint32* transaction,
-                std::span<const BorrowedText> names);
+                std::span<const CStringView> names);
 
 /// Puts the status values of read-only parameters back to their defaults.
 bool parm_reset_status(const Connection& connection, const guint32* transaction,
-                       std::span<const BorrowedText> names);
+                       std::span<const CStringView> names);
 
 /// Asks whether a value could be set.
 /// @param accepted the answer; left alone by a failure.

@@ -44,7 +44,7 @@ public:
         requireRoom(setFailed, keys, values);
     }
 
-    void reset(std::span<const BorrowedText> keys) {
+    void reset(std::span<const CStringView> keys) {
         ArraySize size;
         for (const auto& key : keys) {
             requireUtf8(resetFailed, "key", key.view(), key.view());

@@ -26,7 +26,7 @@ gchar** allocateArray(std::size_t size, const char* outOfMemoryText) {
 StringList::StringList(std::size_t capacity, const char* outOfMemoryText)
     : array_(allocateArray(capacity + 1, outOfMemoryText)) {}
 
-void StringList::add(BorrowedText text) {
+void StringList::add(CStringView text) {
     assert(isUtf8(text.view()));
     array_.get()[size_++] = const_cast<gchar*>(text.c_str()); // never written to
 }

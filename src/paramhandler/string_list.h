@@ -2,7 +2,7 @@
 #pragma once
 
 #include "glib/glib_owned.h"
-#include "text/borrowed_text.h"
+#include "text/c_string_view.h"
 
 #include <cstddef>
 #include <memory>
@@ -21,7 +21,7 @@ public:
 
     /// Appends a text, at most `capacity` times.
     /// @param text borrowed; must outlive the list, and be UTF-8 (see `isSendable`).
-    void add(BorrowedText text);
+    void add(CStringView text);
 
     std::size_t size() const { return size_; }
     const gchar* front() const { return array_.get()[0]; }

@@ -17,7 +17,7 @@ struct StreamCloser {
 using OwnedStream = std::unique_ptr<std::FILE, StreamCloser>;
 
 /// Hands out the lines of a stream. A line longer than `BufferSize` - 1 bytes comes out as several
-/// pieces, each of which counts as a line; a byte 0 ends its piece.
+/// pieces, each of which counts as a line; a null byte ends its piece.
 template <std::size_t BufferSize>
 class LineReader {
 public:

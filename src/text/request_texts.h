@@ -1,7 +1,7 @@
 // The strings of a request to the Parameter Handler, as its parts hand them to each other.
 #pragma once
 
-#include "text/borrowed_text.h"
+#include "text/c_string_view.h"
 
 #include <span>
 #include <string>
@@ -11,7 +11,7 @@
 namespace morvane {
 
 /// What is set: a key and its new value.
-using KeyValue = std::pair<BorrowedText, BorrowedText>;
+using KeyValue = std::pair<CStringView, CStringView>;
 
 /// Everything that one request sends, by operation. All of it is borrowed.
 struct RequestTexts {
@@ -19,8 +19,8 @@ struct RequestTexts {
     std::span<const std::string> get = {};
     std::span<const KeyValue> set = {};
     std::span<const KeyValue> setStatus = {};
-    std::span<const BorrowedText> reset = {};
-    std::span<const BorrowedText> resetStatus = {};
+    std::span<const CStringView> reset = {};
+    std::span<const CStringView> resetStatus = {};
 };
 
 } // namespace morvane

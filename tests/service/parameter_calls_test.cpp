@@ -6,7 +6,7 @@
 #include "paramhandler/parameter_calls.h"
 #include "paramhandler/transaction_client.h"
 #include "support/log_recorder.h"
-#include "support/shared_texts.h"
+#include "support/received_strings.h"
 #include "support/temp_folder.h"
 
 #include <gio/gio.h>
@@ -28,7 +28,7 @@ namespace {
 using Log = std::vector<test::LogRecord>;
 using Names = std::vector<std::string>;
 using Request = std::vector<KeyValue>;
-using Borrowed = std::vector<BorrowedText>;
+using Borrowed = std::vector<CStringView>;
 
 constexpr std::string_view parameters = "a rw { rangeValid { 0..9 } default { 1 } }\n"
                                         "b rw { rangeValid { 0..9 } default { 2 } }\n"
@@ -88,7 +88,7 @@ protected:
     }
 
     std::string valueOf(const std::string& name) {
-        SharedTexts values;
+        ReceivedStrings values;
         EXPECT_TRUE(parm_get(connection_, nullptr, bulkGetOption, Names{name}, values));
         takeCalls();
         return values.texts.empty() ? "" : values.texts.front();
@@ -157,14 +157,14 @@ const CallRow callRows[] = {
      "reset_status_bulk (uint32 1, ['s', 't'])", "single_reset_status_bulk (['s', 't'],)"},
     {"get one",
      [](auto& connection, auto* id) {
-         SharedTexts values;
+         ReceivedStrings values;
          return parm_get(connection, id, 7, Names{"t"}, values) &&
                 test::copied(values) == Names{"4"};
      },
      "get (uint32 1, 't')", "single_get ('t',)"},
     {"get several, with the option passed through",
      [](auto& connection, auto* id) {
-         auto values = test::sharedTexts({"left over"});
+         auto values = test::receivedStrings({"left over"});
          return parm_get(connection, id, 7, Names{"t", "s"}, values) &&
                 test::copied(values) == Names{"4", "3"};
      },
@@ -198,7 +198,7 @@ TEST_F(ParameterCalls, ChooseTheMethodByScopeAndCount) {
 
 TEST_F(ParameterCalls, MakeNoCallForAnEmptyCollection) {
     connect();
-    auto values = test::sharedTexts({"left over"});
+    auto values = test::receivedStrings({"left over"});
     EXPECT_TRUE(parm_set(connection_, nullptr, {}));
     EXPECT_TRUE(parm_set_status(connection_, nullptr, {}));
     EXPECT_TRUE(parm_reset(connection_, nullptr, {}));
@@ -211,7 +211,7 @@ TEST_F(ParameterCalls, MakeNoCallForAnEmptyCollection) {
 
 TEST_F(ParameterCalls, FailWithoutAProxyAndWithoutAWord) {
     guint32 transaction = 1;
-    SharedTexts values;
+    ReceivedStrings values;
     bool accepted = false;
     EXPECT_FALSE(parm_start_trans({}, transaction));
     EXPECT_FALSE(parm_end_trans({}, transaction));
@@ -230,7 +230,7 @@ TEST_F(ParameterCalls, FailWithoutAProxyAndWithoutAWord) {
 TEST_F(ParameterCalls, LogTheirFailureTextOnceWhenTheyAreRefused) {
     connect();
     const guint32 unknown = 9;
-    auto values = test::sharedTexts({"kept"});
+    auto values = test::receivedStrings({"kept"});
     bool accepted = true;
     const std::pair<std::function<bool()>, const char*> rows[] = {
         {[&] {

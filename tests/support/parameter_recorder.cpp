@@ -1,6 +1,6 @@
 #include "support/parameter_recorder.h"
 
-#include "support/shared_texts.h"
+#include "support/received_strings.h"
 
 namespace morvane::test {
 
@@ -19,7 +19,7 @@ std::string textOf(std::span<const KeyValue> values) {
     return text;
 }
 
-std::string textOf(std::span<const BorrowedText> keys) {
+std::string textOf(std::span<const CStringView> keys) {
     std::string text;
     for (const auto& key : keys)
         text.append(" ").append(key.view());
@@ -27,7 +27,7 @@ std::string textOf(std::span<const BorrowedText> keys) {
 }
 
 std::string textOf(const RequestTexts& texts) {
-    const std::vector<BorrowedText> get(texts.get.begin(), texts.get.end());
+    const std::vector<CStringView> get(texts.get.begin(), texts.get.end());
     return std::string(texts.origin) + ":" + textOf(get) + textOf(texts.set) +
            textOf(texts.setStatus) + textOf(texts.reset) + textOf(texts.resetStatus);
 }
@@ -51,14 +51,14 @@ ParameterOperations ParameterRecorder::operations() {
                 return record("parm_end_trans", textOf(transaction));
             },
         .parm_get =
-            [this](Transaction transaction, const KeySet& keys, SharedTexts& read) {
-                const std::vector<BorrowedText> names(keys.begin(), keys.end());
+            [this](Transaction transaction, const KeySet& keys, ReceivedStrings& read) {
+                const std::vector<CStringView> names(keys.begin(), keys.end());
                 if (!record("parm_get", textOf(transaction) + textOf(names)))
                     return false;
                 std::vector<std::string> texts;
                 for (const auto& key : keys)
                     texts.push_back(values.contains(key) ? values[key] : "?");
-                read = sharedTexts(std::move(texts));
+                read = receivedStrings(std::move(texts));
                 return true;
             },
         .parm_set =
@@ -70,11 +70,11 @@ ParameterOperations ParameterRecorder::operations() {
                 return record("parm_set_status", textOf(transaction) + textOf(pairs));
             },
         .parm_reset =
-            [this](Transaction transaction, std::span<const BorrowedText> keys) {
+            [this](Transaction transaction, std::span<const CStringView> keys) {
                 return record("parm_reset", textOf(transaction) + textOf(keys));
             },
         .parm_reset_status =
-            [this](Transaction transaction, std::span<const BorrowedText> keys) {
+            [this](Transaction transaction, std::span<const CStringView> keys) {
                 return record("parm_reset_status", textOf(transaction) + textOf(keys));
             },
         .parm_commit =

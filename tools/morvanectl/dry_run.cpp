@@ -66,7 +66,7 @@ private:
         return values.empty() || add(std::move(call));
     }
 
-    bool reset(const char* method, std::span<const BorrowedText> keys) {
+    bool reset(const char* method, std::span<const CStringView> keys) {
         Call call{method, {}, {}};
         for (const auto& key : keys)
             call.keys.emplace_back(key.view());

@@ -31,7 +31,7 @@ std::string methodOf(const TransactionService::Invocation& invocation) {
 bool fitsOneList(const std::vector<std::string>& texts) {
     constexpr std::size_t maximum = std::size_t{64} << 20U;
     std::size_t size = 0;
-    for (const auto& text : texts) // a length of 4 bytes at a multiple of 4, the text, a byte 0
+    for (const auto& text : texts) // a length of 4 bytes at a multiple of 4, the text, a null byte
         size = (size + 3) / 4 * 4 + 4 + text.size() + 1;
     return size <= maximum;
 }

@@ -40,7 +40,7 @@ const FileRow fileRows[] = {
     {"a longer line in two pieces, the second with = of its own",
      "a=" + std::string(1021, 'x') + "c=3\n",
      {"a=" + std::string(1021, 'x'), "c=3"}},
-    {"a byte 0 ends its line", std::string("a=1\0b=2\nc=3\n", 12), {"a=1", "c=3"}},
+    {"a null byte ends its line", std::string("a=1\0b=2\nc=3\n", 12), {"a=1", "c=3"}},
 };
 
 TEST(PresetFile, ReadsEntriesAndSkipsTheRest) {

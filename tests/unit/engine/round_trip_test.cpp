@@ -8,7 +8,7 @@
 #include "support/definition_text.h"
 #include "support/log_recorder.h"
 #include "support/preset_lines.h"
-#include "support/shared_texts.h"
+#include "support/received_strings.h"
 #include "support/temp_folder.h"
 #include "value_store.h"
 
@@ -145,7 +145,7 @@ ParameterOperations operationsOn(sim::ValueStore& device) {
         return !device.set(transaction, target, assignments);
     };
     const auto reset = [&device](Transaction transaction, Target target,
-                                 std::span<const BorrowedText> keys) {
+                                 std::span<const CStringView> keys) {
         std::vector<std::string> names;
         for (const auto& key : keys)
             names.emplace_back(key.view());
@@ -160,10 +160,10 @@ ParameterOperations operationsOn(sim::ValueStore& device) {
             },
         .parm_end_trans = [&device](Transaction transaction) { return !device.end(transaction); },
         .parm_get =
-            [&device](Transaction transaction, const KeySet& keys, SharedTexts& values) {
+            [&device](Transaction transaction, const KeySet& keys, ReceivedStrings& values) {
                 std::vector<std::string> texts;
                 const bool refused = device.get(transaction, keys.keys(), texts).has_value();
-                values = test::sharedTexts(std::move(texts));
+                values = test::receivedStrings(std::move(texts));
                 return !refused;
             },
         .parm_set =
@@ -175,11 +175,11 @@ ParameterOperations operationsOn(sim::ValueStore& device) {
                 return set(transaction, Target::status, values);
             },
         .parm_reset =
-            [reset](Transaction transaction, std::span<const BorrowedText> keys) {
+            [reset](Transaction transaction, std::span<const CStringView> keys) {
                 return reset(transaction, Target::value, keys);
             },
         .parm_reset_status =
-            [reset](Transaction transaction, std::span<const BorrowedText> keys) {
+            [reset](Transaction transaction, std::span<const CStringView> keys) {
                 return reset(transaction, Target::status, keys);
             },
         .parm_commit =

@@ -66,7 +66,7 @@ const Row silentRows[] = {
     {"line ends of another system", "p rw {\r\n}\r\n", {ParamDefResult::ok, "", "p@1 4"}},
     {"a block left open", "p rw {\n", {ParamDefResult::ok, "", "p@1 4"}},
     {"a string left open", "p rw { default { \"a\n", {ParamDefResult::ok, "", "p@1 4"}},
-    {"a byte 0 ends what is read of its line",
+    {"a null byte ends what is read of its line",
      std::string("p rw { }\0x\nq ro { }\n", 20),
      {ParamDefResult::ok, "", "p@1 4\nq@2 1"}},
 };

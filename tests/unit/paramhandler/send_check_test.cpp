@@ -14,7 +14,7 @@ namespace {
 
 using Log = std::vector<test::LogRecord>;
 using Pairs = std::vector<KeyValue>;
-using Keys = std::vector<BorrowedText>;
+using Keys = std::vector<CStringView>;
 
 struct SizeRow {
     const char* why;

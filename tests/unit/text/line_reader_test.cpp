@@ -23,8 +23,8 @@ const Row rows[] = {
     {"a line that fits", "123456\nx", {"123456\n", "x"}},
     {"a line feed that does not fit", "1234567\nx", {"1234567", "\n", "x"}},
     {"a long line", "123456789012345\n", {"1234567", "8901234", "5\n"}},
-    {"a byte 0 ends its piece", std::string("a\0b\nc\n", 6), {"a", "c\n"}},
-    {"a byte 0 first", std::string("\0b\nc\n", 5), {"", "c\n"}},
+    {"a null byte ends its piece", std::string("a\0b\nc\n", 6), {"a", "c\n"}},
+    {"a null byte first", std::string("\0b\nc\n", 5), {"", "c\n"}},
 };
 
 TEST(LineReader, HandsOutPieces) {
