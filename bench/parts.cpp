@@ -177,7 +177,7 @@ Expression expressionOf(std::int64_t repetitions) {
     text += ")";
     Expression expression;
     Cursor line({text, 1});
-    require(ExpressionTokenizer().read(line, expression) == ParamDefResult::ok, "an expression");
+    require(ExpressionTokenizer().parse(line, expression) == ParamDefResult::ok, "an expression");
     return expression;
 }
 

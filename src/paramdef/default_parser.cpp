@@ -6,14 +6,14 @@
 
 namespace morvane {
 
-ParamDefResult DefaultParser::read(Cursor& line) {
+ParamDefResult DefaultParser::parse(Cursor& line) {
     return readTokens<ParamDefResult::incomplete>(line, [&] { return readToken(line); });
 }
 
 ParamDefResult DefaultParser::readToken(Cursor& line) {
     switch (expect_) {
     case Expect::openBrace: {
-        const auto result = condition_.read(line, default_.condition);
+        const auto result = condition_.parse(line, default_.condition);
         if (result != ParamDefResult::ok)
             return result;
         expect_ = Expect::value;
@@ -24,7 +24,7 @@ ParamDefResult DefaultParser::readToken(Cursor& line) {
     case Expect::stringEnd:
         return readString(line);
     case Expect::expressionEnd: {
-        const auto result = tokenizer_.read(line, default_.value);
+        const auto result = tokenizer_.parse(line, default_.value);
         if (result != ParamDefResult::ok)
             return result;
         expect_ = Expect::closeBrace;
@@ -59,7 +59,7 @@ ParamDefResult DefaultParser::readValue(Cursor& line) {
 }
 
 ParamDefResult DefaultParser::readString(Cursor& line) {
-    if (string_.read(line)) {
+    if (string_.parse(line)) {
         default_.value.append(string_.take(), line.line());
         expect_ = Expect::closeBrace;
     }

@@ -17,7 +17,7 @@ class Cursor;
 class DefaultParser {
 public:
     /// @return ok when the closing brace was consumed.
-    ParamDefResult read(Cursor& line);
+    ParamDefResult parse(Cursor& line);
 
     /// Hands over the default that was read and starts again with an empty one.
     DefaultSpec take() { return std::exchange(default_, {}); }

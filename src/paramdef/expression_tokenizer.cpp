@@ -68,7 +68,7 @@ void foldUnaryMinus(TokenList& tokens) {
 
 } // namespace
 
-ParamDefResult ExpressionTokenizer::read(Cursor& line, Expression& expression) {
+ParamDefResult ExpressionTokenizer::parse(Cursor& line, Expression& expression) {
     return readTokens<ParamDefResult::incomplete>(line,
                                                   [&] { return readToken(line, expression); });
 }
@@ -98,7 +98,7 @@ ParamDefResult ExpressionTokenizer::readToken(Cursor& line, Expression& expressi
 }
 
 void ExpressionTokenizer::readString(Cursor& line, Expression& expression) {
-    if (!string_.read(line))
+    if (!string_.parse(line))
         return;
     inside_ = Inside::expression;
     expression.append(string_.take(), line.line());

@@ -30,7 +30,7 @@ public:
     ///
     /// @return ok when the closing parenthesis and the white space behind it were consumed,
     ///         incomplete at the end of the line, syntaxError at a character that begins no token.
-    ParamDefResult read(Cursor& line, Expression& expression);
+    ParamDefResult parse(Cursor& line, Expression& expression);
 
 private:
     enum class Inside {

@@ -5,7 +5,7 @@
 
 namespace morvane {
 
-ParamDefResult IndexParser::read(Cursor& line) {
+ParamDefResult IndexParser::parse(Cursor& line) {
     return readTokens<ParamDefResult::incomplete>(line, [&] { return readToken(line); });
 }
 

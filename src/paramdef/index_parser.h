@@ -14,7 +14,7 @@ class Cursor;
 class IndexParser {
 public:
     /// @return ok when the closing brace was consumed.
-    ParamDefResult read(Cursor& line);
+    ParamDefResult parse(Cursor& line);
 
     /// Hands over the dimension that was read and starts again with an empty one.
     IndexDimension take() { return std::exchange(dimension_, {}); }

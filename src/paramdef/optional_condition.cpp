@@ -5,7 +5,7 @@
 
 namespace morvane {
 
-ParamDefResult OptionalCondition::read(Cursor& line, Expression& condition) {
+ParamDefResult OptionalCondition::parse(Cursor& line, Expression& condition) {
     return readTokens<ParamDefResult::incomplete>(line, [&] { return readToken(line, condition); });
 }
 
@@ -17,7 +17,7 @@ ParamDefResult OptionalCondition::readToken(Cursor& line, Expression& condition)
         expect_ = Expect::conditionEnd;
         return ParamDefResult::incomplete;
     case Expect::conditionEnd: {
-        const auto result = tokenizer_.read(line, condition);
+        const auto result = tokenizer_.parse(line, condition);
         if (result != ParamDefResult::ok)
             return result;
         expect_ = Expect::openBrace;

@@ -14,7 +14,7 @@ class OptionalCondition {
 public:
     /// Appends the condition's tokens, if there is one, to `condition`.
     /// @return ok when the opening brace was consumed.
-    ParamDefResult read(Cursor& line, Expression& condition);
+    ParamDefResult parse(Cursor& line, Expression& condition);
 
 private:
     enum class Expect {

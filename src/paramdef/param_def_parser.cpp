@@ -127,16 +127,16 @@ ParamDefResult ParamDefParser::readAttributeBody(Cursor& line) {
     switch (state_) {
     case State::inRangeValid:
     case State::inRangeDoc:
-        return range_.read(line);
+        return range_.parse(line);
     case State::inCtrlRO:
     case State::inCtrlValid:
-        return tokenizer_.read(line, expression_);
+        return tokenizer_.parse(line, expression_);
     case State::inDefault:
-        return default_.read(line);
+        return default_.parse(line);
     case State::inValueChange:
-        return valueChange_.read(line);
+        return valueChange_.parse(line);
     case State::inIndex:
-        return index_.read(line);
+        return index_.parse(line);
     case State::expectName:
     case State::expectAccess:
     case State::expectOpenBrace:

@@ -9,10 +9,10 @@ namespace morvane {
 
 namespace {
 
-// How tightly an operator binds, 0 the tightest. "$" binds tighter even than "*", so that a test
-// such as `options $ "hd"` needs no parentheses wherever it stands.
-int level(TokenType type) {
-    constexpr std::array levels{
+// The precedence of an operator, 0 the highest. That of "$" is higher even than that of "*", so
+// that a test such as `options $ "hd"` needs no parentheses wherever it stands.
+int precedence(TokenType type) {
+    constexpr std::array precedences{
         10,          // ||
         9,           // &&
         8,           // |
@@ -26,10 +26,10 @@ int level(TokenType type) {
         0,           // $
     };
     assert(isOperator(type));
-    return levels[static_cast<std::size_t>(type)];
+    return precedences[static_cast<std::size_t>(type)];
 }
 
-// Operator-precedence conversion with a count of the operands that are waiting for an operator.
+// The shunting-yard algorithm, with a count of the operands that are waiting for an operator.
 class PostfixConverter {
 public:
     explicit PostfixConverter(TokenList& output) : output_(output) {}
@@ -46,26 +46,26 @@ public:
         }
         if (token.type == TokenType::TOKEN_RPAREN)
             return closeGroup();
-        if (!moveOperators(level(token.type)))
+        if (!moveOperators(precedence(token.type)))
             return false;
         stack_.push_back({&token, 0});
         return true;
     }
 
-    bool finish() { return moveOperators(weakest) && stack_.empty() && operands_ == 1; }
+    bool finish() { return moveOperators(lowestOfAll) && stack_.empty() && operands_ == 1; }
 
 private:
     struct Pending {
         const Token* token;         // an operator or a "("
         std::size_t operandsBefore; // what a "(" interrupted
     };
-    static constexpr int weakest = 10;
+    static constexpr int lowestOfAll = 10;
 
-    // Moves the operators that bind at least as tightly as `limit` from the stack to the output,
+    // Moves the operators of at least this precedence from the stack to the output,
     // down to the innermost open "(".
-    bool moveOperators(int limit) {
+    bool moveOperators(int lowest) {
         while (!stack_.empty() && isOperator(stack_.back().token->type) &&
-               level(stack_.back().token->type) <= limit) {
+               precedence(stack_.back().token->type) <= lowest) {
             if (operands_ < 2)
                 return false;
             --operands_;
@@ -77,7 +77,7 @@ private:
 
     // A group must have come down to exactly one value.
     bool closeGroup() {
-        if (!moveOperators(weakest) || stack_.empty() || operands_ != 1)
+        if (!moveOperators(lowestOfAll) || stack_.empty() || operands_ != 1)
             return false;
         operands_ = stack_.back().operandsBefore + 1;
         stack_.pop_back();

@@ -15,7 +15,7 @@ bool QuotedString::open(Cursor& line) {
     return true;
 }
 
-bool QuotedString::read(Cursor& line) {
+bool QuotedString::parse(Cursor& line) {
     const auto rest = line.rest();
     const auto quote = rest.find('"');
     if (quote == std::string_view::npos) {

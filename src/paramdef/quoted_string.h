@@ -19,7 +19,7 @@ public:
     ///
     /// @return whether the closing quote was consumed; if not, the whole line was, and its last
     ///         byte, normally the line feed, is not part of the string.
-    bool read(Cursor& line);
+    bool parse(Cursor& line);
 
     /// Hands over the finished TOKEN_STRING.
     Token take() { return std::exchange(token_, {}); }

@@ -6,14 +6,14 @@
 
 namespace morvane {
 
-ParamDefResult RangeParser::read(Cursor& line) {
+ParamDefResult RangeParser::parse(Cursor& line) {
     return readTokens<ParamDefResult::incomplete>(line, [&] { return readToken(line); });
 }
 
 ParamDefResult RangeParser::readToken(Cursor& line) {
     switch (expect_) {
     case Expect::openBrace: {
-        const auto result = condition_.read(line, range_.condition);
+        const auto result = condition_.parse(line, range_.condition);
         if (result != ParamDefResult::ok)
             return result;
         expect_ = Expect::item;
@@ -55,7 +55,7 @@ ParamDefResult RangeParser::readItem(Cursor& line) {
 }
 
 ParamDefResult RangeParser::readString(Cursor& line) {
-    if (string_.read(line)) {
+    if (string_.parse(line)) {
         item_.low.push_back(string_.take());
         expect_ = Expect::commaOrClose;
     }
@@ -71,7 +71,7 @@ ParamDefResult RangeParser::readHighBound(Cursor& line) {
 }
 
 ParamDefResult RangeParser::readExpression(Cursor& line, TokenList& bound, Expect next) {
-    const auto result = tokenizer_.read(line, bound_);
+    const auto result = tokenizer_.parse(line, bound_);
     if (result != ParamDefResult::ok)
         return result;
     bound = std::exchange(bound_, {}).tokens;

@@ -18,7 +18,7 @@ class Cursor;
 class RangeParser {
 public:
     /// @return ok when the closing brace was consumed.
-    ParamDefResult read(Cursor& line);
+    ParamDefResult parse(Cursor& line);
 
     /// Hands over the range that was read and starts again with an empty one.
     RangeSpec take() { return std::exchange(range_, {}); }

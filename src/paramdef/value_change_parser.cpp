@@ -8,7 +8,7 @@
 
 namespace morvane {
 
-ParamDefResult ValueChangeParser::read(Cursor& line) {
+ParamDefResult ValueChangeParser::parse(Cursor& line) {
     return readTokens<ParamDefResult::incomplete>(line, [&] { return readToken(line); });
 }
 
@@ -59,7 +59,7 @@ ParamDefResult ValueChangeParser::readSide(Cursor& line, Expect stringEnd, Expec
 }
 
 ParamDefResult ValueChangeParser::readString(Cursor& line, Expect next) {
-    if (string_.read(line))
+    if (string_.parse(line))
         finishSide(string_.take(), next);
     return ParamDefResult::incomplete;
 }

@@ -15,7 +15,7 @@ class Cursor;
 class ValueChangeParser {
 public:
     /// @return ok when the closing brace was consumed.
-    ParamDefResult read(Cursor& line);
+    ParamDefResult parse(Cursor& line);
 
     /// Hands over the value change that was read and starts again with an empty one.
     ValueChange take() { return std::exchange(change_, {}); }

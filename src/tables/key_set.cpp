@@ -26,7 +26,7 @@ Keys merged(Keys::iterator begin, Keys::iterator second, Keys::iterator end) {
     return result;
 }
 
-void sortAndUnify(Keys& keys) {
+void sortUnique(Keys& keys) {
     std::sort(keys.begin(), keys.end());
     keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
 }
@@ -41,7 +41,7 @@ KeySet::KeySet(std::vector<std::string> keys) {
         if (firstOutOfOrder(second, keys.end()) == keys.end())
             keys = merged(keys.begin(), second, keys.end());
         else
-            sortAndUnify(keys);
+            sortUnique(keys);
     }
     keys.shrink_to_fit();
     keys_ = std::move(keys);
@@ -62,8 +62,8 @@ std::optional<std::size_t> KeySearch::find(std::string_view key) {
     return place;
 }
 
-// The place of the first key that is not less. Steps from the last place on double until they are
-// too wide, so that a few keys left out cost a few comparisons.
+// The place of the first key that is not less. Exponential search from the last place on, so that a
+// few keys left out cost a few comparisons.
 std::size_t KeySearch::lowerBound(std::string_view key) const {
     const bool isAhead = next_ > 0 && keys_[next_ - 1] < key;
     auto first = isAhead ? next_ : 0;

@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         for (std::uint32_t number = 1; !text.empty(); ++number) {
             const auto length = std::min(text.find('\n'), text.size() - 1) + 1;
             Cursor line({text.substr(0, length), number});
-            if (tokenizer.read(line, expression) != ParamDefResult::incomplete)
+            if (tokenizer.parse(line, expression) != ParamDefResult::incomplete)
                 break;
             text.remove_prefix(length);
         }

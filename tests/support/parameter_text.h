@@ -89,7 +89,7 @@ void expectAttributes(std::span<const AttributeRow> rows) {
         for (const auto& layout : layoutsOf(row)) {
             SCOPED_TRACE(std::string(why) + ": " + layout);
             const auto reading = readAttribute(
-                withoutMark(layout), [&parser](Cursor& line) { return parser.read(line); });
+                withoutMark(layout), [&parser](Cursor& line) { return parser.parse(line); });
             EXPECT_EQ(reading.result, ParamDefResult::ok);
             EXPECT_EQ(reading.stop, layout);
             EXPECT_EQ(textOf(parser.take()), text);
@@ -111,7 +111,7 @@ void expectSyntaxErrors(std::span<const MistakeRow> rows) {
             SCOPED_TRACE(std::string(why) + ": " + layout);
             Parser parser;
             const auto reading = readAttribute(
-                withoutMark(layout), [&parser](Cursor& line) { return parser.read(line); });
+                withoutMark(layout), [&parser](Cursor& line) { return parser.parse(line); });
             EXPECT_EQ(reading.result, ParamDefResult::syntaxError);
             EXPECT_EQ(reading.stop, layout);
         }

@@ -38,7 +38,7 @@ Expression expressionOf(std::string_view text) {
     Expression expression;
     const std::string closed = std::string(text) + ")";
     Cursor line({closed, 1});
-    EXPECT_EQ(ExpressionTokenizer().read(line, expression), ParamDefResult::ok) << text;
+    EXPECT_EQ(ExpressionTokenizer().parse(line, expression), ParamDefResult::ok) << text;
     return expression;
 }
 

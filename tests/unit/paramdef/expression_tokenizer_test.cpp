@@ -24,7 +24,7 @@ Outcome tokenize(std::string_view text, NameIndices nameIndices = NameIndices::r
     Outcome outcome;
     ExpressionTokenizer tokenizer(nameIndices);
     outcome.reading = test::readAttribute(
-        text, [&](Cursor& line) { return tokenizer.read(line, outcome.expression); });
+        text, [&](Cursor& line) { return tokenizer.parse(line, outcome.expression); });
     return outcome;
 }
 
@@ -202,7 +202,7 @@ TEST(ExpressionTokenizer, ReadsOneExpressionAfterTheOther) {
         Expression expression;
         const auto closed = std::string(text) + ")";
         Cursor line({closed, 1});
-        EXPECT_EQ(tokenizer.read(line, expression), ok) << text;
+        EXPECT_EQ(tokenizer.parse(line, expression), ok) << text;
         EXPECT_EQ(test::textOf(expression.tokens), text);
     }
 }

@@ -30,7 +30,7 @@ TEST(OptionalCondition, EndsWithTheOpeningBrace) {
             OptionalCondition reader;
             Expression condition;
             const auto reading = test::readAttribute(test::withoutMark(layout), [&](Cursor& line) {
-                return reader.read(line, condition);
+                return reader.parse(line, condition);
             });
             EXPECT_EQ(reading.result, result);
             EXPECT_EQ(reading.stop, layout);
@@ -44,7 +44,7 @@ TEST(OptionalCondition, StartsAgainBehindTheBrace) {
     for (const char* const text : {"(a) {", "{", "(b) {"}) {
         Expression condition;
         Cursor line({text, 1});
-        EXPECT_EQ(reader.read(line, condition), ParamDefResult::ok) << text;
+        EXPECT_EQ(reader.parse(line, condition), ParamDefResult::ok) << text;
     }
 }
 

@@ -13,7 +13,7 @@ Expression expressionOf(const std::string& text) {
     Expression expression;
     const std::string closed = text + ")";
     Cursor line({closed, 1});
-    EXPECT_EQ(ExpressionTokenizer().read(line, expression), ParamDefResult::ok) << text;
+    EXPECT_EQ(ExpressionTokenizer().parse(line, expression), ParamDefResult::ok) << text;
     return expression;
 }
 
@@ -31,8 +31,8 @@ constexpr Row rows[] = {
     {"parentheses", "(1 + 2) * 3", "1 2 + 3 *"},
     {"parentheses in parentheses", "((a)) + ((b + (c)))", "a b c + +"},
     {"$ binds tighter than *", "a * b $ c", "a b c $ *"},
-    {"* / % are one level", "a * b / c % d", "a b * c / d %"},
-    {"+ - are one level below", "a - b * c + d", "a b c * - d +"},
+    {"* / % have one precedence", "a * b / c % d", "a b * c / d %"},
+    {"+ - have the next lower one", "a - b * c + d", "a b c * - d +"},
     {"<< >> below +", "a << b + c >> d", "a b c + << d >>"},
     {"< > <= >= below <<", "a < b << c > d <= e >= f", "a b c << < d > e <= f >="},
     {"== != below <", "a == b < c != d", "a b c < == d !="},
@@ -41,9 +41,9 @@ constexpr Row rows[] = {
     {"| below ^", "a | b ^ c", "a b c ^ |"},
     {"&& below |", "a && b | c", "a b c | &&"},
     {"|| below &&", "a || b && c", "a b c && ||"},
-    {"every level upwards", "a $ b * c + d << e < f == g & h ^ i | j && k || l",
+    {"every precedence upwards", "a $ b * c + d << e < f == g & h ^ i | j && k || l",
      "a b $ c * d + e << f < g == h & i ^ j | k && l ||"},
-    {"every level downwards", "a || b && c | d ^ e & f == g < h << i + j * k $ l",
+    {"every precedence downwards", "a || b && c | d ^ e & f == g < h << i + j * k $ l",
      "a b c d e f g h i j k l $ * + << < == & ^ | && ||"},
     {"an operator behind its operands", "1 2 +", "1 2 +"},
     {"an operator before its operands", "+ 1 2", "1 2 +"},

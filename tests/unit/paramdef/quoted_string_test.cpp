@@ -32,7 +32,7 @@ TEST(QuotedString, EndsAtTheNextQuote) {
             Cursor cursor({line, 1});
             if (line.data() == quoted.data())
                 reader.open(cursor);
-            closed = reader.read(cursor);
+            closed = reader.parse(cursor);
             EXPECT_EQ(cursor.rest(), closed && rest != nullptr ? rest : "");
             if (closed)
                 break;
@@ -50,7 +50,7 @@ TEST(QuotedString, OpensAtAQuoteOnly) {
     line.advance(1);
     line.markToken();
     EXPECT_TRUE(reader.open(line));
-    EXPECT_TRUE(reader.read(line));
+    EXPECT_TRUE(reader.parse(line));
     EXPECT_EQ(reader.take(),
               (Token{.line = 4, .column = 1, .type = TokenType::TOKEN_STRING, .text = "b"}));
 }

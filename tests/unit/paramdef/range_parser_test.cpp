@@ -71,7 +71,7 @@ TEST(RangeParser, RefusesMistakes) {
 TEST(RangeParser, KeepsThePlacesOfItsTokens) {
     RangeParser parser;
     test::readAttribute("(a)\n { 5..\n6, \"x\n y\" }",
-                        [&](Cursor& line) { return parser.read(line); });
+                        [&](Cursor& line) { return parser.parse(line); });
     const auto range = parser.take();
     EXPECT_EQ(test::textOf(range, test::Places::shown), "[a@1:1] { 5@2:3..6@3:0, \"xy\"@3:3 }");
     EXPECT_EQ(range.condition.lines, (SourceTexts{{1, "(a)\n"}}));

@@ -43,14 +43,14 @@ TEST(ValueChangeParser, RefusesMistakes) {
 TEST(ValueChangeParser, ReadsStringsOverLines) {
     ValueChangeParser parser;
     const auto reading = test::readAttribute("{ \"a \n  b\" -> \"\n\nc\nd\" }",
-                                             [&](Cursor& line) { return parser.read(line); });
+                                             [&](Cursor& line) { return parser.parse(line); });
     EXPECT_EQ(reading.result, ParamDefResult::ok);
     EXPECT_EQ(test::textOf(parser.take(), test::Places::shown), R"("a b"@1:2 -> "cd"@2:8)");
 }
 
 TEST(ValueChangeParser, KeepsThePlacesOfBothSides) {
     ValueChangeParser parser;
-    test::readAttribute("{ 5\n ->\n  \"a\" }", [&](Cursor& line) { return parser.read(line); });
+    test::readAttribute("{ 5\n ->\n  \"a\" }", [&](Cursor& line) { return parser.parse(line); });
     EXPECT_EQ(test::textOf(parser.take(), test::Places::shown), "\"5\"@1:2 -> \"a\"@3:2");
 }
 
