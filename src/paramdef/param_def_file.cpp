@@ -1,8 +1,8 @@
 #include "paramdef/param_def_file.h"
 
 #include "paramdef/param_def_parser.h"
+#include "text/diagnostic.h"
 #include "text/line_reader.h"
-#include "text/report.h"
 
 #include <cstdint>
 #include <string>
@@ -11,11 +11,11 @@ namespace morvane {
 
 namespace {
 
-void reportError(ParamDefResult result, std::string_view line, std::uint32_t lineNumber,
-                 std::uint32_t column) {
+void printError(ParamDefResult result, std::string_view line, std::uint32_t lineNumber,
+                std::uint32_t column) {
     std::string heading = "Error on line " + std::to_string(lineNumber) + "\n";
     heading += message(result);
-    reportAtCaret(heading, line, column);
+    printWithCaret(heading, line, column);
 }
 
 } // namespace
@@ -25,7 +25,7 @@ ParamDefResult readParamDefFile(const char* path, SystemParameterTable* table) {
         return ParamDefResult::internalError;
     const OwnedStream stream(std::fopen(path, "r"));
     if (!stream) {
-        report("Can't open file\n");
+        printAtOnce("Can't open file\n");
         return ParamDefResult::internalError;
     }
     DefinitionLineReader lines(stream.get());
@@ -36,7 +36,7 @@ ParamDefResult readParamDefFile(const char* path, SystemParameterTable* table) {
     while (const auto line = lines.next()) {
         result = parser.parseParamDefLine(*table, errorColumn, *line, lineNumber);
         if (result != ParamDefResult::ok) {
-            reportError(result, *line, lineNumber, errorColumn);
+            printError(result, *line, lineNumber, errorColumn);
             break;
         }
         ++lineNumber;

@@ -15,6 +15,8 @@ namespace {
 // arguments of fixed size.
 constexpr std::size_t messageOverhead = 4096;
 
+static_assert(ArraySize::maximum == DBUS_MAXIMUM_ARRAY_LENGTH);
+
 /// Looks at one call after the other, up to the first that may not be sent.
 class Check {
 public:
@@ -63,7 +65,7 @@ private:
 
     void requireRoom(const char* failureText, const ArraySize& first, const ArraySize& second) {
         for (const auto& array : {first, second}) {
-            if (array.bytes() > DBUS_MAXIMUM_ARRAY_LENGTH)
+            if (!array.fits())
                 failForSize(failureText, array.bytes());
         }
         const auto message = messageOverhead + first.bytes() + second.bytes();
@@ -86,11 +88,6 @@ private:
 };
 
 } // namespace
-
-void ArraySize::add(std::string_view text) {
-    // A string begins at a multiple of 4 with its length of 4 bytes, and is null-terminated.
-    bytes_ = (bytes_ + 3) / 4 * 4 + 4 + text.size() + 1;
-}
 
 bool isSendable(const RequestTexts& texts) {
     Check check(texts.origin);

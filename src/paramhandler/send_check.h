@@ -5,20 +5,7 @@
 
 #include "text/request_texts.h"
 
-#include <cstddef>
-#include <string_view>
-
 namespace morvane {
-
-/// Counts the bytes that strings take as an array on the bus.
-class ArraySize {
-public:
-    void add(std::string_view text);
-    std::size_t bytes() const { return bytes_; }
-
-private:
-    std::size_t bytes_ = 0;
-};
 
 /// Whether every call of a request may be sent. Logs the first reason why one may not.
 bool isSendable(const RequestTexts& texts);

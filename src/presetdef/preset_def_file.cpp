@@ -1,8 +1,8 @@
 #include "presetdef/preset_def_file.h"
 
 #include "presetdef/preset_def_parser.h"
+#include "text/diagnostic.h"
 #include "text/line_reader.h"
-#include "text/report.h"
 
 #include <cstdint>
 #include <string>
@@ -13,11 +13,11 @@ using enum PresetParseResult;
 
 namespace {
 
-void reportError(PresetParseResult result, std::string_view line, std::uint32_t lineNumber,
-                 std::uint32_t column) {
+void printError(PresetParseResult result, std::string_view line, std::uint32_t lineNumber,
+                std::uint32_t column) {
     std::string heading(nameOf(result));
     heading += " Error on line " + std::to_string(lineNumber) + "\n";
-    reportAtCaret(heading, line, column);
+    printWithCaret(heading, line, column);
 }
 
 } // namespace
@@ -36,7 +36,7 @@ PresetParseResult readPresetDefFile(const char* path, PresetDefinitions* definit
     while (const auto line = lines.next()) {
         result = parser.parsePresetDefLine(*definitions, errorColumn, *line, lineNumber);
         if (result != PARSE_PRESET_OK && result != PARSE_PRESET_CONTINUE) {
-            reportError(result, *line, lineNumber, errorColumn);
+            printError(result, *line, lineNumber, errorColumn);
             break;
         }
         ++lineNumber;

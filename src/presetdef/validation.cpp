@@ -1,7 +1,7 @@
 #include "presetdef/validation.h"
 
 #include "paramdef/system_parameter.h"
-#include "text/report.h"
+#include "text/diagnostic.h"
 
 #include <cstdint>
 #include <set>
@@ -18,7 +18,7 @@ namespace {
 // with the report.
 PresetParseResult reportInvalid(std::uint32_t line, const std::string& text,
                                 PresetParseResult result) {
-    report("Preset Definition Error on line " + std::to_string(line) + ".\n" + text + "\n");
+    printAtOnce("Preset Definition Error on line " + std::to_string(line) + ".\n" + text + "\n");
     return result;
 }
 

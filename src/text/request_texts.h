@@ -1,14 +1,31 @@
-// The strings of a request to the Parameter Handler, as its parts hand them to each other.
+// The strings of a request to the Parameter Handler, as its parts hand them to each other, and how
+// much room they take.
 #pragma once
 
 #include "text/c_string_view.h"
 
+#include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>
 #include <utility>
 
 namespace morvane {
+
+/// Counts the bytes that strings take as an array on the bus.
+class ArraySize {
+public:
+    static constexpr std::size_t maximum = std::size_t{64} << 20U; ///< that D-Bus allows
+
+    // A string begins at a multiple of 4 with its length of 4 bytes, and is null-terminated.
+    void add(std::string_view text) { bytes_ = (bytes_ + 3) / 4 * 4 + 4 + text.size() + 1; }
+
+    std::size_t bytes() const { return bytes_; }
+    bool fits() const { return bytes_ <= maximum; }
+
+private:
+    std::size_t bytes_ = 0;
+};
 
 /// What is set: a key and its new value.
 using KeyValue = std::pair<CStringView, CStringView>;

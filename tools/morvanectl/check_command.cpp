@@ -3,8 +3,8 @@
 
 #include "commands.h"
 #include "output.h"
+#include "text/diagnostic.h"
 #include "text/line_reader.h"
-#include "text/report.h"
 #include "warnings.h"
 
 #include <algorithm>
@@ -147,9 +147,9 @@ public:
 
     void write() const {
         for (const auto& [file, place, text, variants] : findings_)
-            reportAtCaret(fileOf(file).path() + ":" + std::to_string(place.line) +
-                              ": warning: " + text + whereText(variants) + "\n",
-                          place.text, place.column);
+            printWithCaret(fileOf(file).path() + ":" + std::to_string(place.line) +
+                               ": warning: " + text + whereText(variants) + "\n",
+                           place.text, place.column);
     }
 
     void writeAsJson() const {

@@ -1,5 +1,6 @@
 #include "transaction_service.h"
 
+#include "text/request_texts.h"
 #include "transaction_interface.h"
 
 #include <utility>
@@ -29,11 +30,10 @@ std::string methodOf(const TransactionService::Invocation& invocation) {
 // Whether D-Bus carries these strings in one list. GDBus does not send a longer one and tells
 // nobody, so that the client would wait in vain.
 bool fitsOneList(const std::vector<std::string>& texts) {
-    constexpr std::size_t maximum = std::size_t{64} << 20U;
-    std::size_t size = 0;
-    for (const auto& text : texts) // a length of 4 bytes at a multiple of 4, the text, a null byte
-        size = (size + 3) / 4 * 4 + 4 + text.size() + 1;
-    return size <= maximum;
+    ArraySize size;
+    for (const auto& text : texts)
+        size.add(text);
+    return size.fits();
 }
 
 void changeCount(const Fault& fault, Outcome& outcome) {

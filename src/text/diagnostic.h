@@ -8,10 +8,10 @@ namespace morvane {
 
 /// Writes `text` to standard output at once: whatever stayed in the stream's buffer would be lost
 /// when the daemon detaches and its streams go to the null device.
-void report(std::string_view text);
+void printAtOnce(std::string_view text);
 
 /// Writes `heading`, the line as read, a line feed unless the line ends in one, and a caret under
 /// byte `column` of the line.
-void reportAtCaret(std::string_view heading, std::string_view line, std::uint32_t column);
+void printWithCaret(std::string_view heading, std::string_view line, std::uint32_t column);
 
 } // namespace morvane

@@ -1,5 +1,5 @@
 #include "support/output_capture.h"
-#include "text/report.h"
+#include "text/diagnostic.h"
 
 #include <gtest/gtest.h>
 
@@ -21,18 +21,18 @@ constexpr Row rows[] = {
     {"an empty line", "", 0, "heading\n\n^\n"},
 };
 
-TEST(Report, PutsACaretUnderTheColumn) {
+TEST(Diagnostic, PutsACaretUnderTheColumn) {
     for (const auto& [why, line, column, output] : rows) {
         SCOPED_TRACE(why);
         EXPECT_EQ(test::standardOutputOf([&, line = line, column = column] {
-                      reportAtCaret("heading\n", line, column);
+                      printWithCaret("heading\n", line, column);
                   }),
                   output);
     }
 }
 
-TEST(Report, WritesTextsAsTheyAre) {
-    EXPECT_EQ(test::standardOutputOf([] { report("%s no line feed"); }), "%s no line feed");
+TEST(Diagnostic, WritesTextsAsTheyAre) {
+    EXPECT_EQ(test::standardOutputOf([] { printAtOnce("%s no line feed"); }), "%s no line feed");
 }
 
 } // namespace

@@ -1,23 +1,23 @@
-#include "text/report.h"
+#include "text/diagnostic.h"
 
 #include <cstdio>
 #include <string>
 
 namespace morvane {
 
-void report(std::string_view text) {
+void printAtOnce(std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stdout);
     std::fflush(stdout);
 }
 
-void reportAtCaret(std::string_view heading, std::string_view line, std::uint32_t column) {
+void printWithCaret(std::string_view heading, std::string_view line, std::uint32_t column) {
     std::string text(heading);
     text += line;
     if (!line.ends_with('\n'))
         text += '\n';
     text.append(column, ' ');
     text += "^\n";
-    report(text);
+    printAtOnce(text);
 }
 
 } // namespace morvane
