@@ -3,6 +3,7 @@
 #include "paramdef/evaluator.h"
 #include "paramdef/system_parameter.h"
 #include "tables/condition.h"
+#include "text/number.h"
 
 #include <optional>
 #include <utility>
@@ -32,6 +33,14 @@ std::optional<ValidValue> itemValue(const RangeItem& item, const SystemArguments
 }
 
 } // namespace
+
+bool standsFor(const ValidValue& item, std::string_view value) {
+    if (const auto* const text = std::get_if<std::string>(&item))
+        return *text == value;
+    const auto& [low, high] = std::get<NumberSpan>(item);
+    const auto number = value.empty() ? std::nullopt : wholeNumber(value);
+    return number && low <= *number && *number <= high;
+}
 
 std::vector<ValidValue> validValues(const SystemParameter& parameter,
                                     const SystemParameterTable& parameters,

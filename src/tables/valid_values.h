@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -24,6 +25,10 @@ struct NumberSpan {
 
 /// What one item of a range stands for.
 using ValidValue = std::variant<NumberSpan, std::string>;
+
+/// Whether an item stands for a value as preset data files have it: a text for itself, a span for
+/// its numbers, in any way in which numbers are written.
+bool standsFor(const ValidValue& item, std::string_view value);
 
 /// The items of those `rangeValid` attributes whose condition holds, in file order. An item that
 /// cannot be computed is left out.

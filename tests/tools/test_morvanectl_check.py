@@ -29,6 +29,8 @@ def check(world, ctl):  # noqa: F811
 def test_has_nothing_to_say_about_good_definitions(check):
     assert check() == (YES, "", "")
     assert check("--json") == (YES, "[]\n", "")
+    hexadecimal = 'level rw { rangeValid { 0..20 } default { "0x10" } }\n'
+    assert check(parameters=PARAMETERS + hexadecimal) == (YES, "", "")
 
 
 @pytest.mark.parametrize("parameters, presets, report", [

@@ -16,15 +16,6 @@ std::string valueText(const ExprValue& value) {
     return value.type == ExprValue::Type::number ? decimalText(value.number) : value.text;
 }
 
-bool holds(const ValidValue& valid, const ExprValue& value) {
-    if (const auto* const text = std::get_if<std::string>(&valid))
-        return *text == valueText(value);
-    const auto& [low, high] = std::get<NumberSpan>(valid);
-    const auto number = value.type == ExprValue::Type::number ? std::optional(value.number)
-                                                              : wholeDecimal(value.text);
-    return number && low <= *number && *number <= high;
-}
-
 /// Collects the warnings about one parameter.
 class ParameterCheck {
 public:
@@ -138,8 +129,9 @@ private:
             return;
         }
         const auto valid = validValues(parameter_, parameters_, arguments_);
-        const bool fits = std::any_of(valid.begin(), valid.end(),
-                                      [&](const ValidValue& item) { return holds(item, value); });
+        const bool fits = std::any_of(
+            valid.begin(), valid.end(),
+            [text = valueText(value)](const ValidValue& item) { return standsFor(item, text); });
         if (!valid.empty() && !fits)
             addAt(chosen.value.tokens, "the default " + valueText(value) + " of " +
                                            parameter_.name + " is none of its values");

@@ -13,14 +13,6 @@ namespace morvane::sim {
 
 namespace {
 
-bool accepts(const ValidValue& valid, const std::string& value) {
-    if (const auto* const text = std::get_if<std::string>(&valid))
-        return value == *text;
-    const auto& span = std::get<NumberSpan>(valid);
-    const auto number = value.empty() ? std::nullopt : wholeNumber(value);
-    return number && span.low <= *number && *number <= span.high;
-}
-
 // A parameter without a default starts at the first of its valid values. It never starts empty:
 // an empty value would end every preset file that it is stored in.
 std::string firstValue(const std::vector<ValidValue>& valid) {
@@ -51,9 +43,8 @@ std::string defaultValue(const SystemParameter& parameter, const std::vector<Val
 } // namespace
 
 bool DeviceParameter::accepts(const std::string& value) const {
-    return !isRanged || std::any_of(valid.begin(), valid.end(), [&](const ValidValue& item) {
-        return sim::accepts(item, value);
-    });
+    return !isRanged || std::any_of(valid.begin(), valid.end(),
+                                    [&](const ValidValue& item) { return standsFor(item, value); });
 }
 
 Device::Device(const SystemParameterTable& parameters, const SystemArguments& arguments) {

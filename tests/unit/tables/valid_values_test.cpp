@@ -127,5 +127,35 @@ TEST(ValidValues, TakeNoMemoryForTheNumbersOfASpan) {
     EXPECT_EQ(valuesOf("rangeValid { 0..2147483647 }", {}), (Values{NumberSpan{0, highest}}));
 }
 
+struct ItemRow {
+    const char* why;
+    ValidValue item;
+    const char* value;
+    bool stands;
+};
+
+const ItemRow itemRows[] = {
+    {"a text", "auto", "auto", true},
+    {"another text", "auto", "Auto", false},
+    {"a text that looks like a number", "16", "0x10", false},
+    {"the first of a span", NumberSpan{-2, 20}, "-2", true},
+    {"the last of a span", NumberSpan{-2, 20}, "20", true},
+    {"below a span", NumberSpan{-2, 20}, "-3", false},
+    {"above a span", NumberSpan{-2, 20}, "21", false},
+    {"hexadecimal", NumberSpan{-2, 20}, "0x10", true},
+    {"octal", NumberSpan{-2, 20}, "024", true},
+    {"octal above", NumberSpan{-2, 20}, "025", false},
+    {"more than a number", NumberSpan{-2, 20}, "1x", false},
+    {"nothing, which is no 0", NumberSpan{-2, 20}, "", false},
+    {"a span downwards", NumberSpan{3, 0}, "2", false},
+};
+
+TEST(ValidValues, StandForTheValuesOfPresetDataFiles) {
+    for (const auto& [why, item, value, stands] : itemRows) {
+        SCOPED_TRACE(why);
+        EXPECT_EQ(standsFor(item, value), stands);
+    }
+}
+
 } // namespace
 } // namespace morvane
