@@ -14,6 +14,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 namespace morvane::test {
 
@@ -35,7 +36,7 @@ std::string nameOf(int descriptor) {
 
 // Sets errno and returns true if a call is to fail.
 bool failsSilently(const std::string& call) {
-    const int error = active == nullptr ? 0 : active->errorOf(call);
+    const int error = active == nullptr ? 0 : active->begin(call);
     if (error != 0)
         errno = error;
     return error != 0;
@@ -71,7 +72,15 @@ void FileRecorder::fail(const std::string& call, int error, int count) {
     failures_.push_back({call, error, count});
 }
 
-int FileRecorder::errorOf(const std::string& call) {
+void FileRecorder::before(const std::string& call, std::function<void()> action) {
+    actions_.push_back({call, std::move(action)});
+}
+
+int FileRecorder::begin(const std::string& call) {
+    for (const auto& [name, action] : actions_) {
+        if (name == call)
+            action();
+    }
     int error = 0;
     for (auto& failure : failures_) {
         if (failure.call == call && failure.count-- == 0)
@@ -107,6 +116,8 @@ int open(const char* path, int flags, ...) {
         va_start(arguments, flags);
         mode = va_arg(arguments, mode_t);
         va_end(arguments);
+    } else if (morvane::test::failsSilently("look " + morvane::test::lastComponent(path))) {
+        return -1;
     }
     return morvane::test::original<int(const char*, int, ...)>(NAME_OF_open)(path, flags, mode);
 }

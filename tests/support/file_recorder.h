@@ -1,6 +1,7 @@
 // Records the calls that change files, and makes chosen ones fail, inside a test program.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -22,12 +23,16 @@ public:
     /// @param count how many times the call is let pass before.
     void fail(const std::string& call, int error, int count = 0);
 
-    /// What was called, without stat and fchown.
+    /// Does something whenever a call is about to begin, such as what another process might do.
+    void before(const std::string& call, std::function<void()> action);
+
+    /// What was called, without stat, fchown and "look", which is open of what must be there.
     const std::vector<std::string>& calls() const { return calls_; }
 
-    /// For the interposed functions: notes a call; and says with which error it is to fail, or 0.
+    /// For the interposed functions: notes a call; and does what is to be done before it and says
+    /// with which error it is to fail, or 0.
     void note(const std::string& call) { calls_.push_back(call); }
-    int errorOf(const std::string& call);
+    int begin(const std::string& call);
 
 private:
     struct Failure {
@@ -35,9 +40,14 @@ private:
         int error;
         int count;
     };
+    struct Action {
+        std::string call;
+        std::function<void()> action;
+    };
 
     std::vector<std::string> calls_;
     std::vector<Failure> failures_;
+    std::vector<Action> actions_;
 };
 
 } // namespace morvane::test

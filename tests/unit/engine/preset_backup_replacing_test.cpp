@@ -303,6 +303,23 @@ TEST_F(PresetBackup, RestoresABackupOfAnyDate) {
     EXPECT_EQ(load(), "new");
 }
 
+// Somebody puts another thing there between the look at the file and its opening.
+TEST_F(PresetBackup, ReadsAndWaitsForNothingThatTookThePlaceOfAFile) {
+    for (const auto* const kind : {"FIFO", "folder"}) {
+        SCOPED_TRACE(kind);
+        folder_.write("p", "old");
+        test::FileRecorder files;
+        files.before("look p", [&] {
+            std::remove(path_.c_str());
+            const auto make = kind == std::string("FIFO") ? mkfifo : mkdir;
+            EXPECT_EQ(make(path_.c_str(), 0700), 0);
+        });
+        EXPECT_EQ(load(), "(none)");
+        EXPECT_EQ(test::takeLog(), Log{});
+        std::remove(path_.c_str());
+    }
+}
+
 // Opening a device may do something: rewind a tape, start a watchdog, hang up a line.
 TEST_F(PresetBackup, OpensNothingThatItDoesNotRead) {
     ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
