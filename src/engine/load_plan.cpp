@@ -18,15 +18,15 @@ LoadPlan::LoadPlan(const PresetManager& manager, const KeySet& presetKeys)
 void LoadPlan::add(PresetEntry& entry) {
     if (!translateEntry(manager_.translation(), entry))
         return;
-    const auto place = search_.find(presetKey(entry, key_));
+    const auto place = search_.find(entry.key(key_));
     if (!place) {
         empty_ = empty_ && !isOfKnownParameter(manager_, entry);
         return;
     }
     empty_ = false;
     isSet_[*place] = true;
-    auto& list = manager_.isReadOnly(entry.name) ? statusValues_ : values_;
-    list.emplace_back(presetKeys_[*place], kept(entry.value));
+    auto& list = manager_.isReadOnly(entry.name()) ? statusValues_ : values_;
+    list.emplace_back(presetKeys_[*place], kept(entry.value()));
 }
 
 KeysToReset LoadPlan::unsetKeys() const {

@@ -16,27 +16,45 @@ std::string_view trimEnd(std::string_view text) {
     return text.substr(0, end);
 }
 
+struct KeyParts {
+    std::string_view name;
+    bool isCanonical; ///< nothing is dropped from the key
+};
+
+// Hands the text in each closed group of a key to `use`.
+template <typename Use>
+KeyParts takeApart(std::string_view key, Use use) {
+    auto open = key.find('[');
+    const auto name = key.substr(0, open);
+    auto size = name.size(); // of the canonical key
+    while (open != std::string_view::npos) {
+        const auto close = key.find(']', open);
+        if (close == std::string_view::npos)
+            break;
+        const auto index = key.substr(open + 1, close - open - 1);
+        use(index);
+        size += index.size() + 2;
+        open = key.find('[', close + 1);
+    }
+    return {name, size == key.size()};
+}
+
+void appendIndex(std::string_view index, std::string& key) {
+    key += '[';
+    key += index;
+    key += ']';
+}
+
 } // namespace
 
 void parsePresetKey(std::string_view key, PresetEntry& entry) {
     const auto text = trimEnd(key);
-    auto open = text.find('[');
-    entry.name = text.substr(0, open);
-    entry.indices.clear();
-    entry.value = {};
-    auto end = entry.name.size(); // of what the canonical key has of the text
-    bool isCanonical = true;
-    while (open != std::string_view::npos) {
-        const auto close = text.find(']', open);
-        if (close == std::string_view::npos)
-            break;
-        entry.indices.push_back(text.substr(open + 1, close - open - 1));
-        isCanonical = isCanonical && open == end;
-        end = close + 1;
-        open = text.find('[', end);
-    }
-    isCanonical = isCanonical && end == text.size() && !entry.name.empty();
-    entry.writtenKey = isCanonical ? text : std::string_view();
+    entry.indices_.clear();
+    const auto [name, isCanonical] =
+        takeApart(text, [&](std::string_view index) { entry.indices_.push_back(index); });
+    entry.name_ = name;
+    entry.value_ = {};
+    entry.canonicalText_ = isCanonical && !name.empty() ? text : std::string_view();
 }
 
 void parsePresetLine(std::string_view line, PresetEntry& entry) {
@@ -47,32 +65,41 @@ void parsePresetLine(std::string_view line, PresetEntry& entry) {
         return;
     }
     parsePresetKey(text.substr(0, equals), entry);
-    entry.value = text.substr(equals + 1);
+    entry.setValue(text.substr(equals + 1));
 }
 
-std::string_view presetKey(const PresetEntry& entry, std::string& buffer) {
-    if (!entry.writtenKey.empty() || entry.name.empty())
-        return entry.writtenKey;
-    buffer = entry.name;
-    for (const auto index : entry.indices) {
-        buffer += '[';
-        buffer += index;
-        buffer += ']';
-    }
+std::string_view PresetEntry::key(std::string& buffer) const {
+    if (!canonicalText_.empty() || name_.empty())
+        return canonicalText_;
+    buffer = name_;
+    for (const auto index : indices_)
+        appendIndex(index, buffer);
     return buffer;
 }
 
 std::string presetKey(const PresetEntry& entry) {
     std::string buffer;
-    return std::string(presetKey(entry, buffer));
+    return std::string(entry.key(buffer));
+}
+
+std::string_view canonicalKey(std::string_view key, std::string& buffer) {
+    const auto text = trimEnd(key);
+    const auto [name, isCanonical] = takeApart(text, [](std::string_view) {});
+    if (name.empty())
+        return {};
+    if (isCanonical)
+        return text;
+    buffer = name;
+    takeApart(text, [&](std::string_view index) { appendIndex(index, buffer); });
+    return buffer;
 }
 
 void formatPresetLine(const PresetEntry& entry, std::string& line) {
-    const auto key = presetKey(entry, line);
+    const auto key = entry.key(line);
     if (key.data() != line.data()) // else it has been put together there
         line = key;
     line += '=';
-    line += entry.value;
+    line += entry.value();
 }
 
 } // namespace morvane

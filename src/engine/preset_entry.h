@@ -3,20 +3,56 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace morvane {
 
-/// Its texts are borrowed: from the line that it was read from, and what a translation has changed
-/// from the tables of the translation.
-struct PresetEntry {
-    std::string_view name;                 ///< the key up to its first "["
-    std::vector<std::string_view> indices; ///< one per bracketed group of the key, as text
-    std::string_view value;
+/// A parameter instance and its value. All texts are borrowed: from the line that they were read
+/// from, and what a translation has changed from the tables of the translation.
+class PresetEntry {
+public:
+    PresetEntry() = default;
+    PresetEntry(std::string_view name, std::vector<std::string_view> indices,
+                std::string_view value)
+        : name_(name),
+          indices_(std::move(indices)),
+          value_(value) {}
 
-    /// The canonical key, where it stands in the line as it is, which spares putting it together;
-    /// empty if it does not. Whoever changes the name or the indices empties it.
-    std::string_view writtenKey = {};
+    /// The key up to its first "[".
+    std::string_view name() const { return name_; }
+
+    /// One per bracketed group of the key, as text.
+    const std::vector<std::string_view>& indices() const { return indices_; }
+
+    std::string_view value() const { return value_; }
+
+    void setName(std::string_view name) {
+        name_ = name;
+        canonicalText_ = {};
+    }
+    void setIndices(std::vector<std::string_view> indices) {
+        indices_ = std::move(indices);
+        canonicalText_ = {};
+    }
+    void setValue(std::string_view value) { value_ = value; }
+
+    /// The canonical key: the name and "[" index "]" for each index. Empty if the name is.
+    ///
+    /// @param buffer overwritten if the key must be put together.
+    /// @return borrowed from the entry's texts or the buffer.
+    std::string_view key(std::string& buffer) const;
+
+private:
+    friend void parsePresetKey(std::string_view key, PresetEntry& entry);
+
+    std::string_view name_;
+    std::vector<std::string_view> indices_;
+    std::string_view value_;
+
+    /// The canonical key where it stands in the line as it is, which spares putting it together;
+    /// empty if it does not.
+    std::string_view canonicalText_;
 };
 
 /// Takes a key such as "gain[1][2]" apart. Trailing \t, \f, \v, \n and \r are cut, blanks are not;
@@ -31,14 +67,14 @@ void parsePresetKey(std::string_view key, PresetEntry& entry);
 ///              may be empty.
 void parsePresetLine(std::string_view line, PresetEntry& entry);
 
-/// The canonical key of an entry: its name and "[" index "]" for each index. Empty if the name is.
+/// The canonical key of an entry, as a text of its own.
+std::string presetKey(const PresetEntry& entry);
+
+/// The canonical key of the entry that `parsePresetKey` makes of a key, without making it.
 ///
 /// @param buffer overwritten if the key must be put together.
-/// @return borrowed from the entry or the buffer.
-std::string_view presetKey(const PresetEntry& entry, std::string& buffer);
-
-/// The same as a text of its own.
-std::string presetKey(const PresetEntry& entry);
+/// @return borrowed from the key or the buffer.
+std::string_view canonicalKey(std::string_view key, std::string& buffer);
 
 /// The entry's line without a line feed: canonical key, "=" and value.
 /// @param line overwritten.

@@ -4,10 +4,15 @@
 
 namespace morvane {
 
-bool writePresetEntry(std::FILE* stream, const PresetEntry& entry, std::string& line) {
-    if (entry.name.empty() || entry.value.empty())
+bool writePresetEntry(std::FILE* stream, std::string_view key, std::string_view value,
+                      std::string& line) {
+    const auto canonical = canonicalKey(key, line);
+    if (canonical.empty() || value.empty())
         return false;
-    formatPresetLine(entry, line);
+    if (canonical.data() != line.data()) // else it has been put together there
+        line = canonical;
+    line += '=';
+    line += value;
     line += '\n';
     return std::fputs(line.c_str(), stream) != EOF;
 }
@@ -15,13 +20,10 @@ bool writePresetEntry(std::FILE* stream, const PresetEntry& entry, std::string& 
 int writePresetFile(std::FILE* stream, std::span<const std::string> keys,
                     std::span<const char* const> values) {
     assert(values.size() == keys.size());
-    PresetEntry entry;
     std::string line;
     int count = 0;
     for (std::size_t i = 0; i < keys.size(); ++i) {
-        parsePresetKey(keys[i], entry);
-        entry.value = values[i];
-        if (!writePresetEntry(stream, entry, line))
+        if (!writePresetEntry(stream, keys[i], values[i], line))
             break;
         ++count;
     }

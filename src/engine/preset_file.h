@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace morvane {
 
@@ -29,7 +30,7 @@ int readPresetFile(std::FILE* stream, Use use) {
     int count = 0;
     while (const auto line = lines.next()) {
         parsePresetLine(*line, entry);
-        if (entry.name.empty() || entry.value.empty())
+        if (entry.name().empty() || entry.value().empty())
             continue;
         use(entry);
         ++count;
@@ -40,10 +41,12 @@ int readPresetFile(std::FILE* stream, Use use) {
 /// Writes the line of one entry with a line feed.
 ///
 /// @param stream open for writing; borrowed, stays open.
+/// @param key    written in its canonical form, whose parts come back when the line is read.
 /// @param line   overwritten: the one buffer for all lines of a file.
-/// @return false if the entry has no name or no value, with nothing written, or if the stream
-///         refuses the line, with its error indicator set.
-bool writePresetEntry(std::FILE* stream, const PresetEntry& entry, std::string& line);
+/// @return false if the key has no name or the value is empty, with nothing written, or if the
+///         stream refuses the line, with its error indicator set.
+bool writePresetEntry(std::FILE* stream, std::string_view key, std::string_view value,
+                      std::string& line);
 
 /// Writes a line for each key with its value, in order, and stops at the first that cannot be
 /// written. Lines already written stay.

@@ -20,10 +20,10 @@ bool comesBack(const morvane::PresetEntry& entry) {
     constexpr std::size_t longest = 1000;
     constexpr std::string_view trimmed = "\t\f\v\n\r";
     const bool endsInSpace =
-        entry.indices.empty() && trimmed.find(entry.name.back()) != std::string_view::npos;
+        entry.indices().empty() && trimmed.find(entry.name().back()) != std::string_view::npos;
     return !endsInSpace && lineOf(entry).size() < longest &&
-           entry.name.find(']') == std::string_view::npos &&
-           std::none_of(entry.indices.begin(), entry.indices.end(), [](std::string_view index) {
+           entry.name().find(']') == std::string_view::npos &&
+           std::none_of(entry.indices().begin(), entry.indices().end(), [](std::string_view index) {
                return index.find('[') != std::string_view::npos;
            });
 }

@@ -7,9 +7,9 @@ namespace morvane {
 namespace {
 
 void expectEqual(const PresetEntry& entry, const PresetEntry& expected) {
-    EXPECT_EQ(entry.name, expected.name);
-    EXPECT_EQ(entry.indices, expected.indices);
-    EXPECT_EQ(entry.value, expected.value);
+    EXPECT_EQ(entry.name(), expected.name());
+    EXPECT_EQ(entry.indices(), expected.indices());
+    EXPECT_EQ(entry.value(), expected.value());
 }
 
 struct KeyRow {
@@ -52,7 +52,7 @@ TEST(PresetKey, IsTakenApartAndRebuilt) {
         EXPECT_EQ(presetKey(parsed), canonical);
         EXPECT_EQ(presetKey(entry), canonical) << "put together";
         std::string buffer;
-        EXPECT_EQ(presetKey(parsed, buffer), canonical);
+        EXPECT_EQ(canonicalKey(key, buffer), canonical);
     }
 }
 

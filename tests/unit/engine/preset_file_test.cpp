@@ -78,6 +78,39 @@ TEST(PresetFile, WritesOneLineForEachKeyInOrder) {
     EXPECT_EQ(result.count, 3);
 }
 
+struct KeyRow {
+    const char* why;
+    const char* key;
+    const char* line; ///< with the value v; empty if nothing is written
+};
+
+// An index value may hold any character, those that a key is taken apart at among them.
+const KeyRow keyRows[] = {
+    {"an opening bracket in an index value", "a[[1][2]", "a[[1][2]=v\n"},
+    {"a closing bracket in an index value", "a[1]x][2]", "a[1][2]=v\n"},
+    {"two closing brackets in an index value", "a[1]]][2]", "a[1][2]=v\n"},
+    {"a group in an index value", "a[1[x]y][2]", "a[1[x][2]=v\n"},
+    {"an opening bracket behind a closing one", "a[1][]", "a[1][]=v\n"},
+    {"an index value that ends in white space", "a[1\t][2\r]", "a[1\t][2\r]=v\n"},
+    {"an index value of white space", "a[\t]", "a[\t]=v\n"},
+    {"white space behind a group", "a[1\r]\t", "a[1\r]=v\n"},
+    {"white space behind the name", "a\t", "a=v\n"},
+    {"white space behind the name, in front of a group", "a\t[1]", "a\t[1]=v\n"},
+    {"white space behind the name, in front of an unclosed group", "a\t[1", "a\t=v\n"},
+    {"white space alone", "\t", ""},
+    {"a group without a name", "[1]", ""},
+    {"nothing", "", ""},
+};
+
+TEST(PresetFile, WritesCanonicalKeys) {
+    for (const auto& [why, key, line] : keyRows) {
+        SCOPED_TRACE(why);
+        EXPECT_EQ(write({key}, {"v"}).text, line);
+        EXPECT_EQ(write({"a[1", key}, {"v", "v"}).text, std::string("a=v\n") + line)
+            << "behind another";
+    }
+}
+
 TEST(PresetFile, StopsWritingAtTheFirstEntryWithoutAValue) {
     const auto result = write({"a", "b", "c", "d"}, {"1", "2", "", "4"});
     EXPECT_EQ(result.text, "a=1\nb=2\n");
@@ -94,7 +127,7 @@ TEST(PresetFile, StopsWritingWhenTheStreamRefuses) {
     const test::TempFolder folder;
     const OwnedStream stream(std::fopen(folder.write("preset", "").c_str(), "r"));
     std::string line;
-    EXPECT_FALSE(writePresetEntry(stream.get(), {"a", {}, "1"}, line));
+    EXPECT_FALSE(writePresetEntry(stream.get(), "a", "1", line));
     EXPECT_NE(std::ferror(stream.get()), 0);
     EXPECT_EQ(writePresetFile(stream.get(), Lines{"a", "b"}, std::vector{"1", "2"}), 0);
 }

@@ -132,7 +132,7 @@ TEST_F(PresetTranslateTest, MakesTodaysEntriesOfOldOnes) {
         if (!kept)
             EXPECT_EQ(dropped, result);
         else
-            EXPECT_EQ(entry.name.empty() ? unusable : test::lineOf(entry), result);
+            EXPECT_EQ(entry.name().empty() ? unusable : test::lineOf(entry), result);
     }
 }
 
