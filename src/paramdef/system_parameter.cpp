@@ -41,11 +41,8 @@ const SystemParameter* SystemParameterTable::find(std::string_view name) const {
 }
 
 SystemParameter* SystemParameterTable::find(std::string_view name) {
-    if (last_ != nullptr && last_->name == name)
-        return last_;
     const auto found = parameters_.find(name);
-    last_ = found == parameters_.end() ? nullptr : &found->second;
-    return last_;
+    return found == parameters_.end() ? nullptr : &found->second;
 }
 
 void SystemParameterTable::insert(std::string_view name, std::uint32_t line) {
@@ -56,7 +53,6 @@ void SystemParameterTable::insert(std::string_view name, std::uint32_t line) {
         place->second.name = name;
         place->second.line = line;
     }
-    last_ = &place->second;
 }
 
 } // namespace morvane

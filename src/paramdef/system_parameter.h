@@ -95,13 +95,6 @@ class SystemParameterTable {
 public:
     using Map = std::map<std::string, SystemParameter, std::less<>>;
 
-    SystemParameterTable() = default;
-    SystemParameterTable(const SystemParameterTable& other) : parameters_(other.parameters_) {}
-    SystemParameterTable& operator=(const SystemParameterTable&) = delete;
-    SystemParameterTable(SystemParameterTable&&) = default;
-    SystemParameterTable& operator=(SystemParameterTable&&) = default;
-    ~SystemParameterTable() = default;
-
     /// @return the parameter, or null; valid as long as the table.
     const SystemParameter* find(std::string_view name) const;
     SystemParameter* find(std::string_view name);
@@ -116,7 +109,6 @@ public:
 
 private:
     Map parameters_;
-    SystemParameter* last_ = nullptr; ///< of `parameters_`: the next lookup is for it as a rule
 };
 
 } // namespace morvane
