@@ -2,8 +2,8 @@
 #pragma once
 
 #include "paramdef/expression.h"
+#include "paramdef/literal.h"
 #include "paramdef/param_def_result.h"
-#include "paramdef/quoted_string.h"
 
 #include <cstdint>
 #include <string>

@@ -1,6 +1,5 @@
 #include "paramdef/range_parser.h"
 
-#include "paramdef/bare_number.h"
 #include "text/cursor.h"
 #include "text/token_loop.h"
 

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "paramdef/expression_tokenizer.h"
+#include "paramdef/literal.h"
 #include "paramdef/optional_condition.h"
 #include "paramdef/param_def_result.h"
-#include "paramdef/quoted_string.h"
 #include "paramdef/system_parameter.h"
 
 #include <utility>

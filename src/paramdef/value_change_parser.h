@@ -1,8 +1,8 @@
 // The part of a `valueChange` attribute behind its keyword.
 #pragma once
 
+#include "paramdef/literal.h"
 #include "paramdef/param_def_result.h"
-#include "paramdef/quoted_string.h"
 #include "paramdef/system_parameter.h"
 
 #include <utility>

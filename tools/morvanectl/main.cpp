@@ -1,8 +1,183 @@
 // morvanectl: calls the preset service, and says what the daemon makes of definition files and
-// preset data files.
+// preset data files. Here is its command line.
 
-#include "command_line.h"
+#include "commands.h"
+#include "output.h"
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+
+namespace morvane::ctl {
+
+namespace {
+
+constexpr const char* description =
+    "Calls the preset service of a device, and says what the daemon makes of definition files and "
+    "preset data files.\n\nExit status: 0 yes or same, 1 no or different, 2 error.";
+
+std::string checkSystemArgument(const std::string& text) {
+    SystemArguments unused;
+    return addSystemArgument(unused, text) ? "" : "a system argument is NAME=VALUE";
+}
+
+VariantAxis axisOf(const std::string& text) {
+    const auto equals = text.find('=');
+    return {text.substr(0, equals), CLI::detail::split(text.substr(equals + 1), ',')};
+}
+
+/// Builds the command line around the settings that it fills.
+class CommandLine {
+public:
+    CommandLine() : app_(description) {
+        app_.set_version_flag("--version", MORVANE_VERSION);
+        app_.require_subcommand(1);
+        app_.fallthrough(); // options may stand behind the subcommand
+        addOptions();
+        addOnline();
+        addOffline();
+    }
+
+    ExitStatus run(int argc, char** argv) {
+        try {
+            app_.parse(argc, argv);
+        } catch (const CLI::ParseError& error) {
+            return app_.exit(error) == 0 ? ExitStatus::yes : ExitStatus::error;
+        }
+        for (const auto& argument : systemArguments_)
+            addSystemArgument(settings_.systemArguments, argument);
+        for (const auto& axis : axes_)
+            settings_.axes.push_back(axisOf(axis));
+        return command_();
+    }
+
+private:
+    using Command = std::function<ExitStatus()>;
+
+    void addOptions() {
+        app_.add_option("-p,--parameters", settings_.paramDefFile, "Parameter definition file")
+            ->default_val("/etc/morvane/parameters.def")
+            ->type_name("FILE");
+        app_.add_option("-d,--presets", settings_.presetDefFile, "Preset definition file")
+            ->default_val("/etc/morvane/presets.def")
+            ->type_name("FILE");
+        app_.add_option("-s,--system", systemArguments_,
+                        "A system argument that describes the device; may be repeated")
+            ->type_name("NAME=VALUE")
+            ->take_all()
+            ->allow_extra_args(false)
+            ->check(checkSystemArgument);
+        app_.add_option("--address", settings_.address, "Bus to use instead of the session bus");
+        app_.add_flag("--json", settings_.json, "Write lists as JSON");
+    }
+
+    CLI::App* add(const char* name, const char* text, Command command) {
+        auto* const subcommand = app_.add_subcommand(name, text);
+        subcommand->callback([this, command = std::move(command)] { command_ = command; });
+        return subcommand;
+    }
+
+    CLI::App* addCall(const char* name, const char* method, const char* text) {
+        return add(name, text, [this, method] {
+            return settings_.dryRun ? showLoad(settings_, method) : callService(settings_, method);
+        });
+    }
+
+    void takePreset(CLI::App* subcommand) {
+        subcommand->add_option("preset", settings_.preset, "Name of a preset")->required();
+    }
+
+    void takeFile(CLI::App* subcommand, const char* text) {
+        subcommand->add_option("file", settings_.file, text)->required()->type_name("FILE");
+    }
+
+    void takeKeys(CLI::App* subcommand) {
+        subcommand->add_option("keys", settings_.keys, "Keys, such as gain[1][2]")->required();
+    }
+
+    void takeDryRun(CLI::App* subcommand) {
+        subcommand->add_flag("--dry-run", settings_.dryRun,
+                             "Show the calls that the Parameter Handler would get; call nothing");
+    }
+
+    void addOnline() {
+        auto* const load = addCall("load", "load", "Load the values of a preset data file");
+        auto* const withDefault =
+            addCall("load-with-default", "load_with_default",
+                    "Load a preset data file, and the defaults of what it does not have");
+        for (auto* const subcommand : {load, withDefault}) {
+            takePreset(subcommand);
+            takeFile(subcommand, "Preset data file");
+            takeDryRun(subcommand);
+        }
+        auto* const defaults =
+            addCall("load-default", "load_default", "Load the defaults of a preset");
+        takePreset(defaults);
+        takeDryRun(defaults);
+        auto* const store = addCall("store", "store", "Store the values of a preset in a file");
+        takePreset(store);
+        takeFile(store, "File to be written");
+        auto* const subpreset = addCall("store-subpreset", "store_subpreset",
+                                        "Store the values of some keys of a preset in a file");
+        takePreset(subpreset);
+        takeFile(subpreset, "File to be written");
+        takeKeys(subpreset);
+        auto* const inPreset =
+            addCall("in-preset", "in_preset", "Ask whether a preset covers one of some keys");
+        takePreset(inPreset);
+        takeKeys(inPreset);
+        takePreset(addCall("is-preset", "is_preset", "Ask whether there is a preset"));
+        addCall("die", "die", "End the preset service");
+        add("status", "Show which of the two services are there",
+            [this] { return showStatus(settings_); });
+    }
+
+    void addOffline() {
+        auto* const check =
+            add("check", "Check both definition files, and warn of what may be a mistake",
+                [this] { return checkDefinitions(settings_); });
+        check
+            ->add_option("--all-variants", axes_,
+                         "System arguments with all their values; checks every combination")
+            ->type_name("NAME=VALUE,VALUE...")
+            ->check(checkSystemArgument);
+        add("presets", "List the presets", [this] { return listPresets(settings_); });
+        takePreset(
+            add("keys", "List the keys of a preset", [this] { return listKeys(settings_); }));
+        auto* const explain = add("explain", "Say why a key is or is not in a preset",
+                                  [this] { return explainKey(settings_); });
+        takePreset(explain);
+        explain->add_option("key", settings_.key, "Key, such as gain[1][2]")->required();
+        takeFile(add("translate", "Show what a load makes of each line of a preset data file",
+                     [this] { return translateFile(settings_); }),
+                 "Preset data file");
+        auto* const diff =
+            add("diff", "Compare the values of two preset data files, or of one and the device",
+                [this] { return compare(); });
+        takeFile(diff, "Preset data file");
+        diff->add_option("other", settings_.otherFile, "Preset data file to compare with")
+            ->type_name("FILE");
+        diff->add_option("--live", settings_.livePreset,
+                         "Preset whose live values to compare with");
+    }
+
+    ExitStatus compare() {
+        if (settings_.otherFile.empty() == settings_.livePreset.empty())
+            return fail("diff needs another FILE, or --live PRESET");
+        return settings_.livePreset.empty() ? diffFiles(settings_) : diffLive(settings_);
+    }
+
+    CLI::App app_;
+    Settings settings_;
+    std::vector<std::string> systemArguments_;
+    std::vector<std::string> axes_;
+    Command command_;
+};
+
+} // namespace
+
+} // namespace morvane::ctl
 
 int main(int argc, char** argv) {
-    return static_cast<int>(morvane::ctl::runCommandLine(argc, argv));
+    return static_cast<int>(morvane::ctl::CommandLine().run(argc, argv));
 }

@@ -1,7 +1,9 @@
-#include "paramdef/bare_number.h"
+#include "paramdef/literal.h"
 
 #include "text/cursor.h"
 #include "text/number.h"
+
+#include <string_view>
 
 namespace morvane {
 
@@ -21,6 +23,28 @@ ParamDefResult readBareNumber(Cursor& line, const CharacterSet& delimiters, Toke
              .number = number.value,
              .text = {}};
     return ParamDefResult::ok;
+}
+
+bool QuotedString::open(Cursor& line) {
+    const auto column = line.column();
+    if (!line.accept('"'))
+        return false;
+    token_ = {
+        .line = line.line().number, .column = column, .type = TokenType::TOKEN_STRING, .text = {}};
+    return true;
+}
+
+bool QuotedString::parse(Cursor& line) {
+    const auto rest = line.rest();
+    const auto quote = rest.find('"');
+    if (quote == std::string_view::npos) {
+        token_.text += rest.substr(0, rest.empty() ? 0 : rest.size() - 1);
+        line.advance(rest.size());
+        return false;
+    }
+    token_.text += rest.substr(0, quote);
+    line.advance(quote + 1);
+    return true;
 }
 
 } // namespace morvane

@@ -1,14 +1,25 @@
-// A double-quoted string of the parameter definition file, which may run over several lines.
+// The literals of the parameter definition file: bare numbers and double-quoted strings.
 #pragma once
 
 #include "paramdef/expression.h"
+#include "paramdef/param_def_result.h"
 
 #include <utility>
 
 namespace morvane {
 
+class CharacterSet;
 class Cursor;
 
+/// Reads the word at the cursor as a number.
+///
+/// @param delimiters what ends the word beside white space.
+/// @param token      becomes a TOKEN_NUMBER.
+/// @return ok; syntaxError for an empty word, or for one that is not a number to its end, with the
+///         cursor's mark moved to the first byte that is not part of the number.
+ParamDefResult readBareNumber(Cursor& line, const CharacterSet& delimiters, Token& token);
+
+/// A string may run over several lines.
 class QuotedString {
 public:
     /// Consumes an opening quote if the line goes on with one. The string's token begins there.

@@ -1,19 +1,61 @@
-#include "paramdef/quoted_string.h"
+#include "paramdef/literal.h"
 #include "support/parameter_text.h"
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 namespace morvane {
 namespace {
 
-struct Row {
+struct NumberRow {
+    const char* text; ///< "@" behind the number, or at the caret of a mistake
+    CharacterSet delimiters;
+    ParamDefResult result;
+    const char* number;
+};
+
+constexpr auto ok = ParamDefResult::ok;
+constexpr auto syntax = ParamDefResult::syntaxError;
+
+constexpr NumberRow numberRows[] = {
+    {"5@ }", "", ok, "5"},
+    {"-0x1f@}", ",}", ok, "-31"},
+    {"010@,", ",}", ok, "8"},
+    {"5@..7", ".", ok, "5"},
+    {"99999999999@", "", ok, "2147483647"},
+    {"5@..7", ",}", syntax, ""},
+    {"5@x", "", syntax, ""},
+    {"0@9", "", syntax, ""},
+    {"@x", "", syntax, ""},
+    {"@-", "", syntax, ""},
+    {"@}", "}", syntax, ""},
+    {"@", "}", syntax, ""},
+};
+
+TEST(BareNumber, TakesAWholeWord) {
+    for (const auto& [text, delimiters, result, number] : numberRows) {
+        SCOPED_TRACE(text);
+        const auto source = test::withoutMark(text);
+        Token token;
+        Cursor line({source, 3});
+        EXPECT_EQ(readBareNumber(line, delimiters, token), result);
+        const auto stop = result == ok ? line.column() : line.tokenColumn();
+        EXPECT_EQ(std::string(source).insert(stop, "@"), text);
+        if (result != ok)
+            continue;
+        EXPECT_EQ(test::textOf({token}, test::Places::shown), std::string(number) + "@3:0");
+    }
+}
+
+struct StringRow {
     const char* why;
     const char* text; ///< behind the opening quote, a line or more
     const char* string;
     const char* rest; ///< what is not consumed of the last line; null for an open string
 };
 
-constexpr Row rows[] = {
+constexpr StringRow stringRows[] = {
     {"a string", "auto\" }", "auto", " }"},
     {"an empty string", "\"\"", "", "\""},
     {"blanks and a backslash", " a\\\" b\"", " a\\", " b\""},
@@ -23,7 +65,7 @@ constexpr Row rows[] = {
 };
 
 TEST(QuotedString, EndsAtTheNextQuote) {
-    for (const auto& [why, text, string, rest] : rows) {
+    for (const auto& [why, text, string, rest] : stringRows) {
         SCOPED_TRACE(why);
         const auto quoted = '"' + std::string(text);
         QuotedString reader;
