@@ -99,9 +99,10 @@ Outcome refused(Refusal refusal) {
 }
 
 Outcome commit(ValueStore& values, TransactionId transaction) {
-    Outcome outcome;
-    outcome.refusal = values.commit(transaction, outcome.changed.emplace());
-    return outcome;
+    std::vector<std::string> changed;
+    if (auto refusal = values.commit(transaction, changed))
+        return refused(std::move(refusal));
+    return {.refusal = {}, .result = {}, .changed = std::move(changed)};
 }
 
 Outcome get(ValueStore& values, ValueStore::Scope scope, Count count, Arguments& arguments) {

@@ -13,13 +13,13 @@ namespace {
 class TransactionCalls : public testing::Test {
 protected:
     // Makes a call; the arguments are written as GVariant prints them. Returns the reply the same
-    // way, with the changed keys behind it, or the refusal.
+    // way, with the changed keys after it, or the refusal.
     std::string call(const char* method, const char* arguments) {
         const OwnedVariant parameters(
             g_variant_parse(nullptr, arguments, nullptr, nullptr, nullptr));
         const auto outcome = perform(store_, method, parameters.get());
         if (outcome.refusal)
-            return *outcome.refusal;
+            return *outcome.refusal + (outcome.changed ? ", with a signal" : "");
         const OwnedVariant reply(g_variant_ref_sink(replyBody(outcome)));
         const OwnedText text(g_variant_print(reply.get(), TRUE));
         std::string changed;
@@ -63,6 +63,7 @@ constexpr Row rows[] = {
     {"check_set", "(uint32 1, 'a', '10')", "(false,)"},
     {"end", "(uint32 1,)", "()"},
     {"end", "(uint32 1,)", "unknown transaction 1"},
+    {"commit", "(uint32 1,)", "unknown transaction 1"},
     {"single_set", "('a', '7')", "()"},
     {"single_set_bulk", "(['a', 'b'], ['8', 'y'])", "()"},
     {"single_set_status", "('c', '4')", "()"},
