@@ -1,5 +1,5 @@
 // bare_reader: the least that reading definitions can cost with the containers of the standard
-// library: reads both definition files through the readers' buffer, counts each word in a map, and
+// library. Reads both definition files through the readers' buffer, counts each word in a map, and
 // puts the keys of the presets into a set.
 //
 // Usage: bare_reader PARAMETERS PRESETS KEYS

@@ -1,7 +1,7 @@
 // baseline: the least that a request can cost, directly on libdbus: the same calls of the Parameter
 // Handler, the same file with the same renames and syncs, and nothing else. It has the one preset
-// PRESET, with the sorted keys of the file KEYS, and serves as org.norvix.baseline what the daemon
-// serves.
+// PRESET, with the sorted keys of the file KEYS, and offers the daemon's methods as
+// org.norvix.baseline.
 //
 // Usage: baseline PRESET KEYS
 
@@ -19,10 +19,11 @@ namespace {
 
 using namespace morvane::bench;
 
-constexpr const char* handler = "org.norvix.transaction";
+constexpr const char* parameterHandler = "org.norvix.transaction";
 
-Message handlerCall(const char* method) {
-    return Message(dbus_message_new_method_call(handler, "/transaction", handler, method));
+Message parameterCall(const char* method) {
+    return Message(
+        dbus_message_new_method_call(parameterHandler, "/transaction", parameterHandler, method));
 }
 
 void syncFolder(const std::string& path) {
@@ -35,7 +36,7 @@ void syncFolder(const std::string& path) {
 void onCommitted(DBusPendingCall* pending, void* data) {
     auto* const bus = static_cast<DBusConnection*>(data);
     static_cast<void>(Message(dbus_pending_call_steal_reply(pending)));
-    const auto end = handlerCall("end");
+    const auto end = parameterCall("end");
     append(end.get(), dbus_uint32_t{1});
     call(bus, end);
 }
@@ -82,10 +83,10 @@ private:
         });
     }
 
-    dbus_uint32_t start() { return readNumber(call(bus_, handlerCall("start"))); }
+    dbus_uint32_t start() { return readNumber(call(bus_, parameterCall("start"))); }
 
     static Message inTransaction(const char* method, dbus_uint32_t transaction) {
-        auto message = handlerCall(method);
+        auto message = parameterCall(method);
         append(message.get(), transaction);
         return message;
     }
@@ -125,7 +126,7 @@ private:
         const std::string text = read(path);
         std::vector<const char*> names;
         std::vector<const char*> values;
-        for (const char* at = text.c_str(); *at != '\0';) { // lines that read() has cut apart
+        for (const char* at = text.c_str(); *at != '\0';) { // lines that read() has split
             names.push_back(at);
             at += std::strlen(at) + 1;
             values.push_back(at);
@@ -204,7 +205,7 @@ int main(int argc, char** argv) {
     DBusConnection* const bus = connect();
     Baseline baseline(bus, argv[1], argv[2]);
     own(bus, "org.norvix.baseline");
-    // Answers of calls without waiting are dispatched, calls are served.
+    // Replies to asynchronous calls are dispatched, calls are served.
     const auto serve = [](DBusConnection*, DBusMessage* message, void* data) {
         if (dbus_message_get_type(message) != DBUS_MESSAGE_TYPE_METHOD_CALL)
             return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;

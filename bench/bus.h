@@ -18,7 +18,7 @@ struct MessageReleaser {
 };
 using Message = std::unique_ptr<DBusMessage, MessageReleaser>;
 
-/// Ends the process with a word about what went wrong.
+/// Ends the process with a message about what went wrong.
 [[noreturn]] inline void giveUp(const std::string& what) {
     std::fprintf(stderr, "bench: %s\n", what.c_str());
     std::exit(EXIT_FAILURE);
@@ -32,7 +32,7 @@ inline DBusConnection* connect() {
     return bus;
 }
 
-/// Takes a name.
+/// Acquires a bus name.
 inline void own(DBusConnection* bus, const char* name) {
     if (dbus_bus_request_name(bus, name, DBUS_NAME_FLAG_DO_NOT_QUEUE, nullptr) !=
         DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER)
@@ -76,7 +76,7 @@ inline dbus_uint32_t readNumber(const Message& reply) {
     return number;
 }
 
-/// Reads a string at a place of a message and goes on to the next argument.
+/// Reads a string argument of a message and moves on to the next argument.
 /// @return a pointer into the message.
 inline const char* readString(DBusMessageIter& arguments) {
     const char* text = nullptr;

@@ -1,6 +1,6 @@
-// What files that mean harm cost to read, against well-formed files of the same size: each kind of
-// file, 10 MiB of each pattern. The counter "times_good" is the time over that of the well-formed
-// file of the kind, both of this run; a reader whose cost is linear keeps it at a small number.
+// What malicious files cost to read, compared with well-formed files of the same size: each kind of
+// file, 10 MiB of each pattern. The counter "times_good" is the time divided by that of the
+// well-formed file of the kind in the same run; it stays small if the reader's cost is linear.
 
 #include "engine/preset_file.h"
 #include "paramdef/param_def_file.h"
@@ -27,7 +27,7 @@ using test::MemoryFile;
 constexpr std::size_t fileSize = std::size_t{10} << 20U;
 constexpr int rounds = 3; // some files are refused at once; the good one is read as often as they
 
-/// A file's text: a beginning, and then what `next` makes of the numbers from 0, to the full size.
+/// A file's text: a beginning, and then what `next` makes of 0, 1, 2, ..., up to the full size.
 std::string fill(std::string text, const std::function<std::string(std::size_t)>& next) {
     for (std::size_t number = 0; text.size() < fileSize; ++number)
         text += next(number);

@@ -4,7 +4,7 @@ For bench/run, with the option --keep.
 
 Prints a table: for each name the kept number of instructions, the number now, the change in percent
 and, of a request, the instructions for each key. Kept numbers are those of bench/instructions.txt;
---keep rewrites it. Exits with another status than 0 if something could not be counted, never for
+--keep rewrites it. Exits with a status other than 0 if something could not be counted, never for
 a change.
 
 A start-up counts from main() to the main loop, which is entered when the name is owned. A request
@@ -13,9 +13,9 @@ the dispatch of the request, its answer, or the end of a transaction after its c
 requests the median counts, without the first, which warms everything up.
 
 Runs of one build differ, on an idle machine as on a busy one, by up to 0.2 % for a store and
-1.5 % for a start-up and a load: messages arrive in other pieces, memory lies elsewhere. A folder
-for temporary files with a longer path made 1 %. Processors may differ more, by the variants of
-memcpy() and its like that the C library picks for them.
+1.5 % for a start-up and a load: messages arrive in different pieces, memory lies elsewhere. A
+longer path of the folder for temporary files made 1 %. Processors may differ more, through the
+variants of memcpy() and the like that the C library picks for them.
 """
 
 import argparse
@@ -40,8 +40,8 @@ PLAIN_PARAMETERS = 1000
 
 
 def callgrind(folder, collect, dumps):
-    """The words before a command that count the instructions within the functions `collect`, and
-    write them to a file of `folder` at each of `dumps`. A function may be in one of them only."""
+    """The command prefix that counts the instructions within the functions `collect`, and writes
+    them to a file in `folder` at each of `dumps`. A function may be in only one of the two."""
     valgrind = shutil.which("valgrind") or sys.exit("bench: valgrind is not installed")
     return [valgrind, "--quiet", "--vgdb=no", "--tool=callgrind",
             f"--callgrind-out-file={folder}/counts",
@@ -63,7 +63,7 @@ def counts_of(folder, trigger, number):
 
 def count_requests(size):
     """The counts of each request of `size` keys, by name: of what the handler of a method does,
-    written out behind the function that unpacks its arguments. Both are called through the table of
+    written out after the function that unpacks its arguments. Both are called through the table of
     methods, which keeps the linker from merging them into others."""
     unpacked = "after=dbus_glib_marshal_value_object_BOOLEAN__STRING_STRING_POINTER_POINTER"
     handlers = [f"value_object_{method}(*" for method in METHODS]
@@ -104,7 +104,7 @@ def tools_line():
 
 
 def each_key(name, count):
-    """The instructions for each key, as text; empty of a start-up."""
+    """The instructions for each key, as text; empty for a start-up."""
     return "" if name == START_UP else f"{count / int(name.rpartition('_')[2]):.1f}"
 
 

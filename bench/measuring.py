@@ -16,7 +16,7 @@ ROOT = Path(__file__).resolve().parents[1]
 BUILD = ROOT / "build-bench"
 BUS = "org.freedesktop.DBus"
 DAEMON = "org.norvix.preset"
-PRESET = "scene"  # of the definitions that have one preset: all keys
+PRESET = "scene"  # the only preset of write_keys(), with all keys
 PATIENCE = 60  # seconds until a program must own its name
 
 # Ends what is running, as Ctrl-C does.
@@ -25,7 +25,7 @@ signal.signal(signal.SIGTERM, lambda *_: sys.exit("bench: terminated"))
 
 def parse_options(description, sizes):
     """Reads the command line, which is the same for each script that bench/run hands it to.
-    `sizes` are those that are measured if it names none."""
+    `sizes` are the default ones."""
     def numbers(text):
         return [int(number) for number in text.split(",")]
     parser = argparse.ArgumentParser(description=description.partition("\n")[0],
@@ -117,7 +117,7 @@ class Session:
     def wait_for_name(self, name, process, owned=True):
         """Waits until a process owns a name, or nobody does any more."""
         deadline = time.monotonic() + PATIENCE
-        look = GLib.timeout_add(100, lambda: True)  # the end of the process is no event here
+        look = GLib.timeout_add(100, lambda: True)  # to notice when the process has ended
         while bool(self.owners.get(name)) != owned:
             GLib.MainContext.default().iteration(True)
             if owned and process.poll() is not None:
@@ -138,7 +138,7 @@ class Session:
         return self.start(DAEMON, *under, BUILD / "morvane", "--debug", *arguments)
 
     def start_daemon_with_keys(self, size, under=()):
-        """Starts the daemon with PRESET, of as many keys, which are listed in the file `keys`."""
+        """Starts the daemon with PRESET, of `size` keys, which are listed in the file `keys`."""
         definitions = write_keys(self.folder, size)
         self.keys.write_text(list_keys(definitions, PRESET))
         return self.start_daemon(*definitions, under=under)
@@ -167,8 +167,8 @@ def spread(values, digits=3):
 
 
 def ratios(values, baselines):
-    """The ratios of neighbouring samples. A virtual machine that had to wait for its processor may
-    have given a call of microseconds no CPU time at all."""
+    """The ratios of neighbouring samples. On a virtual machine that had to wait for its processor,
+    a call of microseconds may show no CPU time at all."""
     return [value / baseline for value, baseline in zip(values, baselines) if baseline > 0]
 
 
@@ -184,8 +184,8 @@ def print_head(*columns):
 
 
 def print_targets(targets):
-    """Prints what may cost how much at most, and what was measured: (what, at most, measured,
-    unit). No script fails if a target is not met."""
+    """Prints the targets with what was measured: (what, at most, measured, unit). No script
+    fails if a target is not met."""
     print_head("what", "at most", "measured", "met")
     for what, most, measured, unit in targets:
         print_row(what, f"{most}{unit}", f"{measured:.3f}{unit}",

@@ -1,7 +1,7 @@
-"""Measures what the daemon takes while it runs, resident at rest and at its peak, and when idle.
+"""Measures the daemon's resident memory, at rest and at its peak, and what it does when idle.
 
-Bytes of a key are over the daemon at rest with the first of the sizes. The size of the program file
-is that without symbols, here and, if it is built, for armhf.
+Bytes per key are relative to the daemon at rest with the first of the sizes. The size of the
+program file is without symbols, for this machine and, if it is built, for armhf.
 """
 
 import re
@@ -67,7 +67,7 @@ def measure_size(size):
 
 
 def cost_of_key(measured, size):
-    """Bytes over the daemon at rest with the first of the sizes."""
+    """Bytes per key, relative to the daemon at rest with the first of the sizes."""
     first, *_ = measured
     return [(number - measured[first][0]) / (size - first) for number in measured[size]]
 
@@ -100,7 +100,7 @@ def measure_stripped():
 
 
 def targets_of(measured, stripped):
-    """What of the targets was measured."""
+    """The targets that were measured."""
     if LARGEST in measured and len(measured) > 1:
         rest, *peaks, _ = cost_of_key(measured, LARGEST)
         yield f"memory at rest, {LARGEST} keys", 120, rest, " bytes/key"

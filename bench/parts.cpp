@@ -1,6 +1,6 @@
 // What the parts of the daemon cost without a bus and a Parameter Handler: the readers of the three
 // kinds of files, expressions, key sets, translation, keys, and whole stores and loads. The number
-// behind a name is that of keys, or of records of a definition file. Items are keys, entries or
+// after a name is that of keys, or of records of a definition file. Items are keys, entries or
 // tokens. A store syncs a file in the folder for temporary files: its CPU time is the daemon's own.
 
 #include "core/definitions.h"
@@ -50,7 +50,7 @@ void sizes(benchmark::internal::Benchmark* benchmark) {
     benchmark->Arg(100)->Arg(10000)->Arg(1000000);
 }
 
-/// Ends the process: what does not work must not be measured.
+/// Ends the process if a part does not work, since its time would mean nothing.
 void require(bool works, const char* what) {
     if (works)
         return;
@@ -169,7 +169,7 @@ BENCHMARK(readPresetData)->Apply(sizes);
 
 // Expressions.
 
-/// A condition as they stand in definition files, so many times in a row.
+/// A condition typical of definition files, repeated.
 Expression expressionOf(std::int64_t repetitions) {
     std::string text = "0";
     for (; repetitions > 0; --repetitions)
@@ -254,9 +254,9 @@ void formatKey(benchmark::State& state, std::string_view key) {
     state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK_CAPTURE(formatKey, as_written, "mixer1Level[1000][1]");
-BENCHMARK_CAPTURE(formatKey, put_together, "mixer1Level[1000] [1]");
+BENCHMARK_CAPTURE(formatKey, assembled, "mixer1Level[1000] [1]");
 
-// With the parsing of the line, which the entry borrows from.
+// Includes parsing the line, which the entry borrows from.
 void translate(benchmark::State& state, Spelling spelling) {
     constexpr std::int64_t size = 100;
     const auto& manager = managerOf(size);
@@ -328,7 +328,7 @@ int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 2;
-    setlogmask(LOG_UPTO(LOG_ERR)); // each request that succeeds is in the log
+    setlogmask(LOG_UPTO(LOG_ERR)); // each request that succeeds is logged
     benchmark::ConsoleReporter reporter(benchmark::ConsoleReporter::OO_Tabular);
     return benchmark::RunSpecifiedBenchmarks(&reporter) == 0 ? 1 : 0;
 }

@@ -1,5 +1,5 @@
 // request_client: calls services, interleaved, and measures each call. While it waits it is itself
-// their Parameter Handler, one that costs as little as it can: it has the keys of the file KEYS,
+// their Parameter Handler, one that costs as little as possible: it has the keys of the file KEYS,
 // each with a value, and knows no definitions, conditions or transactions: what is set is set at
 // once.
 //
@@ -24,10 +24,10 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds nap{1};
 constexpr std::chrono::seconds patience{120}; // under callgrind, too
 
-/// What the Parameter Handler has, and answers.
-class Handler {
+/// The Parameter Handler's values and answers.
+class Parameters {
 public:
-    explicit Handler(const char* keysFile) {
+    explicit Parameters(const char* keysFile) {
         for (auto& key : readLines(keysFile))
             values_.emplace(std::move(key), "-60");
     }
@@ -78,7 +78,7 @@ private:
 /// The connection over which services are called, and call their Parameter Handler.
 class Client {
 public:
-    Client(DBusConnection* bus, const char* keysFile) : bus_(bus), handler_(keysFile) {}
+    Client(DBusConnection* bus, const char* keysFile) : bus_(bus), parameters_(keysFile) {}
 
     /// Sends a call, and serves those that arrive until its reply does, which may be an error.
     Message call(const Message& request) {
@@ -97,7 +97,7 @@ public:
     /// Whether no transaction is open, and none was while nothing arrived for a nap.
     bool isQuiet() {
         wait(nap);
-        bool quiet = handler_.openTransactions() == 0;
+        bool quiet = parameters_.openTransactions() == 0;
         while (const Message message{dbus_connection_pop_message(bus_)}) {
             serve(message);
             quiet = false;
@@ -113,11 +113,11 @@ private:
 
     void serve(const Message& message) {
         if (dbus_message_get_type(message.get()) == DBUS_MESSAGE_TYPE_METHOD_CALL)
-            dbus_connection_send(bus_, handler_.answer(message).get(), nullptr);
+            dbus_connection_send(bus_, parameters_.answer(message).get(), nullptr);
     }
 
     DBusConnection* bus_;
-    Handler handler_;
+    Parameters parameters_;
 };
 
 struct Arguments {
@@ -125,7 +125,7 @@ struct Arguments {
     const char* preset;
     const char* fileOrKey;
 
-    bool isQuestion() const { return method.ends_with("_preset"); }
+    bool isQuery() const { return method.ends_with("_preset"); }
 };
 
 class Service {
@@ -145,7 +145,7 @@ public:
         const auto reply = client.call(request);
         const std::chrono::nanoseconds elapsed = Clock::now() - begin;
         requireTrue(reply);
-        settle(client, arguments.isQuestion());
+        settle(client, arguments.isQuery());
         std::printf("%lld %lld ", static_cast<long long>(elapsed.count()), cpuTime() - cpuBefore);
     }
 
@@ -173,11 +173,11 @@ private:
     }
 
     // What comes after the answer counts for this call: the end of the transaction, unless it was a
-    // question, which has none, and whatever the process does until it sleeps. Nothing is asked of
-    // the process, for that would count too.
-    void settle(Client& client, bool isQuestion) const {
+    // question, which has none, and whatever the process does until it sleeps. The process
+    // itself is not queried, since that would count too.
+    void settle(Client& client, bool isQuery) const {
         const auto end = Clock::now() + patience;
-        while (!(isQuestion || client.isQuiet()) || !isAsleep()) {
+        while (!(isQuery || client.isQuiet()) || !isAsleep()) {
             if (Clock::now() > end)
                 giveUp(std::string(name_) + " does not come to rest");
         }

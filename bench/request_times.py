@@ -11,15 +11,15 @@ from measuring import (BUILD, DAEMON, PRESET, Session, parse_options, print_head
 
 BASELINE = "org.norvix.baseline"
 OPERATIONS = ("store", "load", "load_with_default", "load_default")
-QUESTIONS = ("is_preset", "in_preset")
+QUERIES = ("is_preset", "in_preset")
 QUESTION_ROUNDS = 20  # times as many samples of what takes microseconds
-ELAPSED, CPU = 0, 1  # columns of a sample of the daemon; the baseline's are two on
+ELAPSED, CPU = 0, 1  # columns of a sample of the daemon; the baseline's come two later
 TIMES = ("elapsed", "CPU time")
 TARGETS = (
     ("store", ELAPSED, 1.12), ("store", CPU, 1.35), ("load", ELAPSED, 1.12), ("load", CPU, 1.40),
     ("load_with_default", ELAPSED, 1.15), ("is_preset", ELAPSED, 1.05),
     ("in_preset", ELAPSED, 1.05))
-GROWTH_FROM, GROWTH_TO, GROWTH = 10000, 1000000, 1.15  # keys, and at most
+GROWTH_FROM, GROWTH_TO, GROWTH = 10000, 1000000, 1.15  # keys, and the highest ratio
 
 
 def measure(session, method, rounds):
@@ -53,8 +53,8 @@ def measure_size(size, rounds):
         session.start_daemon_with_keys(size)
         session.start(BASELINE, BUILD / "bench/baseline", PRESET, session.keys)
         measured = {}
-        for method in OPERATIONS + QUESTIONS:
-            question = method in QUESTIONS
+        for method in OPERATIONS + QUERIES:
+            question = method in QUERIES
             samples = measure(session, method, rounds * (QUESTION_ROUNDS if question else 1))
             print_samples(size, method, samples, digits=4 if question else 3)
             measured[method] = samples
@@ -67,7 +67,7 @@ def cost_of_key(measured, size, method, column):
 
 
 def print_growth(measured):
-    """What CPU time a key takes at each size."""
+    """Prints the CPU time per key at each size."""
     print_head("operation", "process", *(f"{size} keys, ns/key" for size in measured))
     for method in OPERATIONS:
         for process, column in (("daemon", CPU), ("baseline", CPU + 2)):

@@ -15,9 +15,9 @@ import time
 from measuring import (BUILD, DAEMON, Session, list_keys, parse_options, print_head, print_row,
                        print_targets, ratios, spread)
 
-TARGET_FROM, TARGET = 10000, 0.8  # parameters, and CPU time at most against the bare program
+TARGET_FROM, TARGET = 10000, 0.8  # parameters, and the highest ratio of CPU times
 
-# Ten parameters of a unit: one in five has a small index, one in five asks for the model.
+# Ten parameters of a unit: one in five has a small index, one in five depends on the model.
 UNIT = """
 # Unit {unit}
 unit{unit}Level rw {{ rangeValid {{ -60..12 }} default {{ 0 }} }}
@@ -56,7 +56,7 @@ SYSTEM_ARGUMENTS = ("model=studio", "delay=500")
 
 
 def write_device(folder, count):
-    """Writes definitions of `count` parameters, of a mix that devices have, and of PRESETS. Returns
+    """Writes definitions of `count` parameters, in a mix typical of devices, and PRESETS. Returns
     the paths of both files, and that of a list of the keys of all presets."""
     if count % 10 != 0:
         sys.exit(f"bench: {count} parameters: not ten times a whole number")

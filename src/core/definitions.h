@@ -1,4 +1,4 @@
-// The two definition files as they stand, for every variant of the device.
+// The two definition files as written, for every variant of the device.
 #pragma once
 
 #include "paramdef/system_parameter.h"

@@ -1,4 +1,4 @@
-// The one core object of the daemon: the definition files digested into lookup tables.
+// The one core object of the daemon: the definition files, turned into lookup tables.
 #pragma once
 
 #include "paramdef/system_arguments.h"

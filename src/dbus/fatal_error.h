@@ -1,9 +1,9 @@
-// Reports failures of the start-up.
+// Reports start-up failures.
 #pragma once
 
 namespace morvane {
 
-/// Tag of the start-up's messages in the system log. The messages carry it themselves, because the
+/// Tag of the start-up messages in the system log. The messages carry it themselves, because the
 /// log's own ident is the C library's default.
 constexpr const char* programTag = "morvane";
 

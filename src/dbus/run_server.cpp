@@ -56,7 +56,7 @@ guint requestName(DBusGConnection* bus) {
     return result;
 }
 
-// A second instance is queued by the bus instead of refused, so the answer must be looked at.
+// The bus queues a second instance instead of refusing it, so the answer must be checked.
 void claimName(DBusGConnection* bus) {
     const auto result = requestName(bus);
     syslog(LOG_INFO, "%s:main RequestName returned %d.\n", programTag, static_cast<int>(result));

@@ -9,9 +9,9 @@ namespace morvane {
 
 class PresetManager;
 
-/// Opens the null device for each standard stream that is closed. Whatever is opened first would
-/// take its descriptor otherwise: reports would go into the bus's socket, and detaching would
-/// replace it.
+/// Opens the null device for each standard stream that is closed. Otherwise, whatever is opened
+/// first would take its descriptor: reports would go into the socket of the bus, and detaching
+/// would replace it.
 void openStandardStreams();
 
 /// Serves until "die" is called. A failure before that is logged and ends the process with

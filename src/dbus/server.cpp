@@ -79,7 +79,7 @@ private:
 /// The error messages of a method.
 struct MethodErrors {
     const char* invalid; ///< an argument is missing
-    const char* failed;  ///< null if FALSE is an answer, and no failure
+    const char* failed;  ///< null if FALSE is an answer, not a failure
 };
 
 gboolean fail(const char* message, gboolean* success, GError** error) {
@@ -88,7 +88,7 @@ gboolean fail(const char* message, gboolean* success, GError** error) {
     return FALSE;
 }
 
-// Handles a call: holds the mutex, looks at the arguments, does the work, and answers.
+// Handles a call: locks the mutex, checks the arguments, does the work, and answers.
 template <typename Work>
 gboolean handle(const MethodErrors& errors, const ValueObject* obj,
                 std::initializer_list<const void*> arguments, gboolean* success, GError** error,
@@ -140,8 +140,8 @@ GType value_object_get_type() {
 }
 
 // The handlers. One that runs out of memory ends the process: std::bad_alloc cannot pass through
-// GLib's frames. That is accepted, as whoever supervises the daemon starts it again, and whatever
-// it was doing, the files are complete.
+// GLib's frames. That is accepted: the service manager restarts the daemon, and whatever it was
+// doing, the files are complete.
 
 gboolean value_object_load(ValueObject* obj, gchar* preset_name, gchar* file_name,
                            gboolean* success, GError** error) {

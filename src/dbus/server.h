@@ -15,7 +15,7 @@ namespace morvane {
 
 class PresetManager;
 
-/// What the method handlers need and D-Bus does not hand them. Set once during start-up, in the
+/// What the method handlers need and D-Bus does not pass to them. Set once during start-up, in the
 /// order of the members; the pointers are borrowed.
 struct ServiceGlobals {
     std::optional<ParameterOperations> operations; ///< of the Parameter Handler, once connected
@@ -27,7 +27,7 @@ struct ServiceGlobals {
 extern ServiceGlobals service;
 
 /// The operations of the Parameter Handler, over the connection to it.
-/// @param connection with a proxy.
+/// @param connection must have a proxy.
 ParameterOperations bindOperations(const Connection& connection);
 
 } // namespace morvane
@@ -41,7 +41,7 @@ struct ValueObjectClass {
     GObjectClass parent;
 };
 
-/// Registers the class at the first call. May be called from several threads.
+/// Registers the class on the first call. May be called from several threads.
 GType value_object_get_type();
 
 // Handlers. Strings and lists are borrowed; a null one is refused. Each returns TRUE after storing

@@ -12,7 +12,7 @@ LoadPlan::LoadPlan(const PresetManager& manager, const KeySet& presetKeys)
       presetKeys_(presetKeys.keys()),
       search_(presetKeys),
       isSet_(presetKeys.size()) {
-    values_.reserve(presetKeys.size()); // what a stored file has, unless it is a sub-preset
+    values_.reserve(presetKeys.size()); // as many as a stored file has, unless it is a sub-preset
 }
 
 void LoadPlan::add(PresetEntry& entry) {

@@ -16,20 +16,20 @@ namespace morvane {
 
 class PresetManager;
 
-/// Keys, those of read-only parameters by themselves: their live values are status.
+/// Keys, with those of read-only parameters apart: their live values are status values.
 struct KeysToReset {
     std::vector<CStringView> keys;
     std::vector<CStringView> statusKeys;
 };
 
-/// Entries go in one after the other and leave nothing behind but a value and the place of its key:
-/// a file is never in memory as a whole.
+/// Takes entries one after the other and keeps only each value and the place of its key: a file is
+/// never in memory as a whole.
 class LoadPlan {
 public:
     /// Both are borrowed for the plan's life; what it hands out is borrowed from them and from it.
     LoadPlan(const PresetManager& manager, const KeySet& presetKeys);
 
-    /// Translates an entry and, if its key is in the preset, takes its value. A key that comes
+    /// Translates an entry and, if its key is in the preset, takes its value. A key that occurs
     /// twice is set twice.
     /// @param entry as it was read; changed by the translation.
     void add(PresetEntry& entry);
@@ -37,7 +37,7 @@ public:
     /// Whether translation has dropped every entry.
     bool empty() const { return empty_; }
 
-    /// What is set, in the order of the entries, and what of it belongs to read-only parameters.
+    /// The values to set, in the order of the entries; those of read-only parameters separately.
     std::span<const KeyValue> values() const { return values_; }
     std::span<const KeyValue> statusValues() const { return statusValues_; }
 
@@ -53,7 +53,7 @@ private:
     KeySearch search_;
     std::vector<bool> isSet_; ///< by place in the preset
     bool empty_ = true;
-    std::string key_; ///< the one buffer for keys that must be put together
+    std::string key_; ///< the one buffer for keys that must be assembled
     std::pmr::monotonic_buffer_resource texts_;
     std::vector<KeyValue> values_;
     std::vector<KeyValue> statusValues_;

@@ -58,7 +58,7 @@ bool refuseUnknown(const std::string& presetName) {
     return false;
 }
 
-// Nothing to do is no failure.
+// Having nothing to do is not a failure.
 bool acceptEmpty(int priority, const std::string& filePath) {
     syslog(priority, "Empty preset file: %s\n", filePath.c_str());
     return true;
@@ -77,7 +77,7 @@ bool loadPreset(const ParameterOperations* operations, const std::string& preset
     int entries = 0;
     if (!readEntries(filePath, plan, entries))
         return false;
-    // An empty file is somebody's mistake, one whose entries are all out of date is not.
+    // An empty file is a mistake; one whose entries are all out of date is not.
     if (entries == 0 && !withDefaults)
         return acceptEmpty(LOG_ERR, filePath);
     if (presetKeys == nullptr || presetKeys->empty())

@@ -17,36 +17,36 @@ using Transaction = std::uint32_t;
 
 /// Each operation returns whether it succeeded. One that did not may be tried again.
 struct ParameterOperations {
-    /// Whether the texts of a request can travel to the Parameter Handler; if not, says why in the
-    /// log. To be asked before the request starts its transaction: the other operations rely on it.
+    /// Whether the texts of a request can be sent to the Parameter Handler; if not, logs why. To be
+    /// called before the request starts its transaction: the other operations rely on it.
     std::function<bool(const RequestTexts& texts)> isSendable;
 
     /// Starts a transaction and hands out its identifier.
     std::function<bool(Transaction& started)> parm_start_trans;
 
-    /// Ends a transaction; what it set and did not commit is dropped.
+    /// Ends a transaction; changes that it did not commit are dropped.
     std::function<bool(Transaction transaction)> parm_end_trans;
 
     /// Reads the values of `keys`.
-    /// @param values replaced by one value for each key, in their order; left alone by a failure.
+    /// @param values replaced by one value for each key, in their order; left alone on failure.
     std::function<bool(Transaction transaction, const KeySet& keys, ReceivedStrings& values)>
         parm_get;
 
-    /// Sets read-write parameters, in list order; equal keys are sent as often as they come. An
-    /// empty list succeeds without a call, here and below.
+    /// Sets read-write parameters, in list order; a repeated key is sent each time. An empty list
+    /// succeeds without a call, here and below.
     std::function<bool(Transaction transaction, std::span<const KeyValue> values)> parm_set;
 
     /// Sets the status values of read-only parameters, in list order.
     std::function<bool(Transaction transaction, std::span<const KeyValue> values)> parm_set_status;
 
-    /// Puts read-write parameters back to their defaults.
+    /// Resets read-write parameters to their defaults.
     std::function<bool(Transaction transaction, std::span<const CStringView> keys)> parm_reset;
 
-    /// Puts the status values of read-only parameters back to their defaults.
+    /// Resets the status values of read-only parameters to their defaults.
     std::function<bool(Transaction transaction, std::span<const CStringView> keys)>
         parm_reset_status;
 
-    /// Sends the commit and does not wait for it. The transaction is ended when its answer comes.
+    /// Sends the commit and does not wait for it. The transaction is ended when its answer arrives.
     std::function<bool(Transaction transaction)> parm_commit;
 };
 

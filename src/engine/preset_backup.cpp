@@ -15,7 +15,7 @@ std::string backupOf(const std::string& path) {
 
 namespace {
 
-/// What there is at a path, symbolic links followed.
+/// What is at a path, following symbolic links.
 enum class Found {
     nothing,
     regularFile,
@@ -29,7 +29,7 @@ Found lookUp(const std::string& path, struct stat& status) {
     switch (errno) {
     case ENOENT:
     case ENOTDIR:
-    case ENAMETOOLONG: // a file's name may leave no room for its backup's
+    case ENAMETOOLONG: // a file name may leave no room for the suffix of its backup
     case ELOOP:
         return Found::nothing;
     default:
@@ -45,7 +45,8 @@ std::string folderOf(const std::string& path) {
 }
 
 // Makes what was renamed, created or removed in the file's folder survive a power cut. A folder
-// that cannot be opened, or whose file system cannot sync it, is no error: it has no more to give.
+// that cannot be opened, or whose file system cannot sync it, is not an error: nothing more can be
+// done.
 bool syncFolder(const std::string& path) {
     const int folder = open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (folder < 0)
@@ -55,7 +56,7 @@ bool syncFolder(const std::string& path) {
     return !lost;
 }
 
-// A file that was not there cannot be missed.
+// It is not an error if the file did not exist.
 bool succeededOrMissing(int result) {
     return result == 0 || errno == ENOENT;
 }
@@ -72,7 +73,7 @@ void putBack(const std::string& path) {
     syncFolder(path);
 }
 
-// Puts the backup of an interrupted store in the place of the half-written file.
+// Puts the backup of an interrupted store in place of the half-written file.
 bool recover(const std::string& path) {
     switch (lookUpBackup(path)) {
     case BackupState::none:
@@ -94,8 +95,8 @@ std::FILE* streamOf(int file, const char* mode) {
     return stream;
 }
 
-// Looks before it opens, since opening a device may do something, and looks again at what it has
-// opened, which may be something else by then. Never waits: a FIFO may have no writer.
+// Checks the file type before opening, since opening a device may have side effects, and again
+// after, since the path may have changed in between. Never blocks: a FIFO may have no writer.
 std::FILE* openRegularFile(const std::string& path) {
     struct stat status {};
     if (lookUp(path, status) != Found::regularFile)
@@ -109,8 +110,8 @@ std::FILE* openRegularFile(const std::string& path) {
     return nullptr;
 }
 
-// What cannot be kept is left as closed as the file was created. The mode comes before the owner,
-// too: it may be nobody but the owner who may set it.
+// Permissions that cannot be kept stay as restricted as the file was created. The mode is also set
+// before the owner changes: afterwards, this process may not be allowed to.
 void keepPermissions(int file, const struct stat& replaced) {
     constexpr auto sameOwner = static_cast<uid_t>(-1);
     constexpr mode_t withoutGroup = S_IRWXU | S_IRWXO;
@@ -123,8 +124,9 @@ void keepPermissions(int file, const struct stat& replaced) {
         fchmod(file, replaced.st_mode & (withoutGroup | S_IRWXG));
 }
 
-// Creates the file where nothing is left, so that no link that was put there meanwhile is followed.
-// @param replaced what it replaces; null if that is nothing.
+// Creates the file only if there is nothing at the path, so that no link put there in the meantime
+// is followed.
+// @param replaced the file that it replaces; null if there is none.
 std::FILE* createFile(const std::string& path, const struct stat* replaced) {
     constexpr mode_t ownerAlone = S_IRUSR | S_IWUSR;
     constexpr mode_t everybody = ownerAlone | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH; // less umask
@@ -140,7 +142,7 @@ std::FILE* createFile(const std::string& path, const struct stat* replaced) {
     return stream;
 }
 
-/// What a store finds at the path of a file and at that of its backup.
+/// What a store finds at the path of a file and at the path of its backup.
 struct Places {
     std::string path;
     std::string backup;
@@ -150,24 +152,24 @@ struct Places {
     struct stat oldBackup {};
 };
 
-Places lookAround(const std::string& path) {
+Places lookUpPlaces(const std::string& path) {
     Places places{path, backupOf(path)};
     places.atPath = lookUp(path, places.file);
     places.atBackup = lookUp(places.backup, places.oldBackup);
     struct stat link {};
     if (places.atBackup == Found::nothing && lstat(places.backup.c_str(), &link) == 0)
-        places.atBackup = Found::somethingElse; // a link that leads nowhere is nobody's backup
+        places.atBackup = Found::somethingElse; // a link that leads nowhere is not a backup
     return places;
 }
 
-// A folder or a device that somebody named by mistake is not moved away, nor is what cannot be told
-// from one.
+// A folder or a device that was named by mistake is not moved away, nor is anything that might be
+// one.
 bool mayBeReplaced(Found found) {
     return found == Found::nothing || found == Found::regularFile;
 }
 
-// The file may be there under both names already, and renaming one to the other does nothing then.
-bool isOneFile(const Places& places) {
+// Both names may be links to the same file, and renaming one to the other then does nothing.
+bool isSameFile(const Places& places) {
     return places.atPath == Found::regularFile && places.atBackup == Found::regularFile &&
            places.file.st_dev == places.oldBackup.st_dev &&
            places.file.st_ino == places.oldBackup.st_ino;
@@ -176,7 +178,7 @@ bool isOneFile(const Places& places) {
 bool makeBackup(const Places& places) {
     return mayBeReplaced(places.atPath) && mayBeReplaced(places.atBackup) &&
            succeededOrMissing(std::rename(places.path.c_str(), places.backup.c_str())) &&
-           (!isOneFile(places) || succeededOrMissing(std::remove(places.path.c_str()))) &&
+           (!isSameFile(places) || succeededOrMissing(std::remove(places.path.c_str()))) &&
            syncFolder(places.path);
 }
 
@@ -213,7 +215,7 @@ bool openPresetForRead(const std::string& path, std::FILE*& stream) {
 
 bool openPresetForWrite(const std::string& path, std::FILE*& stream) {
     stream = nullptr;
-    const auto places = lookAround(path);
+    const auto places = lookUpPlaces(path);
     if (!makeBackup(places)) {
         syslog(LOG_ERR, "Error renaming file %s to %s", path.c_str(), places.backup.c_str());
         return false;

@@ -4,7 +4,7 @@ namespace morvane {
 
 namespace {
 
-// Blanks are not among them: a value may end in blanks, and they come back as they were stored.
+// Blanks are not trimmed: a value may end in blanks, and is read back as it was stored.
 constexpr bool isTrimmed(char c) {
     return c == '\t' || c == '\f' || c == '\v' || c == '\n' || c == '\r';
 }
@@ -21,9 +21,9 @@ struct KeyParts {
     bool isCanonical; ///< nothing is dropped from the key
 };
 
-// Hands the text in each closed group of a key to `use`.
+// Passes the text in each closed group of a key to `use`.
 template <typename Use>
-KeyParts takeApart(std::string_view key, Use use) {
+KeyParts splitKey(std::string_view key, Use use) {
     auto open = key.find('[');
     const auto name = key.substr(0, open);
     auto size = name.size(); // of the canonical key
@@ -51,7 +51,7 @@ void parsePresetKey(std::string_view key, PresetEntry& entry) {
     const auto text = trimEnd(key);
     entry.indices_.clear();
     const auto [name, isCanonical] =
-        takeApart(text, [&](std::string_view index) { entry.indices_.push_back(index); });
+        splitKey(text, [&](std::string_view index) { entry.indices_.push_back(index); });
     entry.name_ = name;
     entry.value_ = {};
     entry.canonicalText_ = isCanonical && !name.empty() ? text : std::string_view();
@@ -84,19 +84,19 @@ std::string presetKey(const PresetEntry& entry) {
 
 std::string_view canonicalKey(std::string_view key, std::string& buffer) {
     const auto text = trimEnd(key);
-    const auto [name, isCanonical] = takeApart(text, [](std::string_view) {});
+    const auto [name, isCanonical] = splitKey(text, [](std::string_view) {});
     if (name.empty())
         return {};
     if (isCanonical)
         return text;
     buffer = name;
-    takeApart(text, [&](std::string_view index) { appendIndex(index, buffer); });
+    splitKey(text, [&](std::string_view index) { appendIndex(index, buffer); });
     return buffer;
 }
 
 void formatPresetLine(const PresetEntry& entry, std::string& line) {
     const auto key = entry.key(line);
-    if (key.data() != line.data()) // else it has been put together there
+    if (key.data() != line.data()) // else it has been assembled there
         line = key;
     line += '=';
     line += entry.value();

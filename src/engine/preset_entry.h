@@ -1,4 +1,4 @@
-// One line of a preset data file, and the keys in it. Knows no files.
+// One line of a preset data file, and the keys in it. Opens no files.
 #pragma once
 
 #include <string>
@@ -8,8 +8,8 @@
 
 namespace morvane {
 
-/// A parameter instance and its value. All texts are borrowed: from the line that they were read
-/// from, and what a translation has changed from the tables of the translation.
+/// A parameter instance and its value. All texts are borrowed: from the line that was read or,
+/// where a translation has changed them, from the translation tables.
 class PresetEntry {
 public:
     PresetEntry() = default;
@@ -39,7 +39,7 @@ public:
 
     /// The canonical key: the name and "[" index "]" for each index. Empty if the name is.
     ///
-    /// @param buffer overwritten if the key must be put together.
+    /// @param buffer overwritten if the key must be assembled.
     /// @return borrowed from the entry's texts or the buffer.
     std::string_view key(std::string& buffer) const;
 
@@ -50,29 +50,29 @@ private:
     std::vector<std::string_view> indices_;
     std::string_view value_;
 
-    /// The canonical key where it stands in the line as it is, which spares putting it together;
-    /// empty if it does not.
+    /// The canonical key if the line contains it as it is, which saves assembling it; otherwise
+    /// empty.
     std::string_view canonicalText_;
 };
 
-/// Takes a key such as "gain[1][2]" apart. Trailing \t, \f, \v, \n and \r are cut, blanks are not;
-/// an unclosed group and text between groups are dropped.
+/// Splits a key such as "gain[1][2]" into its parts. Trailing \t, \f, \v, \n and \r are trimmed,
+/// blanks are not; an unclosed group and text between groups are dropped.
 ///
-/// @param entry replaced by one without a value. Whoever reads many keys uses one entry for all of
-///              them, whose list of indices then takes no memory of its own for each.
+/// @param entry replaced by one without a value. Callers that read many keys reuse one entry, so
+///              that its list of indices is not allocated for each.
 void parsePresetKey(std::string_view key, PresetEntry& entry);
 
-/// Takes a line apart at its first "=". Trailing white space is cut as in a key.
+/// Splits a line at its first "=". Trailing white space is trimmed as in a key.
 /// @param entry replaced: by an empty one if there is no "="; otherwise by one whose name or value
 ///              may be empty.
 void parsePresetLine(std::string_view line, PresetEntry& entry);
 
-/// The canonical key of an entry, as a text of its own.
+/// The canonical key of an entry, as a copy.
 std::string presetKey(const PresetEntry& entry);
 
-/// The canonical key of the entry that `parsePresetKey` makes of a key, without making it.
+/// The canonical key of the entry that `parsePresetKey` would make of `key`, without making it.
 ///
-/// @param buffer overwritten if the key must be put together.
+/// @param buffer overwritten if the key must be assembled.
 /// @return borrowed from the key or the buffer.
 std::string_view canonicalKey(std::string_view key, std::string& buffer);
 

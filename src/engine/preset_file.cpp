@@ -9,7 +9,7 @@ bool writePresetEntry(std::FILE* stream, std::string_view key, std::string_view 
     const auto canonical = canonicalKey(key, line);
     if (canonical.empty() || value.empty())
         return false;
-    if (canonical.data() != line.data()) // else it has been put together there
+    if (canonical.data() != line.data()) // else it has been assembled there
         line = canonical;
     line += '=';
     line += value;

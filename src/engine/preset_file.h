@@ -1,5 +1,5 @@
-// Reads and writes the lines of a preset data file. Where the file comes from and what keeps it
-// safe is not known here.
+// Reads and writes the lines of a preset data file. Knows neither where the file comes from nor
+// what keeps it safe.
 #pragma once
 
 #include "engine/preset_entry.h"
@@ -41,8 +41,8 @@ int readPresetFile(std::FILE* stream, Use use) {
 /// Writes the line of one entry with a line feed.
 ///
 /// @param stream open for writing; borrowed, stays open.
-/// @param key    written in its canonical form, whose parts come back when the line is read.
-/// @param line   overwritten: the one buffer for all lines of a file.
+/// @param key    written in its canonical form, which has the same parts when read back.
+/// @param line   overwritten: a buffer to be reused for all lines of a file.
 /// @return false if the key has no name or the value is empty, with nothing written, or if the
 ///         stream refuses the line, with its error indicator set.
 bool writePresetEntry(std::FILE* stream, std::string_view key, std::string_view value,

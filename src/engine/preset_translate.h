@@ -13,22 +13,22 @@ namespace morvane {
 class PresetManager;
 
 /// Rewrites an entry in place: an old name and value become the current ones, and the indices are
-/// mapped as `PresetTranslate::translate` does. What is new is borrowed from the tables.
+/// mapped as `PresetTranslate::translate` does. New texts are borrowed from the tables.
 ///
-/// @return false if the entry is dropped because its parameter has been removed. Those of unknown
+/// @return false if the entry is dropped because its parameter has been removed. Entries of unknown
 ///         parameters are to be dropped, too: see `isOfKnownParameter`.
 bool translateEntry(const TranslationTables& tables, PresetEntry& entry);
 
-/// Whether a translated entry is one of a parameter of this device, or could not be mapped. Apart
-/// from the translation because a load needs it for few entries: what is in a preset is known.
+/// Whether a translated entry belongs to a parameter of this device, or could not be mapped. Not
+/// part of the translation because a load needs it for few entries: those in a preset are known.
 bool isOfKnownParameter(const PresetManager& manager, const PresetEntry& entry);
 
 struct PresetTranslate {
     /// Maps the indices of an entry.
     ///
     /// @return the entry with its current indices: the old ones if the parameter has no templates
-    ///         or the number of indices is today's. An entry without name and value if it cannot
-    ///         be mapped, with a message on standard error; it belongs to no preset.
+    ///         or the number of indices is already the current one. An entry without name and value
+    ///         if it cannot be mapped, with a message on standard error; it belongs to no preset.
     static PresetEntry translate(PresetEntry entry, const IndexMaps& indexMaps);
 
     /// The position, counted from 0, of the old index that an element of a template refers to;

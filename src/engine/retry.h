@@ -1,4 +1,4 @@
-// The rule by which every Parameter Handler operation of a request is tried again.
+// The rule by which every Parameter Handler operation of a request is retried.
 #pragma once
 
 #include "engine/parameter_operations.h"

@@ -16,7 +16,7 @@ namespace morvane {
 
 namespace {
 
-/// What the two operations say differently in the log.
+/// The words in which the log messages of the two operations differ.
 struct StoreWords {
     const char* operation;
     const char* done;
@@ -50,15 +50,15 @@ bool writeValues(const StoreWords& words, const KeySet& keys, const ReceivedStri
         syslog(LOG_ERR, "%s(): Error opening file %s\n", words.operation, filePath.c_str());
         return false;
     }
-    // An empty value ends the file, which is no error; a stream that refused a line shows at close.
+    // An empty value ends the file, which is not an error; a failed write shows at close.
     writePresetFile(stream, keys.keys(), values.texts);
-    // Whoever reads the log for this line finds it before the close and without a line feed.
+    // Programs that search the log for this line expect it before the close, without a line feed.
     syslog(LOG_INFO, "%s(): %s %s %s", words.operation, presetName.c_str(), words.done,
            filePath.c_str());
     return closePresetAfterWrite(filePath, stream);
 }
 
-// The transaction ends only after the file is safe; whatever fails before leaves it open.
+// The transaction ends only after the file is safe; any earlier failure leaves it open.
 bool storeKeys(const StoreWords& words, const ParameterOperations& operations,
                Transaction transaction, const KeySet& keys, const std::string& presetName,
                const std::string& filePath) {
@@ -107,7 +107,7 @@ bool storeSubPreset(const ParameterOperations* operations, const KeySet& subPres
     Transaction transaction = 0;
     if (!isSendable(*operations, keys, presetName) || !startTransaction(*operations, transaction))
         return false;
-    // Only now, so that whoever watches the Parameter Handler sees the start as of any other store.
+    // Only now, so that the Parameter Handler sees a transaction start as with any other store.
     if (keys.empty()) {
         syslog(LOG_ERR,
                "storeSubPreset(): Sub-preset list contains no entries belonging to the %s preset "

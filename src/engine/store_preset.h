@@ -21,7 +21,7 @@ struct ParameterOperations;
 bool storePreset(const ParameterOperations* operations, const std::string& presetName,
                  const std::string& filePath, const PresetManager& manager);
 
-/// Does the same with those of `subPresetKeys` that belong to the preset; the others are ignored.
+/// Does the same for those of `subPresetKeys` that belong to the preset; the others are ignored.
 /// The file then holds nothing else.
 bool storeSubPreset(const ParameterOperations* operations, const KeySet& subPresetKeys,
                     const std::string& presetName, const std::string& filePath,

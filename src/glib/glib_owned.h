@@ -7,7 +7,7 @@
 
 namespace morvane {
 
-/// A deleter made of the C library's own release function.
+/// A deleter made from the C library's own release function.
 template <auto Release>
 struct ReleasedBy {
     void operator()(auto* handle) const noexcept { Release(handle); }

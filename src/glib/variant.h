@@ -1,4 +1,4 @@
-// GVariants and what programs make of them.
+// Owning GVariants, and converting them to and from C++ types.
 #pragma once
 
 #include "glib/glib_owned.h"

@@ -1,4 +1,4 @@
-// The part of a `default` attribute behind its keyword.
+// The part of a `default` attribute after its keyword.
 #pragma once
 
 #include "paramdef/expression_tokenizer.h"

@@ -24,7 +24,7 @@ ExprValue operandValue(const Token& token) {
     return {.type = static_cast<Type>(token.type), .number = token.number, .text = token.text};
 }
 
-// Replaces a name by its value.
+// Replaces a name with its value.
 // Returns whether the operand can be used: false for a name without a value.
 bool resolve(ExprValue& operand, const NameTable& names) {
     if (operand.type != Type::name)
@@ -182,8 +182,8 @@ bool compute(TokenType op, ExprValue& left, ExprValue& right) {
     }
 }
 
-// Both operands of an operator are always computed, so an operand that cannot be used fails "||"
-// and "&&" even where the other one would decide.
+// Both operands of an operator are always computed, so an operand that cannot be used makes "||"
+// and "&&" fail even where the other one would decide.
 std::optional<ExprValue> computeValue(const TokenList& postfix, const NameTable& names) {
     std::vector<ExprValue> values;
     for (const auto& token : postfix) {

@@ -8,7 +8,7 @@ namespace morvane {
 /// Computes a list of tokens in postfix order.
 ///
 /// A name stands for its text in `names`: a number if the whole text is one, else a string. The
-/// arithmetic has 32 bits and wraps around.
+/// arithmetic is 32-bit and wraps around.
 ///
 /// @param result  receives the value, of type invalid after a failure; may be null.
 /// @return the truth of the value: a number other than 0 or a text that is not empty. False when

@@ -61,7 +61,7 @@ struct Token {
 
 using TokenList = std::vector<Token>;
 
-/// One line of a definition file, for messages about what stands in it.
+/// One line of a definition file, for messages about what is on it.
 struct SourceText {
     std::uint32_t number = 0; ///< counted from 1
     std::string text;
@@ -69,10 +69,10 @@ struct SourceText {
     bool operator==(const SourceText&) const = default;
 };
 
-/// Source lines in the order of their numbers. A flat list: most expressions stand in one line.
+/// Source lines, ordered by number. A flat list: most expressions fit on one line.
 using SourceTexts = std::vector<SourceText>;
 
-/// Tokens in source order, with the text of every line that gave one. Empty without tokens.
+/// Tokens in source order, with the text of every line that has one. Empty without tokens.
 struct Expression {
     TokenList tokens;
     SourceTexts lines;
@@ -83,8 +83,8 @@ struct Expression {
     void append(Token token, const SourceLine& line);
 };
 
-/// Keeps the line's text in `texts`, unless it is the last line there.
-/// @param line not before the lines that are there.
+/// Adds the line's text to `texts`, unless it is already the last line there.
+/// @param line not before the lines already there.
 void keepLine(SourceTexts& texts, const SourceLine& line);
 
 /// @return the text of the line with this number, which must be in `texts`; borrowed from them.

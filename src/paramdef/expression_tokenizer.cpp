@@ -19,7 +19,7 @@ struct OperatorText {
     TokenType type;
 };
 
-// Searched from the top, so the two-character operators stand before their first characters.
+// Searched from the top, so the two-character operators come before their first characters.
 constexpr std::array operators{
     OperatorText{"||", TokenType::OP_OR},       OperatorText{"&&", TokenType::OP_AND},
     OperatorText{"==", TokenType::OP_EQ},       OperatorText{"!=", TokenType::OP_NE},
@@ -49,7 +49,7 @@ Token negated(const Token& minus, const Token& number) {
 
 // A "-" becomes the sign of the number after it at the beginning and after an operator, nowhere
 // else: "1 - -5" works, "(-5)" inside an expression and "-name" stay two-operand minuses, which
-// cannot be evaluated. One pass from the left; a number just folded is not looked at again.
+// cannot be evaluated. One pass from the left; a number just folded is not considered again.
 void foldUnaryMinus(TokenList& tokens) {
     TokenList folded;
     folded.reserve(tokens.size());

@@ -1,4 +1,4 @@
-// Cuts the text of an expression into tokens while the definition file is read.
+// Splits the text of an expression into tokens while the definition file is read.
 #pragma once
 
 #include "paramdef/expression.h"
@@ -28,7 +28,7 @@ public:
 
     /// Appends the tokens of the line to `expression` and marks each token in the cursor.
     ///
-    /// @return ok when the closing parenthesis and the white space behind it were consumed,
+    /// @return ok when the closing parenthesis and the white space after it were consumed,
     ///         incomplete at the end of the line, syntaxError at a character that begins no token.
     ParamDefResult parse(Cursor& line, Expression& expression);
 

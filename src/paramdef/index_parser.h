@@ -1,4 +1,4 @@
-// The part of an `index` attribute behind its keyword.
+// The part of an `index` attribute after its keyword.
 #pragma once
 
 #include "paramdef/param_def_result.h"

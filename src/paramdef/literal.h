@@ -13,19 +13,19 @@ class Cursor;
 
 /// Reads the word at the cursor as a number.
 ///
-/// @param delimiters what ends the word beside white space.
+/// @param delimiters what ends the word besides white space.
 /// @param token      becomes a TOKEN_NUMBER.
-/// @return ok; syntaxError for an empty word, or for one that is not a number to its end, with the
+/// @return ok; syntaxError for an empty word, or for one that is not entirely a number, with the
 ///         cursor's mark moved to the first byte that is not part of the number.
 ParamDefResult readBareNumber(Cursor& line, const CharacterSet& delimiters, Token& token);
 
 /// A string may run over several lines.
 class QuotedString {
 public:
-    /// Consumes an opening quote if the line goes on with one. The string's token begins there.
+    /// Consumes an opening quote if there is one at the cursor. The string's token begins there.
     bool open(Cursor& line);
 
-    /// Reads on behind the opening quote, or at the first non-blank character of a line that
+    /// Reads on after the opening quote, or from the first non-blank character of a line that
     /// continues the string. There is no escape character.
     ///
     /// @return whether the closing quote was consumed; if not, the whole line was, and its last

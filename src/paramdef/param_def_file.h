@@ -6,14 +6,14 @@
 
 namespace morvane {
 
-/// Reads the whole file and stops at the first error, about which it writes a report to standard
-/// output: line number, message, the line and a caret. What was read before the error stays in
-/// `table`. A file that ends inside a block is accepted.
+/// Reads the whole file and stops at the first error, which it reports on standard output: line
+/// number, message, the line and a caret. What was read before the error stays in `table`. A file
+/// that ends inside a block is accepted.
 ///
 /// @param path  may be null, which is internalError without a report.
 /// @param table to be filled; may be null likewise.
 /// @return ok or the first error; internalError also when the file cannot be opened, which is
-///         reported, and when it has no line at all, which is not.
+///         reported, and when it has no lines, which is not.
 ParamDefResult readParamDefFile(const char* path, SystemParameterTable* table);
 
 } // namespace morvane

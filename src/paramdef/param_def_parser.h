@@ -1,4 +1,4 @@
-// Parses the parameter definition file line by line. Knows no files: a test feeds it literals.
+// Parses the parameter definition file line by line. Opens no files: tests feed it literals.
 #pragma once
 
 #include "paramdef/default_parser.h"

@@ -14,7 +14,7 @@ enum class [[nodiscard]] ParamDefResult : std::int32_t{
     syntaxError = 2,
 };
 
-/// The message about a result that stands in an error report, line feed included.
+/// The message for a result in an error report, line feed included.
 std::string_view message(ParamDefResult result);
 
 } // namespace morvane

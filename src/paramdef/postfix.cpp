@@ -75,7 +75,7 @@ private:
         return true;
     }
 
-    // A group must have come down to exactly one value.
+    // A group must have been reduced to exactly one value.
     bool closeGroup() {
         if (!moveOperators(lowestOfAll) || stack_.empty() || operands_ != 1)
             return false;

@@ -1,4 +1,4 @@
-// Turns an expression from the order in which it is written into the order in which it is computed.
+// Converts an expression from infix order, as it is written, to postfix order.
 #pragma once
 
 #include "paramdef/expression.h"
@@ -10,7 +10,7 @@ namespace morvane {
 /// Converts `expression` to postfix order, operators by precedence and from left to right.
 /// Parentheses disappear.
 ///
-/// Counts operands but does not ask that operators stand between them: "1 2 +" passes.
+/// Counts operands but does not require the operators to be between them: "1 2 +" passes.
 ///
 /// @param postfix replaced by the result; empty after a failure.
 /// @return 0 on success; otherwise the position, counted from 1, of the token at which conversion

@@ -1,4 +1,4 @@
-// The part of a `rangeValid` or `rangeDoc` attribute behind its keyword.
+// The part of a `rangeValid` or `rangeDoc` attribute after its keyword.
 #pragma once
 
 #include "paramdef/expression_tokenizer.h"

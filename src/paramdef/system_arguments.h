@@ -10,10 +10,10 @@ namespace morvane {
 
 using SystemArguments = NameTable;
 
-/// Enters the pair that `argument` gives: the text before the first "=", which may be empty, and
+/// Adds the pair that `argument` gives: the text before the first "=", which may be empty, and
 /// everything after it. A name that is there already keeps its first value.
 ///
-/// @return false, with nothing entered, if there is no "=".
+/// @return false, with nothing added, if there is no "=".
 bool addSystemArgument(SystemArguments& arguments, std::string_view argument);
 
 } // namespace morvane

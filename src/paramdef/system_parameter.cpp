@@ -47,7 +47,7 @@ SystemParameter* SystemParameterTable::find(std::string_view name) {
 
 void SystemParameterTable::insert(std::string_view name, std::uint32_t line) {
     const auto sizeBefore = parameters_.size();
-    // The end is tried first: most definitions are in the order of their names, more or less.
+    // The end is tried first: most files define their parameters more or less in name order.
     const auto place = parameters_.try_emplace(parameters_.end(), std::string(name));
     if (parameters_.size() > sizeBefore) {
         place->second.name = name;

@@ -36,9 +36,9 @@ struct IndexName {
 /// One `index` attribute: one dimension of a parameter.
 struct IndexDimension {
     std::vector<IndexName> names; ///< at least one
-    SourceTexts lines;            ///< the lines in which the names stand
+    SourceTexts lines;            ///< the lines that the names are on
 
-    /// The index that gives the dimension its values. Further names are kept and not used.
+    /// The index that gives the dimension its values. Further names are kept but not used.
     const std::string& indexName() const { return names.front().name; }
 };
 
@@ -61,7 +61,7 @@ struct DefaultSpec {
     Expression value;     ///< one number, one string, or a parenthesised expression
 };
 
-/// One side of a `valueChange` attribute.
+/// The two sides of a `valueChange` attribute.
 struct ValueChange {
     std::uint32_t fromLine = 0;
     std::uint32_t fromColumn = 0;

@@ -1,4 +1,4 @@
-// The part of a `valueChange` attribute behind its keyword.
+// The part of a `valueChange` attribute after its keyword.
 #pragma once
 
 #include "paramdef/literal.h"

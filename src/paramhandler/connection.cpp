@@ -22,7 +22,7 @@ constexpr const char* interfaceName = "org.norvix.transaction";
     exitWithError("Session D-Bus connection closed", "no request can be answered any more");
 }
 
-// libdbus would end the process too, but without a word in the log.
+// libdbus would end the process too, but without logging anything.
 DBusHandlerResult onMessage(DBusConnection* /*bus*/, DBusMessage* message, void* /*userData*/) {
     if (dbus_message_is_signal(message, DBUS_INTERFACE_LOCAL, "Disconnected"))
         exitBecauseClosed();
@@ -45,7 +45,7 @@ Connection connectParameterHandler() {
     DBusGConnection* const session = connectSessionBus();
     Connection connection;
     connection.bus = dbus_g_connection_get_connection(session);
-    // Before the proxy's own filter, which would turn the proxy into one that fails silently.
+    // Must run before the proxy's own filter, which would make every further call fail silently.
     dbus_connection_add_filter(connection.bus, onMessage, nullptr, nullptr);
     connection.proxy = dbus_g_proxy_new_for_name(session, serviceName, objectPath, interfaceName);
     if (connection.proxy == nullptr)

@@ -5,7 +5,7 @@
 
 namespace morvane {
 
-/// What failed, when the engine's operations on parameters are reported.
+/// What failed, in reports about the engine's operations on parameters.
 constexpr const char* setFailed = "parm_set_() - set failed";
 constexpr const char* resetFailed = "parm_reset_() - reset failed";
 constexpr const char* getFailed = "parm_get_() - get failed";
@@ -14,7 +14,7 @@ constexpr const char* bulkGetFailed = "parm_get_() - bulk get failed";
 /// Logs "ERROR: message (detail)". Both texts are borrowed.
 void logError(const char* message, const char* detail);
 
-/// The same, and ends the process with status 1.
+/// Does the same, and ends the process with status 1.
 [[noreturn]] void exitWithError(const char* message, const char* detail);
 
 /// The error's message; never null.

@@ -25,9 +25,9 @@ bool isRefusal(const OwnedError& error) {
     return std::string_view(messageOf(error)).starts_with(mark);
 }
 
-// Makes the call until it succeeds or the Parameter Handler refuses it. A call that met a
-// transport error is repeated at once, without limit: the Parameter Handler may be starting again.
-// Only a closed connection, over which nothing can arrive any more, ends the process.
+// Makes the call until it succeeds or the Parameter Handler refuses it. After a transport error it
+// is repeated at once, without limit: the Parameter Handler may be restarting. Only a closed
+// connection, over which nothing can arrive any more, ends the process.
 template <typename Call>
 bool callUntilAnswered(const Connection& connection, const char* failureText, Call call) {
     for (;;) {

@@ -2,9 +2,9 @@
 //
 // Each turns a collection into one remote call: the one-parameter method for one entry, the bulk
 // method for several, none for an empty collection, which succeeds. `transaction` is borrowed; null
-// acts outside a transaction. Every text must be one that may be sent: see `isSendable`. Results:
+// means outside a transaction. Every text must be one that may be sent: see `isSendable`. Results:
 // true when the call succeeded, false when the Parameter Handler refused it, which is logged, or
-// when there is no proxy. A call that met a transport error is repeated, at once and without limit.
+// when there is no proxy. After a transport error, a call is repeated at once and without limit.
 #pragma once
 
 #include "paramhandler/connection.h"
@@ -26,7 +26,7 @@ bool parm_start_trans(const Connection& connection, guint32& transaction);
 bool parm_end_trans(const Connection& connection, guint32 transaction);
 
 /// @param option see `bulkGetOption`.
-/// @param values replaced by one value for each name, in their order; left alone by a failure.
+/// @param values replaced by one value for each name, in their order; left alone on failure.
 bool parm_get(const Connection& connection, const guint32* transaction, guint32 option,
               std::span<const std::string> names, ReceivedStrings& values);
 
@@ -38,16 +38,16 @@ bool parm_set(const Connection& connection, const guint32* transaction,
 bool parm_set_status(const Connection& connection, const guint32* transaction,
                      std::span<const KeyValue> request);
 
-/// Puts read-write parameters back to their defaults.
+/// Resets read-write parameters to their defaults.
 bool parm_reset(const Connection& connection, const guint32* transaction,
                 std::span<const CStringView> names);
 
-/// Puts the status values of read-only parameters back to their defaults.
+/// Resets the status values of read-only parameters to their defaults.
 bool parm_reset_status(const Connection& connection, const guint32* transaction,
                        std::span<const CStringView> names);
 
 /// Asks whether a value could be set.
-/// @param accepted the answer; left alone by a failure.
+/// @param accepted the answer; left alone on failure.
 bool parm_check_set(const Connection& connection, const guint32* transaction,
                     const std::string& name, const std::string& value, bool& accepted);
 
@@ -60,7 +60,7 @@ bool parm_commit(const Connection& connection, guint32 transaction);
 bool parm_commit_sync(const Connection& connection, guint32 transaction);
 
 /// Completes an asynchronous commit: logs the error, if there is one, and ends the transaction.
-/// @param error       null if the commit succeeded; freed here.
+/// @param error null if the commit succeeded; freed here.
 void commitCallback(const Connection& connection, GError* error, guint32 transaction);
 
 } // namespace morvane

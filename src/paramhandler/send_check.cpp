@@ -11,13 +11,13 @@ namespace morvane {
 
 namespace {
 
-// What a message may need beside its strings: the header, with a sender that the bus adds, and the
+// What a message may need besides its strings: the header, with a sender that the bus adds, and the
 // arguments of fixed size.
 constexpr std::size_t messageOverhead = 4096;
 
 static_assert(ArraySize::maximum == DBUS_MAXIMUM_ARRAY_LENGTH);
 
-/// Looks at one call after the other, up to the first that may not be sent.
+/// Checks one call after the other, and logs only the first problem.
 class Check {
 public:
     explicit Check(std::string_view origin) : origin_(origin) {}

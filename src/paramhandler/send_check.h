@@ -1,6 +1,6 @@
-// What must be known of the strings of a request before they may be sent: libdbus ends a process
-// that sends anything but UTF-8, and the bus cuts the connection of one that sends more than it
-// takes (64 MiB an array, 128 MiB a message).
+// Checks the strings of a request before they are sent: libdbus ends a process that sends anything
+// but UTF-8, and the bus disconnects one that sends more than it accepts (64 MiB per array, 128 MiB
+// per message).
 #pragma once
 
 #include "text/request_texts.h"

@@ -13,7 +13,7 @@ namespace {
 gchar** allocateArray(std::size_t size, const char* outOfMemoryText) {
     constexpr gulong pauseMicroseconds = 500;
     for (;;) {
-        // g_malloc would end the process, where waiting for memory serves the client better.
+        // g_malloc would end the process; waiting for memory serves the client better.
         if (auto* const array = g_try_new0(gchar*, size))
             return array;
         syslog(LOG_ERR, "%s", outOfMemoryText);

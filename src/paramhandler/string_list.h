@@ -16,7 +16,7 @@ public:
     /// Waits and tries again, without limit, while there is no memory.
     ///
     /// @param capacity        how many texts will be added.
-    /// @param outOfMemoryText logged at each failure of the allocation.
+    /// @param outOfMemoryText logged each time the allocation fails.
     StringList(std::size_t capacity, const char* outOfMemoryText);
 
     /// Appends a text, at most `capacity` times.

@@ -1,8 +1,8 @@
 // One thin call for each remote method of the Parameter Handler's transaction interface.
 //
 // Every call is synchronous. `transaction` is borrowed; null selects the method's "single_" form,
-// which acts outside a transaction. An error is handed out through `error` for the caller to free;
-// what the call hands out is then left alone.
+// which acts outside a transaction. An error is returned through `error` for the caller to free;
+// the other outputs are then left alone.
 #pragma once
 
 #include "paramhandler/connection.h"
@@ -28,7 +28,7 @@ void callCommit(DBusGProxy* proxy, guint32 transaction, GError** error);
 void callGet(DBusGProxy* proxy, const guint32* transaction, const gchar* name, gchar*& value,
              GError** error);
 
-/// @param option what it means is the Parameter Handler's business.
+/// @param option only the Parameter Handler knows its meaning.
 /// @param values null-terminated; the caller's to free with `g_strfreev`.
 void callGetBulk(DBusGProxy* proxy, const guint32* transaction, guint32 option, gchar** names,
                  gchar**& values, GError** error);

@@ -11,8 +11,8 @@ using enum PresetParseResult;
 
 namespace {
 
-// Reads a word, or a quoted text, which may hold blanks but none of the delimiters. A quote that is
-// missing at the end of the line leaves the line feed in the text.
+// Reads a word, or a quoted text, which may hold blanks but none of the delimiters. If the closing
+// quote is missing at the end of the line, the line feed becomes part of the text.
 std::string quotedTextOrWord(Cursor& line, const CharacterSet& delimiters) {
     if (!line.accept('"'))
         return std::string(line.word(delimiters));

@@ -1,4 +1,4 @@
-// The part of a from clause behind its keyword: `{ gain { "old value" = new, on = 1 } }`.
+// The part of a from clause after its keyword: `{ gain { "old value" = new, on = 1 } }`.
 #pragma once
 
 #include "presetdef/preset_parse_result.h"

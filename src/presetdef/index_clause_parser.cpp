@@ -85,7 +85,7 @@ PresetParseResult IndexClauseParser::parseValues(Cursor& line) {
     const auto result = values_.parse(line);
     if (result != PARSE_PRESET_OK)
         return result;
-    selector_.values = values_.take(); // of two sets behind one name, the second counts
+    selector_.values = values_.take(); // of two sets after one name, the second counts
     expect_ = Expect::valuesCommaOrClose;
     return PARSE_PRESET_CONTINUE;
 }

@@ -1,4 +1,4 @@
-// An index clause behind its keyword: `{ input {0..3}, not output }` or `{ none }`.
+// An index clause after its keyword: `{ input {0..3}, not output }` or `{ none }`.
 #pragma once
 
 #include "presetdef/preset_definition.h"

@@ -1,4 +1,4 @@
-// The part of an index mapping behind its keyword: `1 { input = idx::0, output = main }`.
+// The part of an index mapping after its keyword: `1 { input = idx::0, output = main }`.
 #pragma once
 
 #include "presetdef/preset_parse_result.h"

@@ -39,7 +39,7 @@ PresetParseResult MappingParser::parseNewName(Cursor& line) {
     return PARSE_PRESET_CONTINUE;
 }
 
-// The closing brace is read as a word, so another byte right behind it makes it an unknown keyword.
+// The closing brace is read as a word, so another byte right after it makes it an unknown keyword.
 PresetParseResult MappingParser::parseClauseOrClose(Cursor& line) {
     const auto word = line.word("{");
     if (word == "from") {

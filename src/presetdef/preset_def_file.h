@@ -6,15 +6,15 @@
 
 namespace morvane {
 
-/// Reads the whole file and stops at the first error, about which it writes a report to standard
-/// output: the result's name, line number, the line and a caret. Blocks completed before the error
-/// stay in `definitions`.
+/// Reads the whole file and stops at the first error, which it reports on standard output: the
+/// result's name, line number, the line and a caret. Blocks completed before the error stay in
+/// `definitions`.
 ///
 /// @param path        may be null, which is PARSE_PRESET_IO_ERROR.
 /// @param definitions to be filled; may be null likewise.
 /// @return PARSE_PRESET_OK or the first error. Three failures are not reported:
 ///         PARSE_PRESET_CONTINUE when the file ends inside a block, PARSE_PRESET_IO_ERROR when it
-///         cannot be opened or has no line at all.
+///         cannot be opened or has no lines.
 PresetParseResult readPresetDefFile(const char* path, PresetDefinitions* definitions);
 
 } // namespace morvane

@@ -1,4 +1,4 @@
-// Parses the preset definition file line by line. Knows no files: a test feeds it literals.
+// Parses the preset definition file line by line. Opens no files: tests feed it literals.
 #pragma once
 
 #include "presetdef/preset_definition.h"
@@ -20,8 +20,8 @@ public:
     /// Parses one line and appends the blocks that it completes to `definitions`. After an error
     /// the parser must not be fed again.
     ///
-    /// @param errorColumn after an error, the byte offset at which parsing stopped: behind a word
-    ///                    that was refused, at a character that was; else left alone.
+    /// @param errorColumn after an error, the byte offset at which parsing stopped: after a refused
+    ///                    word, at a refused character; else left alone.
     /// @param lineNumber  counted from 1.
     /// @return PARSE_PRESET_OK when no block is open, PARSE_PRESET_CONTINUE when one is, or an
     /// error.

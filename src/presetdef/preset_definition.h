@@ -79,7 +79,7 @@ struct PresetList {
     Kind kind = Kind::include;
     Access access = Access::ro;
     bool all = false;
-    std::vector<IndexSpec> indexSpecs; ///< clauses that are list items of their own
+    std::vector<IndexSpec> indexSpecs; ///< clauses that are themselves items of the list
     std::vector<PresetItem> items;
 
     bool operator==(const PresetList&) const = default;

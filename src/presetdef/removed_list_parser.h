@@ -1,4 +1,4 @@
-// The part of a removed list behind its keyword: `{ oldgain, oldmode }`.
+// The part of a removed list after its keyword: `{ oldgain, oldmode }`.
 #pragma once
 
 #include "presetdef/preset_parse_result.h"

@@ -29,7 +29,7 @@ PresetParseResult TranslateParser::parseToken(Cursor& line) {
     return PARSE_PRESET_INTERNAL_ERR;
 }
 
-// The closing brace is read as a word, so another byte right behind it makes it a new name.
+// The closing brace is read as a word, so another byte right after it makes it a new name.
 PresetParseResult TranslateParser::parseItemOrClose(Cursor& line) {
     const auto word = line.peekWord("{");
     if (word.empty())

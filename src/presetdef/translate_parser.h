@@ -1,4 +1,4 @@
-// A translate section behind its keyword: `{ removed { old } level { from { gain } } }`.
+// A translate section after its keyword: `{ removed { old } level { from { gain } } }`.
 #pragma once
 
 #include "presetdef/mapping_parser.h"

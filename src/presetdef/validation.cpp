@@ -14,8 +14,8 @@ using enum PresetParseResult;
 
 namespace {
 
-// Writes the message about a record that is wrong. Hands the result back, so that a check can end
-// with the report.
+// Writes the message about a record that is wrong. Returns `result`, so that a check can end with
+// the report.
 PresetParseResult reportInvalid(std::uint32_t line, const std::string& text,
                                 PresetParseResult result) {
     printAtOnce("Preset Definition Error on line " + std::to_string(line) + ".\n" + text + "\n");
@@ -80,8 +80,8 @@ bool fits(AccessType access, PresetList::Access listAccess) {
     return access == AccessType::ACCESS_RO || access == AccessType::ACCESS_ROSTRICT;
 }
 
-// Checks that every selector of the clause names a defined index, and, in an item's clause, one of
-// that parameter's own. `parameter` is null in a clause of the list's own.
+// Checks that every selector of the clause names a defined index and, in an item's clause, an index
+// of that parameter. `parameter` is null for the list's own clauses.
 PresetParseResult validateClause(const IndexSpec& clause, const SystemParameter* parameter,
                                  const SystemParameterTable& parameters) {
     for (const auto& [indexName, isNot, values] : clause.selectors) {

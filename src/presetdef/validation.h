@@ -1,5 +1,5 @@
 // Checks the preset definitions against the system parameters. Each check stops at the first
-// failure, about which it writes a message to standard output.
+// failure, which it reports on standard output.
 #pragma once
 
 #include "presetdef/preset_definition.h"

@@ -71,19 +71,19 @@ bool ChosenValues::contains(std::string_view value) const {
         return true;
     // A range stands for the texts that its numbers are printed as: "7", not "07".
     const auto number = ranges_.empty() ? std::nullopt : wholeDecimal(value);
-    return number && decimalText(*number) == value && rangesHold(*number);
+    return number && decimalText(*number) == value && rangesContain(*number);
 }
 
-// What "not" takes away: of a range, every value that is a number in it, however it is written.
-// A value that is no decimal number, such as "auto", lies in no range.
+// What "not" takes away: for a range, every value that is a number in it, however it is written.
+// A value that is not a decimal number, such as "auto", is in no range.
 bool ChosenValues::excludes(std::string_view value) const {
     if (ranges_.empty())
         return contains(value);
     const auto number = wholeDecimal(value);
-    return number && rangesHold(*number);
+    return number && rangesContain(*number);
 }
 
-bool ChosenValues::rangesHold(std::int32_t number) const {
+bool ChosenValues::rangesContain(std::int32_t number) const {
     const auto next =
         std::upper_bound(ranges_.begin(), ranges_.end(), number,
                          [](std::int32_t n, const ValueRange& range) { return n < range.low; });

@@ -15,9 +15,9 @@ class ChosenValues {
 public:
     ChosenValues() = default;
 
-    /// The values of a selector that gives its dimension values. Numbers, ranges and names are
-    /// taken as written, whether or not the index has such a value; with "not", the values of the
-    /// index that are none of them.
+    /// The values that a selector gives to its dimension. Numbers, ranges and names are taken as
+    /// written, whether or not the index has such a value; with "not", all other values of the
+    /// index.
     ///
     /// @param indexValues the values of the selector's index; null if the index does not exist on
     ///                    this device.
@@ -34,7 +34,7 @@ private:
 
     static ChosenValues asWritten(const IndexValueSet& set, const IndexValues& indexValues);
     bool excludes(std::string_view value) const;
-    bool rangesHold(std::int32_t number) const;
+    bool rangesContain(std::int32_t number) const;
 
     IndexValues texts_;              ///< sorted
     std::vector<ValueRange> ranges_; ///< sorted, without overlap

@@ -18,14 +18,14 @@ using IndexValues = std::vector<std::string>;
 /// By index name. An index that does not exist on this device is not there.
 using IndexTable = std::map<std::string, IndexValues, std::less<>>;
 
-/// The names of a parameter's indices, one per dimension. What values they take is in the index
-/// table; everything else that the definitions say has been decided when the map is built.
+/// The names of a parameter's indices, one per dimension. Their values are in the index table;
+/// everything else in the definitions is resolved when the map is built.
 using IndexNames = std::vector<std::string>;
 
 /// By parameter name.
 using ParameterMap = std::map<std::string, IndexNames, std::less<>>;
 
-/// Which parameters a parameter map takes.
+/// Which parameters go into a parameter map.
 enum class AccessSelector : std::int32_t {
     readOnly = 0, ///< "ro" and "rostrict"
     writeOnly = 1,

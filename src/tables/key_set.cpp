@@ -17,7 +17,7 @@ Keys::iterator firstOutOfOrder(Keys::iterator begin, Keys::iterator end) {
     return before == end ? end : std::next(before);
 }
 
-// The keys of both runs, each of which is in order and has no key twice.
+// The keys of both runs, each of which is sorted and has no duplicates.
 Keys merged(Keys::iterator begin, Keys::iterator second, Keys::iterator end) {
     Keys result;
     result.reserve(static_cast<std::size_t>(end - begin));
@@ -62,8 +62,8 @@ std::optional<std::size_t> KeySearch::find(std::string_view key) {
     return place;
 }
 
-// The place of the first key that is not less. Exponential search from the last place on, so that a
-// few keys left out cost a few comparisons.
+// The place of the first key that is not less than `key`. Exponential search onwards from the last
+// place, so that skipping a few keys costs a few comparisons.
 std::size_t KeySearch::lowerBound(std::string_view key) const {
     const bool isAhead = next_ > 0 && keys_[next_ - 1] < key;
     auto first = isAhead ? next_ : 0;

@@ -21,7 +21,7 @@ public:
     /// @param keys in any order; equal ones count once.
     explicit KeySet(std::vector<std::string> keys);
 
-    /// Exact match. Takes time in the logarithm of the size.
+    /// Exact match. Takes logarithmic time.
     bool contains(std::string_view key) const;
 
     bool empty() const { return keys_.empty(); }
@@ -38,8 +38,8 @@ private:
     std::vector<std::string> keys_;
 };
 
-/// Finds many keys of a set, one after the other. Looks on from the last key found: keys that come
-/// in the order of the set, as in a file that was stored, are found in constant time.
+/// Finds many keys of a set, one after the other. Searches onwards from the last key found: keys in
+/// the order of the set, as in a stored file, are found in constant time.
 class KeySearch {
 public:
     /// @param set borrowed for the search's life.
@@ -52,7 +52,7 @@ private:
     std::size_t lowerBound(std::string_view key) const;
 
     std::span<const std::string> keys_;
-    std::size_t next_ = 0; ///< the place behind the last key found
+    std::size_t next_ = 0; ///< the place after the last key found
 };
 
 } // namespace morvane

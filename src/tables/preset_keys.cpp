@@ -23,7 +23,7 @@ std::string keyOf(const std::string& name, const Dimensions& dimensions,
     return key;
 }
 
-// Goes on to the next combination, the last dimension first. False behind the last one.
+// Advances to the next combination, the last dimension fastest. False after the last one.
 bool advance(std::vector<std::size_t>& positions, const Dimensions& dimensions) {
     for (auto i = positions.size(); i-- > 0;) {
         if (++positions[i] < dimensions[i]->size())
@@ -36,7 +36,7 @@ bool advance(std::vector<std::size_t>& positions, const Dimensions& dimensions) 
 /// Gathers the keys of one preset.
 class KeyCollector {
 public:
-    /// @param parameters how many parameters there are, most of which have one key as a rule.
+    /// @param parameters the number of parameters, most of which usually have one key.
     KeyCollector(const IndexTable& indices, std::size_t parameters) : indices_(indices) {
         keys_.reserve(parameters);
     }
@@ -50,7 +50,7 @@ public:
     void add(const std::string& name, const IndexNames& indexNames, const Selection& selection) {
         if (!hasInstances(indexNames, selection))
             return;
-        std::list<IndexValues> chosen; // which never moves what the dimensions point to
+        std::list<IndexValues> chosen; // a list never moves what the dimensions point to
         Dimensions dimensions;
         for (std::size_t i = 0; i < indexNames.size(); ++i) {
             if (selection[i] == nullptr) {
@@ -63,9 +63,9 @@ public:
         appendKeys(name, dimensions);
     }
 
-    /// Adds the instances that are left when the exclusions have been taken away, one after the
-    /// other and dimension by dimension: without value 1 of its first dimension, a parameter loses
-    /// every key whose first index is 1, whatever the second.
+    /// Adds the instances that are left after applying the exclusions, one after the other and
+    /// dimension by dimension: without value 1 of its first dimension, a parameter loses every key
+    /// whose first index is 1, whatever the second.
     void addRemaining(const std::string& name, const IndexNames& indexNames,
                       const std::vector<Selection>& exclusions) {
         std::list<IndexValues> remaining;
@@ -100,8 +100,8 @@ private:
         return kept;
     }
 
-    // False if a dimension has no value, which is known before a huge range is listed. No value can
-    // be written for an index that does not exist on this device.
+    // False if a dimension has no value, checked before a huge range is listed. An index that does
+    // not exist on this device has none, whatever the selection names.
     bool hasInstances(const IndexNames& indexNames, const Selection& selection) const {
         for (std::size_t i = 0; i < indexNames.size(); ++i) {
             const auto index = indices_.find(indexNames[i]);
@@ -118,8 +118,8 @@ private:
         return index == indices_.end() ? &noValues : &index->second;
     }
 
-    // Appends the key of every combination of one value per dimension; the bare name without
-    // dimensions.
+    // Appends the key of every combination of one value per dimension, or the bare name if there
+    // are no dimensions.
     void appendKeys(const std::string& name, const Dimensions& dimensions) {
         if (dimensions.empty()) {
             keys_.push_back(name);

@@ -13,7 +13,7 @@ struct PresetDefinition;
 namespace PresetGenerate {
 
 /// The keys that a preset covers: every read-write parameter that it does not exclude and the
-/// read-only parameters that it includes. Takes time and memory in proportion to them.
+/// read-only parameters that it includes. Takes time and memory in proportion to their number.
 KeySet keySet(const IndexTable& indices, const ParameterMap& readWrite,
               const ParameterMap& readOnly, const PresetDefinition& preset);
 

@@ -7,7 +7,7 @@ namespace morvane {
 
 namespace {
 
-// "not X" without values asks that there be no dimension X; every other selector that there be one.
+// "not X" without values requires that there be no dimension X; every other selector requires one.
 bool asksForAbsence(const IndexSelector& selector) {
     return selector.isNot && selector.values.kind == IndexValueSet::Kind::none;
 }

@@ -17,7 +17,7 @@ namespace morvane {
 /// its index.
 using Selection = std::vector<const ChosenValues*>;
 
-/// Collects the selections of the lists of one side of a preset over one parameter map.
+/// Collects what the include lists or the exclude lists of a preset select from a parameter map.
 class Selections {
 public:
     /// Both tables are borrowed for the object's life.
@@ -26,7 +26,7 @@ public:
           candidates_(candidates) {}
 
     /// Adds what the list's own index clauses and then its items select. An item whose parameter
-    /// is no candidate selects nothing.
+    /// is not a candidate selects nothing.
     void add(const PresetList& list);
 
     /// What has been selected so far, in order, by parameter name.

@@ -25,7 +25,7 @@ const IndexNames* findParameter(const std::string& name, const ParameterMap& rea
     return nullptr;
 }
 
-// Pairs of indices that the parameter does not have are ignored.
+// Pairs for indices that the parameter does not have are ignored.
 std::optional<IndexTemplate> templateOf(const IndexMapping& mapping, const IndexNames& indexNames) {
     IndexTemplate indices;
     for (const auto& indexName : indexNames) {

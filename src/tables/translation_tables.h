@@ -14,13 +14,13 @@ namespace morvane {
 struct TranslateMapping;
 struct TranslateSection;
 
-/// How one list of old indices becomes the current one: an element for each index of the parameter
-/// today. An element that holds "idx::" and a number stands for the old index at that position,
+/// How a list of old indices becomes the current one: one element for each current index of the
+/// parameter. An element that holds "idx::" and a number stands for the old index at that position,
 /// counted from 0; any other is the new index itself.
 using IndexTemplate = std::vector<std::string>;
 
-/// By the number of indices of the old entry. All templates of a parameter are of one length: the
-/// number of its indices today.
+/// By the number of indices of the old entry. All templates of a parameter have the same length,
+/// its current number of indices.
 using IndexTemplateMap = std::map<std::size_t, IndexTemplate>;
 
 /// By parameter name. A parameter without templates is not there.
@@ -42,16 +42,16 @@ struct TranslationTables {
 
 namespace PresetGenerate {
 
-/// Adds the index templates of a translate section. The first template of a parameter and a number
-/// of old indices stays.
+/// Adds the index templates of a translate section. Of two templates for the same parameter and
+/// number of old indices, the first stays.
 ///
-/// Ends at the first mapping whose parameter does not exist on this device, or that leaves one of
-/// its indices out, with a message on standard error. Mappings before it keep their templates;
-/// entries of its parameter and of those behind it keep their old indices.
+/// Stops, with a message on standard error, at the first mapping whose parameter does not exist on
+/// this device or that leaves out one of its indices. Mappings before it keep their templates;
+/// entries of its parameter and of those after it keep their old indices.
 void transIndexMapList(const std::vector<TranslateMapping>& mappings, const ParameterMap& readWrite,
                        const ParameterMap& readOnly, IndexMaps& indexMaps);
 
-/// Adds everything that a translate section says. Of two mappings of one old name, the first stays.
+/// Adds everything that a translate section says. Of two mappings of an old name, the first stays.
 void addTranslation(const TranslateSection& section, const ParameterMap& readWrite,
                     const ParameterMap& readOnly, TranslationTables& tables);
 

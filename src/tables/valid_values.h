@@ -1,4 +1,4 @@
-// What the ranges of a parameter come to on this device.
+// The values that the ranges of a parameter allow on this device.
 #pragma once
 
 #include "paramdef/expression.h"
@@ -26,8 +26,8 @@ struct NumberSpan {
 /// What one item of a range stands for.
 using ValidValue = std::variant<NumberSpan, std::string>;
 
-/// Whether an item stands for a value as preset data files have it: a text for itself, a span for
-/// its numbers, in any way in which numbers are written.
+/// Whether an item stands for a value as written in preset data files: a text stands for itself, a
+/// span for its numbers, in any notation.
 bool standsFor(const ValidValue& item, std::string_view value);
 
 /// The items of those `rangeValid` attributes whose condition holds, in file order. An item that

@@ -1,4 +1,4 @@
-// Null-terminated strings that belong to somebody else, as C interfaces want them.
+// Null-terminated strings owned by someone else, as C interfaces expect them.
 #pragma once
 
 #include <cstddef>
@@ -27,7 +27,7 @@ private:
     std::string_view text_;
 };
 
-/// Strings as a C interface has handed them out, with their owner.
+/// Strings that a C interface has handed out, with their owner.
 struct ReceivedStrings {
     std::unique_ptr<void, void (*)(void*)> owner{nullptr, nullptr}; ///< frees the strings
     std::span<const char* const> texts;

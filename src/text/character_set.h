@@ -10,7 +10,7 @@ namespace morvane {
 class CharacterSet {
 public:
     /// @param characters a literal.
-    // Stands where the literal alone would: word(",}").
+    // Implicit, so that callers pass the literal itself: word(",}").
     consteval CharacterSet(const char* characters) { // NOLINT(google-explicit-constructor)
         for (; *characters != '\0'; ++characters)
             has_[static_cast<unsigned char>(*characters)] = true;

@@ -27,7 +27,7 @@ constexpr bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-/// Returns `text` without the white space at its two ends; borrows from `text`.
+/// Returns `text` without the white space at both ends; borrows from `text`.
 std::string_view trimSpace(std::string_view text);
 
 /// Walks over one line from left to right. It knows no language: the callers say which characters
@@ -37,14 +37,14 @@ public:
     /// @param line borrowed for the cursor's life.
     explicit Cursor(SourceLine line) : line_(line) {}
 
-    /// Passes over white space.
+    /// Skips white space.
     /// @return whether anything is left to read.
     bool skipSpace();
 
     bool atEnd() const { return position_ == line_.text.size(); }
 
     /// Says whether the rest of the line begins with `expected`, which is not empty, without
-    /// consuming it. Looks at one character before it compares: most lookups end there.
+    /// consuming it. Checks the first character before the others: most lookups end there.
     bool sees(std::string_view expected) const {
         return sees(expected.front()) && rest().starts_with(expected);
     }
@@ -59,7 +59,7 @@ public:
     /// space nor one of `delimiters`. Not consumed.
     std::string_view peekWord(const CharacterSet& delimiters) const;
 
-    /// Consumes and returns the word that begins here; its end stays unread.
+    /// Consumes and returns the word that begins here, but not the delimiter after it.
     std::string_view word(const CharacterSet& delimiters);
 
     /// Consumes `count` bytes, at most those that are left.

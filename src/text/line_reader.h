@@ -37,7 +37,7 @@ private:
     std::array<char, BufferSize> buffer_{};
 };
 
-/// Both kinds of definition files. Longer lines are read as several, each with a number of its own.
+/// For both kinds of definition file. Longer lines are read as several, each with its own number.
 using DefinitionLineReader = LineReader<512>;
 
 } // namespace morvane

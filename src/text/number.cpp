@@ -10,7 +10,7 @@ namespace morvane {
 
 namespace {
 
-// `strtoll` has 64 bits on every architecture, where `strtol` has what the machine's `long` has.
+// `strtoll` is 64-bit on every architecture; `strtol` is only as wide as the machine's `long`.
 NumberPrefix signedPrefix(const std::string& text, int base) {
     using Limits = std::numeric_limits<std::int32_t>;
     char* end = nullptr;
@@ -19,8 +19,8 @@ NumberPrefix signedPrefix(const std::string& text, int base) {
             static_cast<std::size_t>(end - text.c_str())};
 }
 
-// The base that a number's first digits ask for. Left to itself, a newer C library also takes
-// 0b101, and the same definition file would be another one there.
+// The base that a number's prefix selects. Left to itself, a newer C library also accepts 0b101,
+// and the same definition file would mean something else there.
 int baseOf(std::string_view text) {
     while (!text.empty() && isSpace(text.front()))
         text.remove_prefix(1);

@@ -1,5 +1,5 @@
-// Numbers in definition files, system arguments and keys. Every number has 32 bits and saturates
-// there, so that a 32-bit device and a 64-bit desk read the same file alike.
+// Numbers in definition files, system arguments and keys. Every number is 32-bit and saturates, so
+// that a 32-bit device and a 64-bit workstation read the same file alike.
 #pragma once
 
 #include <cstddef>
@@ -19,7 +19,7 @@ struct NumberPrefix {
 };
 
 /// Reads a number as `strtol` does in base 0: decimal, hexadecimal after 0x, octal after 0, each
-/// with an optional sign. There are no binary numbers, whatever the C library thinks.
+/// with an optional sign. There are no binary numbers, whatever the C library accepts.
 NumberPrefix numberPrefix(std::string_view text);
 
 /// Reads a text that is a number from its beginning to its end, in base 0.

@@ -1,5 +1,5 @@
-// The strings of a request to the Parameter Handler, as its parts hand them to each other, and how
-// much room they take.
+// The strings of a request to the Parameter Handler, as the engine passes them to the client, and
+// how much room they take.
 #pragma once
 
 #include "text/c_string_view.h"

@@ -45,7 +45,7 @@ def test_allows_what_is_there(tree):
 
 @pytest.mark.parametrize("folder", FOLDERS)
 def test_refuses_what_no_row_allows(tree, folder, source):
-    """The benchmarks are nobody's, and the exported object is none of theirs."""
+    """No folder may include the benchmarks, and they may not include the exported object."""
     header, owner = (("dbus/server.h", "src/dbus") if folder == "bench" else
                      ("../" * (folder.count("/") + 1) + "bench/bus.h", "bench"))
     source.write_text(f'#include "{header}"\n')

@@ -12,7 +12,7 @@ DOCUMENTED = ("interface", "method", "signal", "arg")
 
 
 def documentation(element):
-    """The sentence that an element says of itself."""
+    """The documentation string of an element."""
     texts = [a.get("value") for a in element.findall("annotation")
              if a.get("name") == "org.gtk.GDBus.DocString"]
     assert len(texts) == 1, f"{element.tag} {element.get('name')}"

@@ -1,7 +1,7 @@
 """What the manual pages of the file formats show is what happens: every example is run.
 
-In front of every literal block of man/*.5 stands a comment line. This one says that the block is
-no example:
+A comment line precedes every literal block of man/*.5. This one says that the block is not an
+example:
 
     .\\" grammar
 
@@ -12,7 +12,7 @@ These say that it is a file, KIND being "parameters" or "presets" for the two de
     .\\" example: error KIND            is reported; the report is the next block
     .\\" example: data                  a preset data file
 
-And these say that it is what comes of the files in front of it, compared byte for byte:
+And these say that it is the outcome of the files before it, compared byte for byte:
 
     .\\" example: report                standard output, about the erroneous file just before
     .\\" example: keys PRESET ...       the keys that a store of the preset asks for
@@ -22,10 +22,10 @@ And these say that it is what comes of the files in front of it, compared byte f
     .\\" example: log PRESET ...        the system log of that load, or of a store if there is no
                                        data; the file is named /tmp/scene.preset
 
-"..." are system arguments. A file holds until one of the same kind comes; erroneous ones count for
-their report only. New parameters have the presets `everything preset { include ro { all } }` until
-others come, and new presets have no data. At the end of any mark, "@500-" says that each "@" in the
-block stands for 500 times "-".
+"..." are system arguments. A file holds until one of the same kind comes; erroneous ones count only
+for their report. New parameters reset the presets to `everything preset { include ro { all } }`,
+and new presets remove the data. At the end of any mark, "@500-" says that each "@" in the block
+stands for 500 times "-".
 """
 
 import re
@@ -169,7 +169,7 @@ def stop(world, daemon):
 
 
 def is_read_to_the_end(world, given):
-    """Whether what stands behind the files is read, too."""
+    """Whether text appended to the files is read, too."""
     end = "endOfFile"
     daemon = start(world, Given(given.parameters + f"{end} rw {{ }}\n",
                                 given.presets + f"{end} preset {{ }}\n"))

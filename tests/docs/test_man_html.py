@@ -11,7 +11,7 @@ OTHERS = {DEBIAN + page for page in ("dbus-daemon.1", "gdbus.1")}
 
 
 class Document(HTMLParser):
-    """The targets of a document's links, and the places in it that others can lead to."""
+    """The targets of a document's links, and the places in it that others can link to."""
 
     def __init__(self, text):
         super().__init__()

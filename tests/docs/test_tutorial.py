@@ -1,4 +1,4 @@
-"""The tutorial, typed as it is written, into an empty folder: what comes back is what it says."""
+"""The tutorial, typed as it is written in an empty folder: the output is what it says."""
 
 import re
 import subprocess

@@ -1,5 +1,5 @@
-// The whole way: two definition files and system arguments become key sets and translation tables,
-// and a preset data file becomes entries of today. The parts of the input are separated by "\f\f".
+// End to end: two definition files and system arguments become key sets and translation tables, and
+// a preset data file becomes current entries. The parts of the input are separated by "\f\f".
 
 #include "core/definitions.h"
 #include "core/preset_manager.h"
@@ -27,9 +27,9 @@ std::vector<std::string_view> partsOf(std::string_view text, std::size_t count) 
     return parts;
 }
 
-/// What a few lines may stand for before it is left out: twelve dimensions of seven values are more
-/// keys than anybody has memory for, which is no fault.
-constexpr double mostKeys = 1'000'000;
+/// Inputs that stand for more keys are skipped: a few lines may have twelve dimensions of seven
+/// values, which are more keys than any machine has memory for. That is no fault.
+constexpr double maxKeys = 1'000'000;
 
 double countValues(const SystemParameter& index, const Definitions& definitions,
                    const SystemArguments& arguments) {
@@ -107,7 +107,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto selections =
         std::count_if(text.begin(), text.end(), [](char c) { return c == '{' || c == ','; });
     if (!definitions ||
-        !(keyCount(*definitions, arguments) * static_cast<double>(selections) <= mostKeys))
+        !(keyCount(*definitions, arguments) * static_cast<double>(selections) <= maxKeys))
         return 0;
     const PresetManager manager(*definitions, arguments);
     const OwnedStream stream(std::fopen(stored.path().c_str(), "r"));

@@ -1,4 +1,4 @@
-// What the fuzz targets share: files made of bytes, and silence.
+// What the fuzz targets share: input bytes as files and text, and silenced reports.
 #pragma once
 
 #include "support/memory_file.h"

@@ -14,8 +14,8 @@ std::string lineOf(const morvane::PresetEntry& entry) {
     return line;
 }
 
-// A line that does not fit into a piece, and a key that ends in white space since an unclosed group
-// was dropped from it, are others when they are read again.
+// A line that does not fit into a piece, and a key that ends in white space because an unclosed
+// group was dropped from it, read back differently.
 bool comesBack(const morvane::PresetEntry& entry) {
     constexpr std::size_t longest = 1000;
     constexpr std::string_view trimmed = "\t\f\v\n\r";

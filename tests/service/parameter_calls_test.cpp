@@ -1,6 +1,6 @@
 // The client of the Parameter Handler against the simulator on a private bus: which call each
 // operation makes, and what it takes from the answer. Each test is a process of its own, because
-// the connection to the session bus is one for the process.
+// a process has only one connection to the session bus.
 
 #include "glib/glib_owned.h"
 #include "paramhandler/parameter_calls.h"
@@ -209,7 +209,7 @@ TEST_F(ParameterCalls, MakeNoCallForAnEmptyCollection) {
     EXPECT_EQ(test::takeLog(), Log{});
 }
 
-TEST_F(ParameterCalls, FailWithoutAProxyAndWithoutAWord) {
+TEST_F(ParameterCalls, FailSilentlyWithoutAProxy) {
     guint32 transaction = 1;
     ReceivedStrings values;
     bool accepted = false;
@@ -359,7 +359,7 @@ TEST_F(ParameterCalls, LogACommitThatFailsLaterAndEndAllTheSame) {
     }
 }
 
-TEST_F(ParameterCalls, HearWhichValuesACommitChanged) {
+TEST_F(ParameterCalls, ReceiveTheKeysThatACommitChanged) {
     connect();
     std::vector<std::string> heard;
     const TransactionHandler hear = [](DBusGProxy*, gchar** keys, gpointer userData) {

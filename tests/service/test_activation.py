@@ -1,4 +1,4 @@
-"""The activation file: a bus starts the daemon when it is called first."""
+"""The activation file: a bus starts the daemon on the first call."""
 
 import pytest
 from gi.repository import Gio

@@ -1,7 +1,7 @@
 """The policy of the example with its own bus: who may offer, call and announce what.
 
-Switching users takes root. So each test has a bus on which the user who runs the tests is one of
-those that the policy names, and the others are users of the machine who are not here.
+Switching users needs root. So on the bus of each test the user who runs the tests is one of those
+that the policy names, and unrelated users of the machine stand in for the others.
 """
 
 import os
@@ -14,7 +14,7 @@ from harness import SOURCE, Bus, RawClient, RemoteError
 
 EXAMPLE = SOURCE / "packaging/own-bus"
 PRESET, HANDLER = "org.norvix.preset", "org.norvix.transaction"
-# Whom the policy names, and who it is while it is not here.
+# Whom the policy names, and who stands in for each of them while it is not tested.
 NAMED = {
     'user="morvane"': 'user="daemon"',
     'user="parameter-handler"': 'user="bin"',
@@ -30,7 +30,7 @@ def replaced(text, old, new):
 
 
 class PolicyBus(Bus):
-    """The bus of the example, with the one who runs the tests as `role`, who may offer `offers`,
+    """The bus of the example, with the user who runs the tests as `role`, who may offer `offers`,
     too, so that there is something to call."""
 
     def __init__(self, folder, role, offers):
@@ -99,7 +99,7 @@ def may_announce(bus, client):
     listener.listen(HANDLER)
     client.connection.emit_signal(None, "/transaction", HANDLER, "transaction",
                                   GLib.Variant("(as)", [["mode"]]))
-    client.driver("GetId")  # by whose answer the bus has dealt with the signal
+    client.driver("GetId")  # once it is answered, the bus has handled the signal
     names = listener.signals()
     listener.close()
     assert names in ([], ["transaction"])
@@ -147,7 +147,7 @@ def test_errors_of_the_service_come_back(world_of):
 
 
 def test_carries_the_values_of_a_big_device(world_of):
-    """A reply of more than the 32 MiB that a bus takes if nobody raises the limit."""
+    """A reply of more than the 32 MiB that a bus accepts by default."""
     world = world_of('user="root"', offers=(PRESET, HANDLER))
     value = "x" * 400
     world.write("parameters.def", f"""\

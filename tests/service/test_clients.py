@@ -1,5 +1,5 @@
-"""Clients that ask too much, too often or for nonsense, or leave in front of the answer: every call
-that wants a reply gets one, in order, and the service goes on."""
+"""Clients that ask too much, too often or for nonsense, or leave before the answer: every call that
+wants a reply gets one, in order, and the service goes on."""
 
 import itertools
 
@@ -13,7 +13,7 @@ UNKNOWN_METHOD = "org.freedesktop.DBus.Error.UnknownMethod"
 
 
 def mixed_requests(path):
-    """Requests with their answers, without end: a result, or the name of an error."""
+    """An endless series of requests with their answers: a result, or the name of an error."""
     questions = [
         (("is_preset", "scene"), True),
         (("in_preset", "scene", ["unknown", "mode"]), True),
@@ -74,7 +74,7 @@ def test_fifty_clients_with_a_thousand_requests_each(served):
         for client, calls in zip(clients, sent):
             assert [client.receive() for _ in calls] == calls
     for client in clients:
-        # Whatever came too often would stand in front of this answer.
+        # A surplus reply would come before this answer.
         assert client.call("is_preset", "scene") is True
         client.close()
     assert served.user.preset("die") == ()

@@ -66,7 +66,7 @@ def test_a_missing_preset_definition_file_is_not_reported(world):
 
 
 def test_a_daemon_that_detaches_has_reported_before(world):
-    """What standard output holds back would be lost with it."""
+    """What standard output still buffers would be lost when it detaches."""
     _, text, report = PARAMETER_ERRORS[0]
     check(world, report, parameters=world.write("wrong.def", text), options=[])
 

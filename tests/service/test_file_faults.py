@@ -36,7 +36,7 @@ def values_after_a_load(world, client, path):
 
 def store_with_fault(world, client, path, fault):
     """Stores the new values over a file of the old ones. Returns the answer, None if the daemon
-    ended in front of it, and the daemon."""
+    ended before it, and the daemon."""
     path.write_text(text_of(OLD))
     set_values(client, NEW)
     daemon = world.daemon(name="storer", fault=(fault, str(path)))
@@ -50,7 +50,7 @@ def store_with_fault(world, client, path, fault):
 
 
 def test_a_power_cut_leaves_the_old_or_the_new_preset(world):
-    """The daemon is killed in front of each operation on the file, its backup and their folder."""
+    """The daemon is killed before each operation on the file, its backup and their folder."""
     world.simulator()
     client = world.client()
     path = world.folder / "evening"

@@ -1,5 +1,5 @@
-"""Memory runs out: the lists of a request are waited for, and wherever else it happens, the preset
-that is loaded next is the complete old one or the complete new one."""
+"""Memory runs out: a request waits for the memory of its lists, and wherever else it happens, the
+preset that is loaded next is the complete old one or the complete new one."""
 
 import errno
 import signal
@@ -8,7 +8,7 @@ import pytest
 from harness import ERROR, RemoteError
 from test_file_faults import NEW, OLD, store_with_fault, values_after_a_load
 
-# What a list of names, and one of their values, waits with.
+# What is logged while a list of names, and one of their values, waits.
 OUT_OF_MEMORY = {
     "store": ["parm_get_() getParm - out of memory\n"],
     "load_with_default": ["parm_set_() setParm - out of memory\n"] * 2
@@ -40,7 +40,7 @@ def test_waits_for_the_memory_of_its_lists(world, method):
 
 def test_memory_that_runs_out_in_a_store_leaves_a_complete_preset(world):
     """The N-th allocation since the first operation on the file fails, for more than a store makes.
-    The C library says so and the store is refused; C++ and GLib end the process."""
+    The C library reports it and the store is refused; C++ and GLib end the process."""
     world.simulator()
     client = world.client()
     path = world.folder / "evening"

@@ -34,7 +34,7 @@ LOAD_FAILED = RemoteError(ERROR_NAME, "dbus_norvix_preset: Load preset with defa
 
 
 def refused(operation, text, count, detail=REFUSAL):
-    """The log of so many refusals, each with its pause but the tenth."""
+    """The log of `count` refusals, each with its pause; callers put LOST in place of the tenth."""
     records = []
     for attempt in range(1, count + 1):
         records += [(ERROR, f"ERROR: {text} ({detail})\n"),
@@ -236,7 +236,7 @@ def test_a_request_that_the_bus_does_not_carry_is_refused_before_it_starts(world
     path = world.write("p", ("mode=" + "x" * 1000 + "\n") * count)
     assert client.preset("load", "scene", str(path)) == RemoteError(
         ERROR_NAME, "dbus_norvix_preset: Load preset failed")
-    size = 1008 * count - 3  # length, text, end and padding, which the last one has not
+    size = 1008 * count - 3  # length, text, end and padding; the last has no padding
     assert daemon.records_after_start() == [
         (ERROR, f"ERROR: parm_set_() - set failed ({path}: {size} bytes are more than a message "
                 "holds)\n")]

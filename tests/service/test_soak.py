@@ -10,7 +10,7 @@ from harness import RawClient, wait_until
 from test_clients import mixed_requests
 
 REQUESTS = int(os.environ.get("MORVANE_SOAK_REQUESTS", "6000"))
-# What an allocator may move about in; a leak of 32 bytes a request would be more in a long run.
+# How much an allocator may vary; a leak of 32 bytes per request would exceed it in a long run.
 SLACK_KIB = 256
 
 

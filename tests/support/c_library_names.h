@@ -1,6 +1,6 @@
-/* The names under which the C library has functions that tests put their own in front of: those of
- * a build with 64 bits for sizes of files and for times. fortified_open is what open without a mode
- * may become in a build with _FORTIFY_SOURCE. */
+/* The C library's names for functions that tests replace with their own, in a build with 64 bits
+ * for file sizes and times. fortified_open is what open without a mode may become in a build with
+ * _FORTIFY_SOURCE. */
 #ifndef MORVANE_C_LIBRARY_NAMES_H
 #define MORVANE_C_LIBRARY_NAMES_H
 

@@ -1,6 +1,6 @@
 // Feeds the parser of one construct of the preset definition file.
 //
-// The rows of the tests are texts with two signs that are not part of what is read:
+// The rows of the tests are texts with two characters that are not part of what is read:
 //   @  where the parser must stop
 //   ~  a blank that must stay a blank; every other blank is also tried as a line break and as the
 //      other white space characters

@@ -49,7 +49,7 @@ bool fails(const std::string& call) {
     return failsSilently(call);
 }
 
-// The C library's own function behind one that is defined here.
+// The C library's function that one defined here replaces.
 template <typename Function>
 Function* original(const char* name) {
     void* const symbol = dlsym(RTLD_NEXT, name);
@@ -139,7 +139,7 @@ int fsync(int descriptor) {
     if (morvane::test::active != nullptr &&
         morvane::test::fails("fsync " + morvane::test::nameOf(descriptor)))
         return -1;
-    // A test that ends loses nothing that was not synced, so nobody waits for the disk; a
+    // The end of a test loses no data for want of a sync, so nothing waits for the disk; a
     // descriptor that is not open is an error as always.
     return fcntl(descriptor, F_GETFD) < 0 ? -1 : 0;
 }

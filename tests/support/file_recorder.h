@@ -7,11 +7,11 @@
 
 namespace morvane::test {
 
-/// Watches rename, remove, open of a file that may be created, fsync and fclose while it lives, and
-/// makes these and stat and fchown fail. One at a time.
+/// Records rename, remove, open of a file that may be created, fsync and fclose while it lives, and
+/// can make these and stat and fchown fail. Only one may live at a time.
 ///
-/// A call reads "rename old new" or as "remove name", with the last component of each path; "." is
-/// the folder itself.
+/// A call reads like "rename old new" or "remove name", with the last component of each path; "."
+/// is the folder itself.
 class FileRecorder {
 public:
     FileRecorder();
@@ -20,17 +20,17 @@ public:
     FileRecorder& operator=(const FileRecorder&) = delete;
 
     /// Makes a call fail with `error` instead of doing anything; a failing "fclose" still closes.
-    /// @param count how many times the call is let pass before.
+    /// @param count how many such calls succeed before.
     void fail(const std::string& call, int error, int count = 0);
 
-    /// Does something whenever a call is about to begin, such as what another process might do.
+    /// Runs `action` whenever a call is about to begin, such as what another process might do.
     void before(const std::string& call, std::function<void()> action);
 
-    /// What was called, without stat, fchown and "look", which is open of what must be there.
+    /// The calls, without stat, fchown and "look", which is open of what must already exist.
     const std::vector<std::string>& calls() const { return calls_; }
 
-    /// For the interposed functions: notes a call; and does what is to be done before it and says
-    /// with which error it is to fail, or 0.
+    /// For the interposed functions: `note` records a call; `begin` runs the actions before it and
+    /// returns the error with which it is to fail, or 0.
     void note(const std::string& call) { calls_.push_back(call); }
     int begin(const std::string& call);
 

@@ -20,7 +20,7 @@ from jeepney.io.blocking import open_dbus_connection
 
 SOURCE = Path(__file__).parents[2]
 BUILD = Path(os.environ["MORVANE_BUILD_DIR"])
-# A daemon for another architecture runs under an emulator, beside the simulator of this one.
+# A daemon for another architecture runs under an emulator, alongside this machine's simulator.
 EMULATOR = [os.environ["MORVANE_EMULATOR"]] if os.environ.get("MORVANE_EMULATOR") else []
 DAEMON = [*EMULATOR, BUILD / "morvane"]
 CTL = [*EMULATOR, BUILD / "morvanectl"]
@@ -33,7 +33,7 @@ ERROR, INFO = 3, 6  # the priorities of syslog.h
 
 
 def tools_on_path(folder):
-    """A PATH that leads to the programs under test by their names."""
+    """A PATH on which the programs under test are found by their names."""
     tools = folder / "bin"
     tools.mkdir()
     for command in (DAEMON, CTL, [SIMULATOR]):
@@ -99,8 +99,8 @@ class Client:
 
     def start_call(self, destination, path, interface, method, signature="()", *arguments,
                    timeout_seconds=DEADLINE_SECONDS, flags=Gio.DBusCallFlags.NO_AUTO_START):
-        """Sends a call. What is returned waits for the answer when it is called: the reply's
-        values, alone if there is one, or a RemoteError for an error reply."""
+        """Sends a call. Returns a function that waits for the answer and returns it: the tuple of
+        the reply's values, a single value by itself, or a RemoteError for an error reply."""
         loop, results = GLib.MainLoop(), []
 
         def done(_, result):
@@ -219,7 +219,7 @@ class RawClient:
             message_bus.AddMatch(f"type='signal',interface='{interface}'"))
 
     def signals(self):
-        """The names of the signals that arrived since the last call, once a reply arrived."""
+        """The names of the signals since the last call, received before the reply to a new call."""
         serial = self.send("GetId", address=DBusAddress(
             "/org/freedesktop/DBus", "org.freedesktop.DBus", "org.freedesktop.DBus"))
         names = []
@@ -297,7 +297,7 @@ class Daemon:
     def environment(self):
         """What makes the daemon write to its log file."""
         return {
-            # By name: LD_PRELOAD has no way to write a path with blanks.
+            # By name: LD_PRELOAD cannot hold a path with blanks.
             "LD_PRELOAD": SHIM.name, "LD_LIBRARY_PATH": str(SHIM.parent),
             "MORVANE_TEST_LOG": str(self.log_file),
             "ASAN_OPTIONS": "verify_asan_link_order=0"}  # the shim comes first
@@ -311,7 +311,7 @@ class Daemon:
         return self.folder / f"{self.name}.stderr"
 
     def records(self):
-        """Everything that was logged and slept so far: (priority, text) pairs and pauses."""
+        """Everything in the log file so far: (priority, text) pairs and pauses."""
         data, records = self.log_file.read_bytes(), []
         while data:
             head = re.match(rb"(log|sleep) (\d+) (\d+) ", data)
@@ -325,7 +325,7 @@ class Daemon:
         return records
 
     def records_after_start(self):
-        """What was logged and slept since the service was ready."""
+        """The records since the service was ready."""
         records = self.records()
         texts = [r[1] if isinstance(r, tuple) else "" for r in records]
         last = "morvane: Not daemonizing\n"
@@ -346,7 +346,7 @@ class Daemon:
         return self.process.wait(DEADLINE_SECONDS)
 
     def process_ids(self):
-        """The living processes of this daemon, also one that detached."""
+        """The living processes of this daemon, including one that detached."""
         mark = f"MORVANE_TEST_LOG={self.log_file}".encode()
         found = []
         for pid in filter(str.isdigit, os.listdir("/proc")):

@@ -6,7 +6,7 @@ namespace morvane::test {
 
 namespace {
 
-// Puts the white space characters, one after the other, in the place of the blanks.
+// Replaces the blanks with the white space characters in turn.
 std::string withAllWhiteSpace(std::string text) {
     constexpr std::string_view whiteSpace = "\t\v\f\r\n ";
     std::size_t next = 0;

@@ -1,4 +1,4 @@
-// Lets what reads files by their paths read bytes that stand nowhere else.
+// Lets code that reads files by their paths read bytes from memory.
 #pragma once
 
 #include <sys/mman.h>

@@ -7,8 +7,9 @@
 
 namespace morvane::test {
 
-/// For its life the process may take at most `bytes` more address space than it has. An allocation
-/// beyond that throws, which fails the test, or ends a program that is built with AddressSanitizer.
+/// While it lives, the process may use at most `bytes` more address space than it has. An
+/// allocation beyond that throws, which fails the test, or ends a program that is built with
+/// AddressSanitizer.
 class MemoryLimit {
 public:
     explicit MemoryLimit(std::size_t bytes);

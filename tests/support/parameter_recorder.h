@@ -21,7 +21,7 @@ public:
     std::vector<std::string> checks;
 
     /// The calls so far, in order, such as "parm_get 7 a b" or "parm_set 7 a=1 b=2"; a refused call
-    /// has " refused" behind it.
+    /// ends with " refused".
     std::vector<std::string> calls;
 
     /// The operations; the recorder must outlive them.

@@ -1,4 +1,4 @@
-// What the readers of the parameter definition file give, written down in one line.
+// What the readers of the parameter definition file give, as text in one line.
 #pragma once
 
 #include "paramdef/expression.h"
@@ -77,7 +77,7 @@ AttributeReading readAttribute(std::string_view text, Read read) {
 /// An attribute that a parser accepts.
 struct AttributeRow {
     const char* why;
-    const char* row;  ///< "@" behind the last byte that is read
+    const char* row;  ///< "@" after the last byte that is read
     const char* text; ///< what is made of it
 };
 

@@ -1,5 +1,5 @@
-// Short ways to write the records of the preset definition file down in a test, and to read them
-// in a failed expectation.
+// Short ways to write the records of the preset definition file in a test, and to print them in a
+// failed expectation.
 #pragma once
 
 #include "presetdef/preset_definition.h"
@@ -31,7 +31,7 @@ enum class Everything {
     yes ///< the list holds "all"
 };
 
-// Lists of the two kinds that there are.
+// Lists of both kinds.
 PresetList includeList(std::uint32_t line, std::vector<IndexSpec> clauses,
                        std::vector<PresetItem> items, Everything all = Everything::no);
 PresetList excludeList(std::uint32_t line, std::vector<IndexSpec> clauses,

@@ -9,7 +9,7 @@
 
 namespace morvane::test {
 
-/// Strings with an owner, as those of a reply from the bus have one.
+/// Strings with an owner, like those of a reply from the bus.
 inline ReceivedStrings receivedStrings(std::vector<std::string> texts) {
     struct Reply {
         std::vector<std::string> texts;

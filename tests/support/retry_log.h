@@ -10,11 +10,11 @@
 
 namespace morvane::test {
 
-/// The record of the tenth refusal, behind its attempt.
+/// The record that follows that of the tenth refused attempt.
 inline const LogRecord handlerLost{LOG_ERR,
                                    "CRITICAL ERROR: Parameter Handler communication lost\n"};
 
-/// The records of `count` refusals of an operation, and `rest` behind them.
+/// The records of `count` refusals of an operation, followed by `rest`.
 inline std::vector<LogRecord> attempts(const std::string& operation, int count,
                                        const std::vector<LogRecord>& rest = {}) {
     std::vector<LogRecord> log;

@@ -91,7 +91,7 @@ def test_uses_the_bus_that_is_named(world, ctl):
     assert ctl("is-preset", "scene", "--address", world.bus.address, bus=False)[0] == YES
 
 
-def test_says_for_what_it_waits(world, ctl):
+def test_says_what_it_waits_for(world, ctl):
     world.simulator(faults="get_bulk 1 delay 1500\n")
     world.daemon()
     assert ctl("store", "scene", "p") == (

@@ -126,7 +126,7 @@ led rw { index { port } }
 """),
     ('fan rw { ctrlValid ("a" == "b") index { input } }\n',
      "translate {\nfan { index 0 { input = 1 } }\n}\n" + PRESETS, """\
-d:2: warning: no parameter fan on this variant: its index mappings and those behind it in the \
+d:2: warning: no parameter fan on this variant: its index mappings and those after it in the \
 section are not used
 fan { index 0 { input = 1 } }
 ^
@@ -153,7 +153,7 @@ a preset { exclude rw { mode } }
 ^
 """),
 ])
-def test_warns_of_what_the_daemon_has_no_place_for(check, parameters, presets, report):
+def test_warns_of_likely_mistakes(check, parameters, presets, report):
     status, output, _ = check(parameters=PARAMETERS + parameters, presets=presets)
     assert output == report
     assert status == NO

@@ -216,7 +216,7 @@ def test_serves_on_the_bus_that_it_is_told(world):
         process.stdout.close()
 
 
-def test_ends_cleanly_when_it_is_told(world):
+def test_ends_cleanly_when_terminated(world):
     simulator = world.simulator()
     assert simulator.stop() == 0
 

@@ -8,7 +8,7 @@ namespace {
 
 using OwnedLoop = std::unique_ptr<GMainLoop, ReleasedBy<g_main_loop_unref>>;
 
-/// A call on its way.
+/// A call that is not answered yet.
 struct Pending {
     const Service& service;
     const char* method;
@@ -16,7 +16,7 @@ struct Pending {
     Answer answer{};
 };
 
-// The text of the service as it came, without what GDBus puts in front of it.
+// The error text as the service sent it, without the prefix that GDBus adds.
 std::string textOf(GError* raw) {
     const OwnedError error(raw);
     if (g_error_matches(raw, G_DBUS_ERROR, G_DBUS_ERROR_SERVICE_UNKNOWN) != FALSE)
@@ -39,7 +39,7 @@ void onAnswer(GObject* bus, GAsyncResult* result, gpointer data) {
     g_main_loop_quit(pending->loop.get());
 }
 
-gboolean sayForWhatItWaits(gpointer data) {
+gboolean noteWaiting(gpointer data) {
     const auto* const pending = static_cast<Pending*>(data);
     note(std::string("waiting for ") + pending->service.name + " to answer " + pending->method);
     return G_SOURCE_REMOVE;
@@ -63,11 +63,11 @@ BusClient::BusClient(const std::string& address, std::string& error) {
 }
 
 Answer BusClient::call(const Service& service, const char* method, GVariant* arguments) const {
-    constexpr guint patienceMilliseconds = 1000;
+    constexpr guint noticeDelayMilliseconds = 1000;
     Pending pending{service, method};
     g_dbus_connection_call(bus_.get(), service.name, service.path, service.name, method, arguments,
                            nullptr, G_DBUS_CALL_FLAGS_NONE, G_MAXINT, nullptr, onAnswer, &pending);
-    const auto timer = g_timeout_add(patienceMilliseconds, sayForWhatItWaits, &pending);
+    const auto timer = g_timeout_add(noticeDelayMilliseconds, noteWaiting, &pending);
     g_main_loop_run(pending.loop.get());
     if (auto* const source = g_main_context_find_source_by_id(nullptr, timer))
         g_source_destroy(source);

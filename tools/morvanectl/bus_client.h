@@ -1,4 +1,4 @@
-// Calls on the session bus. GDBus lives here and nowhere else in morvanectl.
+// Calls on the session bus. Nothing else in morvanectl uses GDBus.
 #pragma once
 
 #include "glib/variant.h"
@@ -33,8 +33,8 @@ public:
     /// @param address empty for the session bus.
     BusClient(const std::string& address, std::string& error);
 
-    /// Calls a method and waits for the answer, however long that takes; says after a second on
-    /// standard error for what it waits. Lets the bus start the service.
+    /// Calls a method and waits for the answer, however long that takes; after a second, says on
+    /// standard error what it is waiting for. Lets the bus start the service.
     ///
     /// @param arguments a floating tuple, which is consumed.
     Answer call(const Service& service, const char* method, GVariant* arguments) const;

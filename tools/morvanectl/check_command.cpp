@@ -16,10 +16,10 @@ namespace morvane::ctl {
 
 namespace {
 
-/// Warnings with the variants on which they arise.
+/// Warnings with the variants on which they occur.
 using Findings = std::map<Warning, std::vector<std::string>>;
 
-/// The lines of a definition file, cut where the daemon cuts them.
+/// The lines of a definition file, split where the daemon splits them.
 class SourceFile {
 public:
     explicit SourceFile(std::string path) : path_(std::move(path)) {
@@ -39,8 +39,8 @@ public:
 
     const std::string& path() const { return path_; }
 
-    /// Where the caret of a warning goes: its column, or its word, which stands on its line or a
-    /// later one; else the beginning of its line.
+    /// Where the caret of a warning goes: its column, or its word, which is on its line or a later
+    /// one; else the beginning of its line.
     Place find(const Warning& warning) const {
         const auto& [file, line, word, text, column] = warning;
         return column ? Place{line, *column, textOf(line)} : findWord(line, word);
@@ -65,7 +65,7 @@ private:
         return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
     }
 
-    // The column at which the word stands by itself.
+    // The column at which the text is a whole word.
     static std::size_t columnOf(const std::string& line, const std::string& word) {
         for (auto at = line.find(word); at != std::string::npos; at = line.find(word, at + 1)) {
             const auto end = at + word.size();
@@ -121,7 +121,7 @@ Findings findAll(const Settings& settings, const Definitions& definitions) {
     return findings;
 }
 
-/// A warning at its place.
+/// A warning, with its place in the file.
 struct Finding {
     Warning::File file;
     SourceFile::Place place;

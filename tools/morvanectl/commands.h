@@ -19,7 +19,7 @@ ExitStatus explainKey(const Settings& settings);
 ExitStatus translateFile(const Settings& settings);
 ExitStatus diffFiles(const Settings& settings);
 
-/// Shows the calls of a load, one a line.
+/// Shows the calls of a load, one per line.
 /// @param method "load", "load_with_default" or "load_default".
 ExitStatus showLoad(const Settings& settings, const char* method);
 

@@ -1,8 +1,8 @@
 # shellcheck shell=bash
-# bash completion for morvanectl: subcommands and options as --help lists them, presets and keys as the
-# definition files give them, and files.
+# bash completion for morvanectl: subcommands and options from --help, presets and keys from the
+# definition files, and files.
 
-# The names in a section of a help text ("Options" or "Subcommands"), one a line.
+# The names in a section of a help text ("Options" or "Subcommands"), one per line.
 _morvanectl_names() {
     sed -n "/^$1:/,/^\$/s/^  \([^ ]*\).*/\1/p" | tr ',' '\n'
 }

@@ -34,7 +34,7 @@ Verdict judge(const Expression& condition, const SystemParameterTable& parameter
     if (condition.empty())
         return Verdict::holds;
     if (namesParameter(condition, parameters))
-        return hasStructure(condition) ? Verdict::laterHolds : Verdict::unusable;
+        return hasStructure(condition) ? Verdict::assumedMet : Verdict::unusable;
     if (conditionHolds(condition, parameters, arguments))
         return Verdict::holds;
     return canBeEvaluated(condition, arguments) ? Verdict::fails : Verdict::unusable;

@@ -9,11 +9,11 @@
 
 namespace morvane::ctl {
 
-/// What decides a condition on a variant.
+/// The outcome of a condition on a variant.
 enum class Verdict {
     holds,
     fails,
-    laterHolds, ///< it names a parameter, so it counts as met
+    assumedMet, ///< it names a parameter, so it counts as met
     unusable,   ///< it cannot be evaluated
 };
 

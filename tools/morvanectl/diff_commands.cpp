@@ -1,4 +1,4 @@
-// morvanectl diff: what values two preset data files, or a file and the device, have otherwise.
+// morvanectl diff: the values that differ between two preset data files, or a file and the device.
 
 #include "bus_client.h"
 #include "commands.h"
@@ -23,8 +23,8 @@ struct Difference {
     std::optional<std::string> second;
 };
 
-// The values of a file, without those entries that `takes` refuses. Of two lines with one key the
-// second counts, as it does when both are loaded.
+// The values of a file, without the entries that `takes` refuses. Of two lines with the same key
+// the second counts, as it does when both are loaded.
 template <typename Takes>
 std::optional<Values> readValues(const std::string& file, Takes takes) {
     const auto stream = openDataFile(file);
@@ -73,7 +73,7 @@ ExitStatus show(const std::vector<Difference>& differences, bool asJson) {
     return differences.empty() ? ExitStatus::yes : ExitStatus::no;
 }
 
-// The values of the device, of all keys at once.
+// The live values of all keys, read in one call.
 std::optional<Values> liveValues(const std::string& address, const std::vector<std::string>& keys) {
     constexpr guint32 noOption = 0;
     std::string problem;

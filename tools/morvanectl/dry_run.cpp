@@ -1,5 +1,5 @@
-// morvanectl load --dry-run: the calls that the Parameter Handler would get, from the code of the
-// load itself.
+// morvanectl load --dry-run: the calls that the Parameter Handler would get, made by the code of
+// the load itself.
 
 #include "commands.h"
 #include "engine/load_preset.h"
@@ -19,14 +19,14 @@ namespace morvane::ctl {
 
 namespace {
 
-/// One call of the Parameter Handler.
+/// One call to the Parameter Handler.
 struct Call {
     std::string method;
     std::vector<std::string> keys;
     std::vector<std::string> values; ///< one for each key of a set, none of a reset
 };
 
-/// Writes down what the engine asks for.
+/// Records the calls that the engine makes.
 class CallList {
 public:
     ParameterOperations operations() {
@@ -127,7 +127,7 @@ ExitStatus showLoad(const Settings& settings, const char* method) {
     const auto variant = readVariant(settings);
     if (!variant)
         return ExitStatus::error;
-    // The reasons for which a load fails are written to the system log, and here to standard error.
+    // A load writes why it fails to the system log, and here to standard error, too.
     openlog("morvanectl", LOG_PERROR, LOG_USER);
     setlogmask(LOG_UPTO(LOG_ERR));
     CallList list;

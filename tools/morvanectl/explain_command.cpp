@@ -93,7 +93,7 @@ private:
         seen += seen.empty() ? "" : ")";
         const auto verdict = judge(condition, parameters_, settings_.systemArguments);
         const char* const text = verdict == Verdict::holds        ? " holds"
-                                 : verdict == Verdict::laterHolds ? " counts as met"
+                                 : verdict == Verdict::assumedMet ? " counts as met"
                                  : verdict == Verdict::fails
                                      ? " does not hold"
                                      : " cannot be evaluated, so it does not hold";

@@ -1,5 +1,5 @@
 // morvanectl: calls the preset service, and says what the daemon makes of definition files and
-// preset data files. Here is its command line.
+// preset data files. This is its command line.
 
 #include "commands.h"
 #include "output.h"
@@ -32,7 +32,7 @@ public:
     CommandLine() : app_(description) {
         app_.set_version_flag("--version", MORVANE_VERSION);
         app_.require_subcommand(1);
-        app_.fallthrough(); // options may stand behind the subcommand
+        app_.fallthrough(); // options may follow the subcommand
         addOptions();
         addOnline();
         addOffline();

@@ -8,18 +8,18 @@
 
 namespace morvane::ctl {
 
-/// Part of the tool's interface: scripts ask.
+/// Part of the tool's interface: scripts depend on it.
 enum class ExitStatus : int {
     yes = 0,   ///< yes, same, done, nothing to complain about
     no = 1,    ///< no, different, warnings
     error = 2, ///< the question could not be answered
 };
 
-/// Writes a line about a problem to standard error, behind the program's name.
+/// Writes a line about a problem to standard error, after the program's name.
 /// @return ExitStatus::error, so that a command can end with it.
 ExitStatus fail(std::string_view problem);
 
-/// Writes a line to standard error that is no problem, such as what is waited for.
+/// Writes a line to standard error that is not about a problem, such as what is awaited.
 void note(std::string_view text);
 
 using Json = nlohmann::ordered_json;
@@ -27,7 +27,7 @@ using Json = nlohmann::ordered_json;
 /// The texts one after the other, with the separator between them.
 std::string joined(std::span<const std::string> texts, const char* separator);
 
-/// Writes one text a line, or one JSON array of texts.
+/// Writes one text per line, or one JSON array of texts.
 void writeList(std::span<const std::string> texts, bool asJson);
 
 /// Writes a value with a line feed. Bytes that are not UTF-8 become U+FFFD.

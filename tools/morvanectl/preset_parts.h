@@ -1,4 +1,4 @@
-// The lists of a preset, taken apart: what each list, item and clause selects by itself.
+// The lists of a preset, split into parts: what each list, item and clause selects by itself.
 #pragma once
 
 #include "core/preset_manager.h"
@@ -11,13 +11,13 @@
 
 namespace morvane::ctl {
 
-/// One selecting part of a list: "all", one clause of the list's own, one item, or one clause of an
-/// item.
+/// One part of a list that selects something: "all", one of the list's own clauses, one item, or
+/// one clause of an item.
 struct PresetPart {
     PresetList::Kind kind;
     std::uint32_t line = 0;
     std::string text;        ///< such as "item gain, index clause on line 7"
-    std::string word;        ///< that stands on the line, for a caret
+    std::string word;        ///< on the line, for a caret
     PresetDefinition alone;  ///< a preset that has nothing but this part
     const IndexSpec* clause; ///< of the part; null without one. Points into the definition.
     std::string item;        ///< its parameter; empty for "all" and for a list's own clause

@@ -53,7 +53,7 @@ private:
                 part.text + " selects nothing: no parameter " + part.item + " on this variant");
             return;
         }
-        // One parameter is enough for an item; it spares the time for all the others.
+        // One parameter is enough for an item, which saves the time for all the others.
         const bool selects = part.item.empty()
                                  ? !selectedKeys(part, manager_, all).empty()
                                  : !selectedKeys(part, manager_, {*parameter}).empty();

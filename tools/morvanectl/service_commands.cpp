@@ -13,7 +13,7 @@ namespace morvane::ctl {
 
 namespace {
 
-// The daemon has another working folder.
+// The daemon has a different working directory.
 std::string absolutePath(const std::string& file) {
     std::error_code error;
     const auto path = std::filesystem::absolute(file, error);
@@ -34,7 +34,7 @@ GVariant* argumentsOf(const Settings& settings, std::string_view method) {
     return g_variant_new("(ss)", preset, file.c_str());
 }
 
-// D-Bus carries nothing but UTF-8, and GLib takes anything else for a mistake of the program.
+// D-Bus carries nothing but UTF-8, and GLib treats anything else as a programming error.
 bool isSendable(const Settings& settings) {
     bool sendable = isUtf8(settings.preset) && isUtf8(settings.file);
     for (const auto& key : settings.keys)

@@ -24,7 +24,7 @@ public:
             const char* const consequence =
                 mapping.indexMappings.empty()
                     ? " on this variant: entries that become it are dropped"
-                    : " on this variant: its index mappings and those behind it in the section are "
+                    : " on this variant: its index mappings and those after it in the section are "
                       "not used";
             add(mapping.line, mapping.newName, "no parameter " + mapping.newName + consequence);
         }

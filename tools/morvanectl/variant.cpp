@@ -11,7 +11,7 @@ namespace morvane::ctl {
 
 namespace {
 
-// The daemon opens files that cannot be read without a word.
+// The daemon does not say which definition file it cannot read.
 bool isReadable(const std::string& path) {
     if (access(path.c_str(), R_OK) == 0)
         return true;

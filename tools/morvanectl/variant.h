@@ -1,5 +1,5 @@
-// What the offline subcommands read: the definitions, with what they come to on one variant of the
-// device, and preset data files.
+// What the offline subcommands read: the definitions, with the tables derived from them for one
+// variant of the device, and preset data files.
 #pragma once
 
 #include "core/definitions.h"
@@ -18,17 +18,17 @@ struct Variant {
 };
 
 /// Reads the definition files as the daemon does: errors in them are reported on standard output.
-/// @return nothing if they cannot be used, which standard error says, too.
+/// @return nothing if they cannot be used, which is reported on standard error, too.
 std::optional<Definitions> readBothFiles(const Settings& settings);
 
-/// As above, with what they come to on the variant of the settings.
+/// As above, with the tables for the variant of the settings.
 std::optional<Variant> readVariant(const Settings& settings);
 
-/// As above, and says it if the preset of the settings does not exist on this variant.
+/// As above, but fails with a message if the preset of the settings does not exist on this variant.
 std::optional<Variant> readVariantWithPreset(const Settings& settings);
 
 /// Opens a regular file for reading; unlike a load, leaves a left-over backup alone.
-/// @return null, with a word on standard error, if it cannot be read.
+/// @return null, with a message on standard error, if it cannot be read.
 OwnedStream openDataFile(const std::string& file);
 
 } // namespace morvane::ctl

@@ -18,8 +18,8 @@ struct Warning {
     };
 
     File file = File::parameters;
-    std::uint32_t line = 0; ///< where what is meant began
-    std::string word;       ///< that the caret goes under, on that line or one of the next
+    std::uint32_t line = 0; ///< where the construct in question began
+    std::string word;       ///< that the caret goes under, on that line or a later one
     std::string text;
     std::optional<std::uint32_t> column{}; ///< of the caret on that line, where it is known
 

@@ -47,7 +47,7 @@ std::optional<Number> parseCount(std::string_view text) {
     return number;
 }
 
-bool readWhen(std::string_view word, Fault& fault) {
+bool readCallRange(std::string_view word, Fault& fault) {
     if (word == "always")
         return true;
     const auto dash = word.find('-');
@@ -61,7 +61,7 @@ bool readWhen(std::string_view word, Fault& fault) {
     return true;
 }
 
-// Takes what the line has left for the argument of the action.
+// Takes the rest of the line as the argument of the action.
 bool readArgument(Takes takes, const std::string& rest, Fault& fault) {
     switch (takes) {
     case Takes::nothing:
@@ -82,7 +82,7 @@ std::optional<Fault> readFault(const std::string& line) {
     Fault fault;
     std::string when;
     std::string actionWord;
-    if (!(words >> fault.method >> when >> actionWord) || !readWhen(when, fault))
+    if (!(words >> fault.method >> when >> actionWord) || !readCallRange(when, fault))
         return std::nullopt;
     const auto* const row =
         std::find_if(actionWords.begin(), actionWords.end(),

@@ -1,6 +1,6 @@
-// A script of faults: at which calls the simulator misbehaves, and how. Knows no D-Bus.
+// A script of faults: on which calls the simulator misbehaves, and how. Independent of D-Bus.
 //
-// One fault a line, blanks between the words; blank lines and lines that begin with "#" are
+// One fault per line, blanks between the words; blank lines and lines that begin with "#" are
 // skipped:
 //
 //   METHOD WHEN ACTION [ARGUMENT]
@@ -10,14 +10,14 @@
 //   ACTION  error TEXT      answer with an error of that message
 //           delay MS        answer as usual, MS milliseconds later
 //           no-reply        carry the call out and never answer
-//           drop-name [MS]  give the bus name up, then answer; take it again after MS
+//           drop-name [MS]  give the bus name up, then answer; take it back after MS
 //                           milliseconds or never
 //           exit            end the simulator without an answer
 //           fewer-values    leave one value out of the answer
 //           more-values     add one value to the answer
 //           wrong-type      answer with a number where something else is expected
 //
-// The first line that fits a call counts.
+// The first line that matches a call counts.
 #pragma once
 
 #include <cstddef>
@@ -44,7 +44,7 @@ struct Fault {
     };
 
     std::string method;      ///< "*" for every method
-    std::uint64_t first = 1; ///< the calls of the method that it is for
+    std::uint64_t first = 1; ///< the calls of the method that it applies to
     std::uint64_t last = UINT64_MAX;
     Action action = Action::error;
     std::string text;                          ///< of an error

@@ -1,4 +1,4 @@
-// Carries out the calls of the transaction interface on a value store. Knows GVariant, no bus.
+// Carries out the calls of the transaction interface on a value store. Uses GVariant, but no bus.
 #pragma once
 
 #include "value_store.h"

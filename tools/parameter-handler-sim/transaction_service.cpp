@@ -27,8 +27,8 @@ std::string methodOf(const TransactionService::Invocation& invocation) {
     return g_dbus_method_invocation_get_method_name(invocation.get());
 }
 
-// Whether D-Bus carries these strings in one list. GDBus does not send a longer one and tells
-// nobody, so that the client would wait in vain.
+// Whether D-Bus carries these strings in one list. GDBus silently fails to send a longer one, so
+// that the client would wait in vain.
 bool fitsOneList(const std::vector<std::string>& texts) {
     ArraySize size;
     for (const auto& text : texts)
@@ -48,7 +48,7 @@ void changeCount(const Fault& fault, Outcome& outcome) {
 
 } // namespace
 
-/// An answer that waits for its time.
+/// An answer to be sent later.
 struct TransactionService::DelayedAnswer {
     TransactionService* service;
     Invocation invocation;
@@ -178,7 +178,7 @@ void TransactionService::answerLater(Invocation invocation, Outcome outcome,
                        new DelayedAnswer{this, std::move(invocation), std::move(outcome)}, destroy);
 }
 
-// GDBus would not let a reply of another type than the interface's pass, so it is made by hand.
+// GDBus would reject a reply whose type is not that of the interface, so it is built by hand.
 void TransactionService::answerWrongType(const Invocation& invocation) {
     constexpr double neverAnAnswer = 0.5;
     const std::unique_ptr<GDBusMessage, ReleasedBy<g_object_unref>> reply(

@@ -18,13 +18,13 @@ namespace morvane::sim {
 
 /// What the service needs of the process around it. All are called from the main loop.
 struct ServiceHooks {
-    /// Gives the bus name up; takes it again after so many milliseconds, or never.
+    /// Gives the bus name up; takes it back after that many milliseconds, or never.
     std::function<void(std::optional<std::uint32_t> milliseconds)> dropName;
 
     /// Ends the process without a further answer.
     std::function<void()> exit;
 
-    /// Notes a call or an answer: one line, without a line feed.
+    /// Logs a call or an answer: one line, without a line feed.
     std::function<void(const std::string& line)> log;
 };
 

@@ -1,4 +1,4 @@
-// The live values of a simulated device, and the transactions on them. Knows no D-Bus.
+// The live values of a simulated device, and the transactions on them. Independent of D-Bus.
 #pragma once
 
 #include "device.h"
@@ -13,7 +13,7 @@
 namespace morvane::sim {
 
 /// Why a request was refused, for the client to read; nothing if it was carried out. A request that
-/// is refused changes nothing, also where only one of its many keys is at fault.
+/// is refused changes nothing, even if only one of its many keys is at fault.
 using Refusal = std::optional<std::string>;
 
 /// Which kind of value a request is about: that of a parameter that clients may set, or the status
@@ -40,11 +40,11 @@ public:
 
     TransactionId start();
 
-    /// Forgets a transaction and what it set and did not commit.
+    /// Forgets a transaction and its uncommitted changes.
     Refusal end(TransactionId transaction);
 
     /// Makes what the transaction set visible to all. The transaction stays open.
-    /// @param changed receives the keys whose values are others than before, sorted.
+    /// @param changed receives the keys whose values have changed, sorted.
     Refusal commit(TransactionId transaction, std::vector<std::string>& changed);
 
     /// Reads values as the transaction sees them.
@@ -59,7 +59,7 @@ public:
     Refusal checkSet(Scope scope, const Assignment& assignment, bool& accepted) const;
 
 private:
-    /// Only the values that are not at their defaults, or, in a transaction, that it has set.
+    /// Only values that were set; the others are at their defaults or, in a transaction, unchanged.
     using Values = std::unordered_map<std::string, std::string>;
 
     Refusal checkScope(Scope scope) const;

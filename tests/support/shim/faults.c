@@ -1,9 +1,9 @@
-/* Makes a chosen operation of the daemon under test fail, or ends the daemon in front of it.
+/* Makes a chosen operation of the daemon under test fail, or kills the daemon before it.
  *
  * MORVANE_TEST_FAULT says which and how: "FUNCTION N ACTION". FUNCTION is one of those below, or
- * "any" for every one of those on files; its N-th call, from 1, on a path that begins with
- * MORVANE_TEST_FAULT_PATH is meant, or on the folder of that path. Calls of malloc are counted from
- * the first such operation on a file. ACTION is "kill", or the number of the error to fail with. */
+ * "any" for all of those on files. The fault hits its N-th call, from 1, on a path that begins with
+ * MORVANE_TEST_FAULT_PATH or on the folder of that path. Calls of malloc are counted from the first
+ * such operation on a file. ACTION is "kill", or the number of the error to fail with. */
 
 #include "support/c_library_names.h"
 
@@ -117,18 +117,18 @@ int remove(const char* path) {
     return fails("remove", path) ? -1 : ORIGINAL(remove)(path);
 }
 
-/* A stream that could not be written to remembers it. */
+/* A stream that could not be written to records the error. */
 int fputs(const char* text, FILE* stream) {
     if (!descriptor_fails("fputs", fileno(stream)))
         return ORIGINAL(fputs)(text, stream);
     const int error = errno;
-    if (fgetc(stream) != EOF || !ferror(stream)) /* an error of a stream that is only written */
+    if (fgetc(stream) != EOF || !ferror(stream)) /* fails on a write-only stream */
         abort();
     errno = error;
     return EOF;
 }
 
-/* A stream that could not be flushed has lost what was in it. */
+/* A stream that could not be flushed has lost what was in its buffer. */
 int fflush(FILE* stream) {
     if (!stream || !descriptor_fails("fflush", fileno(stream)))
         return ORIGINAL(fflush)(stream);
@@ -139,7 +139,7 @@ int fflush(FILE* stream) {
     return EOF;
 }
 
-/* A killed process loses nothing that was not synced, so nobody waits for the disk; a descriptor
+/* A killed process loses no data for want of a sync, so nothing waits for the disk; a descriptor
  * that is not open is an error as always. */
 int fsync(int descriptor) {
     return descriptor_fails("fsync", descriptor) || fcntl(descriptor, F_GETFD) < 0 ? -1 : 0;
@@ -153,7 +153,7 @@ int fclose(FILE* stream) {
     return failed ? EOF : result;
 }
 
-/* How GLib allocates what it may refuse to. */
+/* GLib's allocation that may fail. */
 void* g_try_malloc0_n(size_t count, size_t size);
 void* g_try_malloc0_n(size_t count, size_t size) {
     return is_chosen("g_try_malloc0_n") && is_its_turn() ? NULL

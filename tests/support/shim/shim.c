@@ -5,8 +5,8 @@
  * "log PRIORITY LENGTH TEXT" or "sleep SECONDS 0 ", LENGTH counting the bytes of TEXT, which may
  * hold line feeds; every record ends with a line feed of its own.
  *
- * MORVANE_TEST_CLOCK_RATE, a number, makes that many seconds of the monotonic clock of one: time
- * limits of the bus library are over that much earlier. */
+ * MORVANE_TEST_CLOCK_RATE, a number, makes the monotonic clock run that many times faster, so that
+ * timeouts of the bus library expire that much earlier. */
 
 #include <dlfcn.h>
 #include <fcntl.h>

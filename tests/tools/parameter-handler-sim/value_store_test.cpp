@@ -15,7 +15,7 @@ using Assignments = std::vector<Assignment>;
 
 class ValueStoreTest : public testing::Test {
 protected:
-    // What a scope sees of a value, or why it does not.
+    // The value as a scope sees it, or why it cannot.
     std::string see(ValueStore::Scope scope, const std::string& key) {
         std::vector<std::string> values;
         if (const auto refusal = store_.get(scope, Keys{key}, values))
@@ -140,7 +140,7 @@ TEST_F(ValueStoreTest, RefusesResetsAndChangesNothing) {
     EXPECT_EQ(see({}, "gain[1]"), "5");
 }
 
-TEST_F(ValueStoreTest, RefusesToShowCommandsAndUnknownKeys) {
+TEST_F(ValueStoreTest, RefusesToReadCommandsAndUnknownKeys) {
     EXPECT_EQ(see({}, "reboot"), "reboot is write-only");
     EXPECT_EQ(see({}, "input"), "unknown parameter input");
     std::vector<std::string> values;

@@ -83,14 +83,14 @@ struct Row {
     Calls calls; ///< between start and commit
 };
 
-// The recorder sees the calls for empty collections, too; nothing goes out for them.
+// The recorder sees the calls for empty collections, too; nothing is sent for them.
 const Row rows[] = {
     {"values and status values in file order",
      "scene",
      "mode=auto\nserial[2]=B\ngain[2]=-3\nstatus=ok\n",
      Defaults::off,
      {"parm_set 7 mode=auto gain[2]=-3", "parm_set_status 7 serial[2]=B status=ok"}},
-    {"keys of no preset, and of another",
+    {"keys of the preset and others",
      "scene",
      "other=1\nmode=2\ngain=3\ngain[3]=4\ntemperature=5\n",
      Defaults::off,
@@ -210,7 +210,7 @@ TEST_F(LoadPreset, RefusesAnUnknownPresetBeforeAnyCall) {
     EXPECT_EQ(handler_.calls, Calls{});
 }
 
-TEST_F(LoadPreset, FailsWithoutAConnectionAndWithoutAWord) {
+TEST_F(LoadPreset, FailsSilentlyWithoutAConnection) {
     folder_.write("p", "mode=1\n");
     EXPECT_FALSE(loadPreset(nullptr, "scene", path_, manager_, Defaults::off));
     EXPECT_FALSE(loadPreset(nullptr, "scene", path_, manager_, Defaults::on));
@@ -266,7 +266,7 @@ TEST_F(LoadPreset, FailsWhenTheBackupCannotBePutBack) {
     EXPECT_EQ(handler_.calls, Calls{});
 }
 
-TEST_F(LoadPreset, AsksWhetherItCanSendBeforeItStarts) {
+TEST_F(LoadPreset, ChecksThatItCanSendBeforeItStarts) {
     handler_.refusesToSend = true;
     EXPECT_FALSE(loadFile("mode=1\ngain[1]=2\nstatus=3\n"));
     EXPECT_FALSE(load("scene", Defaults::on));
@@ -282,7 +282,7 @@ TEST_F(LoadPreset, AsksWhetherItCanSendBeforeItStarts) {
 struct BytesRow {
     const char* why;
     std::string content;
-    const char* sent; ///< what may be sent is asked of that alone
+    const char* sent; ///< only this is checked
 };
 
 const BytesRow bytesRows[] = {

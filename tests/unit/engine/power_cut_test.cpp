@@ -1,8 +1,8 @@
 // What a power cut can leave of a store, on any file system.
 //
-// The operations of a real store are recorded, and every state of the disk is made that a power cut
-// behind any of them may leave: of what has not been synced, any part may have got to the disk, in
-// any combination. A load of each state must give the old preset or the new one.
+// The operations of a real store are recorded, and every state of the disk is built that a power
+// cut after any of them may leave: of what has not been synced, any part may have reached the disk,
+// in any combination. A load of each state must give the old preset or the new one.
 
 #include "engine/preset_backup.h"
 #include "engine/preset_file.h"
@@ -41,7 +41,7 @@ std::string textOf(const Lines& lines) {
 /// The names in the folder and what their files hold.
 using Disk = std::map<std::string, std::string>;
 
-constexpr const char* newFile = "\1"; ///< stands for whatever has got to the disk of the new file
+constexpr const char* newFile = "\1"; ///< stands for whatever of the new file has reached the disk
 
 void writeTo(const test::TempFolder& folder, const Disk& disk) {
     for (const auto& [name, content] : disk)
@@ -66,7 +66,7 @@ std::vector<std::string> recordStore(const Disk& disk) {
     return calls;
 }
 
-// The ways in which one operation on the folder may have got to the disk.
+// The ways in which one operation on the folder may have reached the disk.
 std::vector<Disk> outcomesOf(const std::string& call, const Disk& disk) {
     std::vector<Disk> outcomes{disk};
     Disk done = disk;
@@ -86,7 +86,7 @@ std::vector<Disk> outcomesOf(const std::string& call, const Disk& disk) {
     return outcomes;
 }
 
-/// What may be on a disk of the folder's operations behind the first `count` calls of a store.
+/// What the folder's operations may have left on the disk after the first `count` calls of a store.
 std::set<Disk> foldersBehind(const Disk& start, const std::vector<std::string>& calls,
                              std::size_t count) {
     Disk live = start; // what the running system sees
@@ -105,7 +105,7 @@ std::set<Disk> foldersBehind(const Disk& start, const std::vector<std::string>& 
     return disks;
 }
 
-/// Everything that may be on the disk behind the first `count` calls of a store of `entries`.
+/// Everything that may be on the disk after the first `count` calls of a store of `entries`.
 std::set<Disk> disksBehind(const Disk& start, const std::vector<std::string>& calls,
                            std::size_t count, const Lines& entries) {
     const auto text = textOf(entries);
@@ -156,7 +156,7 @@ TEST(PowerCut, LeavesTheOldOrTheNewPreset) {
     std::size_t states = 0;
     for (std::size_t count = 0; count <= calls.size(); ++count) {
         for (const auto& disk : disksBehind(oldDisk, calls, count, newEntries)) {
-            SCOPED_TRACE("behind " + std::to_string(count) +
+            SCOPED_TRACE("after " + std::to_string(count) +
                          " calls: " + testing::PrintToString(disk));
             const auto entries = loadFrom(disk);
             EXPECT_TRUE(entries == oldEntries || entries == newEntries)
@@ -171,7 +171,7 @@ TEST(PowerCut, LeavesTheOldOrTheNewPreset) {
     test::takeLog();
 }
 
-// A store that follows an interrupted one is as safe, once a load has put the backup back.
+// A store that follows an interrupted one is just as safe, once a load has put the backup back.
 TEST(PowerCut, LeavesACompletePresetOfASecondStoreBehindALoad) {
     for (const auto& first : disksOfAnInterruptedStore(oldDisk, newEntries)) {
         const auto loaded = *loadFrom(first);
@@ -215,7 +215,7 @@ struct Sync {
     std::size_t position; ///< among the calls of a store
 };
 
-// Each sync is needed: without it there is a state that is neither.
+// Each sync is needed: without it there is a state that is neither old nor new.
 constexpr Sync syncs[] = {
     {"the rename", 1},
     {"the new file", 3},

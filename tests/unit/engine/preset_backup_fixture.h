@@ -26,7 +26,7 @@ protected:
     const std::string folderName_ =
         path_.substr(0, path_.size() - 2).substr(path_.substr(0, path_.size() - 2).rfind('/') + 1);
 
-    // Stores `text`; false and no stream are the writing side's ways to fail.
+    // Stores `text`. Opening may fail by returning false or by giving no stream.
     bool store(const std::string& text) const {
         std::FILE* stream = nullptr;
         if (!openPresetForWrite(path_, stream) || stream == nullptr)

@@ -1,4 +1,4 @@
-// What a store takes the place of, and what it keeps of it.
+// What a store replaces, and what it keeps of it.
 
 #include "support/file_recorder.h"
 #include "unit/engine/preset_backup_fixture.h"
@@ -23,7 +23,7 @@ struct stat statusOf(const std::string& path) {
     return status;
 }
 
-/// Makes something at a path that is no regular file.
+/// Makes something other than a regular file at a path.
 struct OtherKind {
     const char* name;
     void (*make)(const std::string& path);
@@ -133,7 +133,7 @@ TEST_F(PresetBackup, ReplacesNoBackupThatIsALinkToNothing) {
     }
 }
 
-// Renaming one name of a file to another one does nothing. Some file systems rename in two steps,
+// Renaming one hard link of a file to another does nothing. Some file systems rename in two steps,
 // between which a power cut leaves both.
 TEST_F(PresetBackup, MakesABackupOfAFileThatIsItsOwnBackup) {
     folder_.write("p", "old");
@@ -164,7 +164,7 @@ TEST_F(PresetBackup, WritesIntoNothingThatIsThere) {
         else
             ASSERT_EQ(symlink("victim", path_.c_str()), 0);
         test::FileRecorder files;
-        files.fail("rename p p_bak", ENOENT); // as of a file that is put there behind it
+        files.fail("rename p p_bak", ENOENT); // as if the file were put there afterwards
         EXPECT_FALSE(store("new"));
         EXPECT_EQ(folder_.read("p"), kind == std::string("file") ? "planted" : "precious");
         EXPECT_EQ(test::takeLog(), Log{});
@@ -180,7 +180,7 @@ protected:
     // The permission bits that a store over a file with these gives to the new file, before
     // anything is written.
     mode_t kept(mode_t mode) const {
-        std::remove(path_.c_str()); // which may be nobody's to write to
+        std::remove(path_.c_str()); // which may be read-only
         folder_.write("p", "old");
         EXPECT_EQ(chmod(path_.c_str(), mode), 0);
         std::FILE* stream = nullptr;
@@ -224,7 +224,7 @@ TEST_F(Permissions, OfANewFileAreWhatTheUmaskLeaves) {
     }
 }
 
-// Only root can give files away, and tests run as root or as anybody.
+// Only root can give files away, and tests run as root or as any user.
 TEST_F(Permissions, IncludeTheOwnerAndTheGroupWhereTheProcessMay) {
     constexpr uid_t other = 12345;
     folder_.write("p", "old");
@@ -252,7 +252,7 @@ TEST_F(Permissions, AreNotForAGroupThatTheNewFileCannotHave) {
         SCOPED_TRACE(why);
         folder_.write("p", "old");
         if (chown(path_.c_str(), getuid(), oldGroup) != 0)
-            continue; // only root can make a file of any group; the last row needs nobody else's
+            continue; // only root can give a file to any group; the last row needs no other group
         ASSERT_EQ(chmod(path_.c_str(), 0664), 0);
         test::FileRecorder files;
         for (int i = 0; i < count; ++i)
@@ -275,7 +275,7 @@ TEST_F(PresetBackup, FailsToReadWhenTheBackupCannotBeLookedAt) {
 }
 
 TEST_F(PresetBackup, NeedsNoRoomForTheNameOfABackup) {
-    const std::string name(253, 'n'); // 255 are the most
+    const std::string name(253, 'n'); // 255 is the limit
     std::FILE* stream = nullptr;
     EXPECT_TRUE(openPresetForRead(folder_.write(name, "file"), stream));
     ASSERT_NE(stream, nullptr);
@@ -303,7 +303,7 @@ TEST_F(PresetBackup, RestoresABackupOfAnyDate) {
     EXPECT_EQ(load(), "new");
 }
 
-// Somebody puts another thing there between the look at the file and its opening.
+// Something else takes the place of the file between the check of its type and its opening.
 TEST_F(PresetBackup, ReadsAndWaitsForNothingThatTookThePlaceOfAFile) {
     for (const auto* const kind : {"FIFO", "folder"}) {
         SCOPED_TRACE(kind);
@@ -320,7 +320,7 @@ TEST_F(PresetBackup, ReadsAndWaitsForNothingThatTookThePlaceOfAFile) {
     }
 }
 
-// Opening a device may do something: rewind a tape, start a watchdog, hang up a line.
+// Opening a device may have effects: rewind a tape, start a watchdog, hang up a line.
 TEST_F(PresetBackup, OpensNothingThatItDoesNotRead) {
     ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
     const int watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);

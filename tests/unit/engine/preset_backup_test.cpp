@@ -185,7 +185,7 @@ TEST_F(PresetBackup, PutsBackWhatAnInterruptedStoreLeftWhenTheNextOneFails) {
     EXPECT_EQ(test::takeLog(), Log{writeError()});
 }
 
-TEST_F(PresetBackup, TakesAFolderThatCannotBeSyncedForSafeEnough) {
+TEST_F(PresetBackup, ToleratesAFolderThatCannotBeSynced) {
     for (const int error : {EINVAL, EROFS, ENOTSUP}) {
         folder_.write("p", "old");
         test::FileRecorder files;

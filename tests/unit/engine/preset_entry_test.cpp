@@ -25,7 +25,7 @@ const KeyRow keyRows[] = {
     {"several indices", "gain[1][2]", {"gain", {"1", "2"}, ""}, "gain[1][2]"},
     {"an unclosed group is dropped", "gain[1", {"gain", {}, ""}, "gain"},
     {"an unclosed second group is dropped", "gain[1][2", {"gain", {"1"}, ""}, "gain[1]"},
-    {"text between and behind groups is dropped",
+    {"text between and after groups is dropped",
      "gain[1]x[2]junk",
      {"gain", {"1", "2"}, ""},
      "gain[1][2]"},
@@ -35,22 +35,22 @@ const KeyRow keyRows[] = {
     {"a closing bracket before the first group", "ga]in[1]", {"ga]in", {"1"}, ""}, "ga]in[1]"},
     {"blanks stay", " gain [ 1 ]", {" gain ", {" 1 "}, ""}, " gain [ 1 ]"},
     {"trailing blanks stay", "gain ", {"gain ", {}, ""}, "gain "},
-    {"other trailing white space goes", "gain\t\f\v\n\r", {"gain", {}, ""}, "gain"},
+    {"other trailing white space is dropped", "gain\t\f\v\n\r", {"gain", {}, ""}, "gain"},
     {"leading white space stays", "\tgain", {"\tgain", {}, ""}, "\tgain"},
     {"white space alone is no name", "\t\v", {"", {}, ""}, ""},
-    {"in front of an index it stays", "\t[1]", {"\t", {"1"}, ""}, "\t[1]"},
+    {"before an index it stays", "\t[1]", {"\t", {"1"}, ""}, "\t[1]"},
     {"a group without a name", "[1]", {"", {"1"}, ""}, ""},
     {"nothing", "", {"", {}, ""}, ""},
 };
 
-TEST(PresetKey, IsTakenApartAndRebuilt) {
+TEST(PresetKey, IsParsedAndRebuilt) {
     for (const auto& [why, key, entry, canonical] : keyRows) {
         SCOPED_TRACE(why);
         PresetEntry parsed{"left over", {"1", "2", "3"}, "left over"};
         parsePresetKey(key, parsed);
         expectEqual(parsed, entry);
         EXPECT_EQ(presetKey(parsed), canonical);
-        EXPECT_EQ(presetKey(entry), canonical) << "put together";
+        EXPECT_EQ(presetKey(entry), canonical) << "assembled";
         std::string buffer;
         EXPECT_EQ(canonicalKey(key, buffer), canonical);
     }
@@ -64,11 +64,11 @@ struct LineRow {
 
 const LineRow lineRows[] = {
     {"key and value", "gain[1][2]=7", {"gain", {"1", "2"}, "7"}},
-    {"everything behind the first = is the value", "mode=a=b", {"mode", {}, "a=b"}},
+    {"everything after the first = is the value", "mode=a=b", {"mode", {}, "a=b"}},
     {"blanks on both sides of = stay", "level = 5", {"level ", {}, " 5"}},
-    {"a DOS line end goes", "gain[1]=5\r\n", {"gain", {"1"}, "5"}},
+    {"a DOS line end is dropped", "gain[1]=5\r\n", {"gain", {"1"}, "5"}},
     {"trailing blanks stay", "gain[1]=5  \n", {"gain", {"1"}, "5  "}},
-    {"only the trailing run goes", "mode=a\tb\t \t\n", {"mode", {}, "a\tb\t "}},
+    {"only the trailing run is dropped", "mode=a\tb\t \t\n", {"mode", {}, "a\tb\t "}},
     {"white space before = is cut from the key", "mode\t=1", {"mode", {}, "1"}},
     {"no value", "gain[1]=", {"gain", {"1"}, ""}},
     {"a key of white space", "\t=5", {"", {}, "5"}},
@@ -79,7 +79,7 @@ const LineRow lineRows[] = {
     {"only white space", "\t\n", {}},
 };
 
-TEST(PresetLine, IsTakenApart) {
+TEST(PresetLine, IsParsed) {
     for (const auto& [why, line, entry] : lineRows) {
         SCOPED_TRACE(why);
         PresetEntry parsed{"left over", {"1", "2", "3"}, "left over"};

@@ -84,19 +84,19 @@ struct KeyRow {
     const char* line; ///< with the value v; empty if nothing is written
 };
 
-// An index value may hold any character, those that a key is taken apart at among them.
+// An index value may hold any character, including those at which a key is split.
 const KeyRow keyRows[] = {
     {"an opening bracket in an index value", "a[[1][2]", "a[[1][2]=v\n"},
     {"a closing bracket in an index value", "a[1]x][2]", "a[1][2]=v\n"},
     {"two closing brackets in an index value", "a[1]]][2]", "a[1][2]=v\n"},
     {"a group in an index value", "a[1[x]y][2]", "a[1[x][2]=v\n"},
-    {"an opening bracket behind a closing one", "a[1][]", "a[1][]=v\n"},
+    {"an opening bracket after a closing one", "a[1][]", "a[1][]=v\n"},
     {"an index value that ends in white space", "a[1\t][2\r]", "a[1\t][2\r]=v\n"},
     {"an index value of white space", "a[\t]", "a[\t]=v\n"},
-    {"white space behind a group", "a[1\r]\t", "a[1\r]=v\n"},
-    {"white space behind the name", "a\t", "a=v\n"},
-    {"white space behind the name, in front of a group", "a\t[1]", "a\t[1]=v\n"},
-    {"white space behind the name, in front of an unclosed group", "a\t[1", "a\t=v\n"},
+    {"white space after a group", "a[1\r]\t", "a[1\r]=v\n"},
+    {"white space after the name", "a\t", "a=v\n"},
+    {"white space after the name, before a group", "a\t[1]", "a\t[1]=v\n"},
+    {"white space after the name, before an unclosed group", "a\t[1", "a\t=v\n"},
     {"white space alone", "\t", ""},
     {"a group without a name", "[1]", ""},
     {"nothing", "", ""},
@@ -107,7 +107,7 @@ TEST(PresetFile, WritesCanonicalKeys) {
         SCOPED_TRACE(why);
         EXPECT_EQ(write({key}, {"v"}).text, line);
         EXPECT_EQ(write({"a[1", key}, {"v", "v"}).text, std::string("a=v\n") + line)
-            << "behind another";
+            << "after another";
     }
 }
 

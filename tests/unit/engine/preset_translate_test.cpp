@@ -74,7 +74,7 @@ const Row rows[] = {
     {"a parameter that this device does not have", "absent=1", dropped, noErrors},
     {"a new name that this device does not have", "away=1", dropped, noErrors},
     {"a name in capitals", "Mode=1", dropped, noErrors},
-    {"a name with a blank behind it", "mode =1", dropped, noErrors},
+    {"a name with a trailing blank", "mode =1", dropped, noErrors},
 
     {"a new name", "mode2[1]=5", "level[1]=5", noErrors},
     {"a new name and a new value", "way=on", "mode=1", noErrors},
@@ -82,7 +82,7 @@ const Row rows[] = {
     {"a value that is not mapped", "way=off", "mode=off", noErrors},
     {"a value that only begins like one", "way=on2", "mode=on2", noErrors},
     {"a value in capitals", "way=On", "mode=On", noErrors},
-    {"a value with a blank behind it", "way=on ", "mode=on ", noErrors},
+    {"a value with a trailing blank", "way=on ", "mode=on ", noErrors},
     {"the current name has no value map", "mode=on", "mode=on", noErrors},
     {"a removed name that has a new one is renamed first", "dimmer[1]=5", "state[1]=5", noErrors},
     {"a new name, a new value and a new index", "height[1][2]=1", "level[2]=10", noErrors},
@@ -90,7 +90,7 @@ const Row rows[] = {
     {"a gained index", "gain[3]=5", "gain[3][0]=5", noErrors},
     {"a lost index", "level[1][2]=5", "level[2]=5", noErrors},
     {"an index out of nothing", "state=5", "state[2]=5", noErrors},
-    {"an index out of nothing behind a new name", "status=5", "state[2]=5", noErrors},
+    {"an index out of nothing after a new name", "status=5", "state[2]=5", noErrors},
     {"today's number of indices is never mapped", "gain[3][2]=5", "gain[3][2]=5", noErrors},
     {"a reference anywhere in an element", "level[1][2][3]=5", "level[3]=5", noErrors},
     {"a reference with something before it", "level[a][b][c][d][e]=5", "level[a]=5", noErrors},
@@ -101,7 +101,7 @@ const Row rows[] = {
 
     {"no template for this number of indices", "gain[1][2][3]=5", unusable, noTemplate("gain", 3)},
     {"no template for no indices", "level=5", unusable, noTemplate("level", 0)},
-    {"a reference behind the last index", "level[1][2][3][4]=5", unusable,
+    {"a reference beyond the last index", "level[1][2][3][4]=5", unusable,
      noIndex("idx::4", "level", 4)},
     {"a reference to an index where there is none", "gain=5", unusable,
      noIndex("idx::0", "gain", 0)},
@@ -118,7 +118,7 @@ protected:
         folder_.write("parameters", parameters), folder_.write("presets", presets), {}};
 };
 
-TEST_F(PresetTranslateTest, MakesTodaysEntriesOfOldOnes) {
+TEST_F(PresetTranslateTest, TranslatesOlderEntries) {
     ASSERT_TRUE(manager_.is_preset("scene"));
     for (const auto& [why, line, result, errors] : rows) {
         SCOPED_TRACE(why);

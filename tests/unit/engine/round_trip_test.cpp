@@ -28,12 +28,12 @@ namespace {
 
 constexpr unsigned shapes = 300;
 
-/// Makes up definitions and values; the same ones for the same seed, on every machine.
+/// Generates definitions and values; the same ones for the same seed, on every machine.
 class Generator {
 public:
     explicit Generator(unsigned seed) : random_(seed) {}
 
-    /// Makes up a device: fills what follows.
+    /// Generates a device: fills the members below.
     void makeDevice() {
         for (unsigned i = below(4); i > 0; --i)
             makeIndex();
@@ -121,7 +121,7 @@ private:
         return text + " }";
     }
 
-    // Values are those of the index: of others, the device would know no key.
+    // Values are those of the index: with others, the keys would be unknown to the device.
     std::string selector(const std::string& index) {
         std::string text = below(3) == 0 ? "not " + index : index;
         const auto& values = indices[index];
@@ -130,7 +130,7 @@ private:
         return text + " { " + values[below(values.size())] + " }";
     }
 
-    std::mt19937 random_; // not through a distribution, which every library makes up for itself
+    std::mt19937 random_; // without a distribution, whose results each library is free to choose
     std::vector<Parameter> parameters_;
 };
 
@@ -190,7 +190,7 @@ ParameterOperations operationsOn(sim::ValueStore& device) {
     };
 }
 
-/// One device, its presets, and everything that can be asked of them.
+/// One device, its presets, and everything that can be done with them.
 class World {
 public:
     explicit World(unsigned seed) : generator_(seed) {

@@ -79,7 +79,7 @@ TEST_F(StorePreset, ReplacesTheFileAndLeavesNoBackup) {
     EXPECT_FALSE(folder_.exists("p_bak"));
 }
 
-TEST_F(StorePreset, FailsWithoutAConnectionAndWithoutAWord) {
+TEST_F(StorePreset, FailsSilentlyWithoutAConnection) {
     EXPECT_FALSE(storePreset(nullptr, "scene", path_, manager_));
     EXPECT_FALSE(storeSubPreset(nullptr, KeySet({"mode"}), "scene", path_, manager_));
     EXPECT_EQ(test::takeLog(), Log{});
@@ -104,7 +104,7 @@ TEST_F(StorePreset, EndsTheFileAtAnEmptyValueAndSucceeds) {
     EXPECT_EQ(handler_.calls, (Calls{start_, get_, end_}));
 }
 
-TEST_F(StorePreset, AsksWhetherItCanSendBeforeItStarts) {
+TEST_F(StorePreset, ChecksThatItCanSendBeforeItStarts) {
     handler_.refusesToSend = true;
     folder_.write("p", "old");
     EXPECT_FALSE(store());

@@ -23,11 +23,11 @@ TEST(DefaultParser, ReadsDefaultsOverLines) {
 
 constexpr test::MistakeRow mistakes[] = {
     {"no brace", "@5 }"},
-    {"no brace behind a condition", "( a ) @5 }"},
+    {"no brace after a condition", "( a ) @5 }"},
     {"no value", "{ @}"},
     {"two values", "{ 5 @6 }"},
     {"a comma", "{ 5@, }"},
-    {"a comma behind a string", "{ \"a\" @, }"},
+    {"a comma after a string", "{ \"a\" @, }"},
     {"a span", "{ 1@..2 }"},
     {"a name", "{ @auto }"},
     {"a mistake in an expression", "{ ( @= ) }"},

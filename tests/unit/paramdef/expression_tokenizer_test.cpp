@@ -30,7 +30,7 @@ Outcome tokenize(std::string_view text, NameIndices nameIndices = NameIndices::r
 
 struct Row {
     const char* why;
-    std::string_view text; ///< behind the opening parenthesis; "@" where reading stops
+    std::string_view text; ///< after the opening parenthesis; "@" where reading stops
     std::string_view tokens;
 };
 
@@ -51,7 +51,7 @@ constexpr Row tokenRows[] = {
     {"nothing", " )@", ""},
     {"numbers in three bases", "10 0x1F 0X1f 017 )@", "10 31 31 15"},
     {"a digit that the base does not have makes a name", "08 0x 0xg )@", "08 0x 0xg"},
-    {"a number with something behind it is a name", "5x )@", "5x"},
+    {"a number with something after it is a name", "5x )@", "5x"},
     {"numbers beyond 32 bits", "2147483647 2147483648 4294967296 99999999999999999999 )@",
      "2147483647 2147483647 2147483647 2147483647"},
     {"names", "mode _a a.b a:b {x} a#b \xc3\xa4 )@", "mode _a a.b a:b {x} a#b \xc3\xa4"},
@@ -62,11 +62,11 @@ constexpr Row tokenRows[] = {
     {"parentheses inside", "( a + ( b ) ) * c )@", "( a + ( b ) ) * c"},
     {"empty parentheses inside", "( ) )@", "( )"},
     {"a string", "\"auto\" )@", "\"auto\""},
-    {"a string with what ends a word", "\"~a(b)[c]#d~\" )@", "\" a(b)[c]#d \""},
+    {"a string with characters that end a word", "\"~a(b)[c]#d~\" )@", "\" a(b)[c]#d \""},
     {"an empty string", "\"\" )@", "\"\""},
     {"strings side by side", "\"a\"\"b\" )@", "\"a\" \"b\""},
     {"a quote inside a word", "a\"b\" )@", "a\"b\""},
-    {"a string behind an operator", "a$\"b\" )@", "a $ \"b\""},
+    {"a string after an operator", "a$\"b\" )@", "a $ \"b\""},
 };
 
 TEST(ExpressionTokenizer, ReadsTokensOverLines) {
@@ -91,9 +91,9 @@ constexpr Row minusRows[] = {
     {"at the beginning", "-5 )@", "-5"},
     {"with a blank", "- 5 )@", "-5"},
     {"between two numbers", "7 - 5 )@", "7 - 5"},
-    {"behind a number in parentheses", "( 7 ) -5 )@", "( 7 ) - 5"},
-    {"behind every kind of operator", "1 * -5 || -6 $ -7 - -8 )@", "1 * -5 || -6 $ -7 - -8"},
-    {"behind a parenthesis", "( -5 ) )@", "( - 5 )"},
+    {"after a number in parentheses", "( 7 ) -5 )@", "( 7 ) - 5"},
+    {"after every kind of operator", "1 * -5 || -6 $ -7 - -8 )@", "1 * -5 || -6 $ -7 - -8"},
+    {"after a parenthesis", "( -5 ) )@", "( - 5 )"},
     {"before a name", "-x + -y )@", "- x + - y"},
     {"before a string", "-\"5\" )@", "- \"5\""},
     {"twice", "- -5 )@", "- -5"},
@@ -150,14 +150,14 @@ struct MistakeRow {
 constexpr MistakeRow mistakeRows[] = {
     {"a lone exclamation mark", "a @!b )"},
     {"a lone equals sign", "a @= b )"},
-    {"an equals sign behind a shift", "a<<@=b )"},
+    {"an equals sign after a shift", "a<<@=b )"},
     {"a bracket", "a @[ 1 ] )"},
-    {"a bracket behind a name", "a@[1] )"},
+    {"a bracket after a name", "a@[1] )"},
     {"a closing bracket", "a @] )"},
     {"a bracket first", "@[1] )", NameIndices::accepted},
-    {"a bracket behind a number", "5@[1] )", NameIndices::accepted},
-    {"a bracket behind a string", "\"a\"@[1] )", NameIndices::accepted},
-    {"a bracket behind an operator", "a +@[1] )", NameIndices::accepted},
+    {"a bracket after a number", "5@[1] )", NameIndices::accepted},
+    {"a bracket after a string", "\"a\"@[1] )", NameIndices::accepted},
+    {"a bracket after an operator", "a +@[1] )", NameIndices::accepted},
     {"a closing bracket without an opening one", "a@] )", NameIndices::accepted},
 };
 
@@ -176,7 +176,7 @@ constexpr Row indexRows[] = {
     {"an index", "gain[1] )@", "gain[1]"},
     {"two indices", "gain[1][low] + 2 )@", "gain[1][low] + 2"},
     {"white space around the text", "gain[ a~b ] )@", "gain[a b]"},
-    {"what ends a word elsewhere", "gain[(+\")] )@", "gain[(+\")]"},
+    {"characters that end a word elsewhere", "gain[(+\")] )@", "gain[(+\")]"},
     {"an empty index", "gain[ ] )@", "gain[]"},
 };
 

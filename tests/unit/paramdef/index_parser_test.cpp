@@ -11,7 +11,7 @@ constexpr test::AttributeRow rows[] = {
     {"a name without blanks", "{input}@", "input"},
     {"names", "{ 0 , 1,2 , input }@", "0 1 2 input"},
     {"a name twice", "{ a , a }@", "a a"},
-    {"a name of anything but what ends it", "{ a[1]{(\"# }@", "a[1]{(\"#"},
+    {"a name of any characters but those that end it", "{ a[1]{(\"# }@", "a[1]{(\"#"},
 };
 
 TEST(IndexParser, ReadsNamesOverLines) {

@@ -9,7 +9,7 @@ namespace morvane {
 namespace {
 
 struct NumberRow {
-    const char* text; ///< "@" behind the number, or at the caret of a mistake
+    const char* text; ///< "@" after the number, or at the caret of a mistake
     CharacterSet delimiters;
     ParamDefResult result;
     const char* number;
@@ -50,7 +50,7 @@ TEST(BareNumber, TakesAWholeWord) {
 
 struct StringRow {
     const char* why;
-    const char* text; ///< behind the opening quote, a line or more
+    const char* text; ///< after the opening quote, a line or more
     const char* string;
     const char* rest; ///< what is not consumed of the last line; null for an open string
 };

@@ -19,7 +19,7 @@ constexpr Row rows[] = {
     {"an empty one", "( ) {@ }", ParamDefResult::ok, ""},
     {"an open one", "( a@", ParamDefResult::incomplete, "a"},
     {"no brace", "@x", ParamDefResult::syntaxError, ""},
-    {"no brace behind it", "( a ) @x", ParamDefResult::syntaxError, "a"},
+    {"no brace after it", "( a ) @x", ParamDefResult::syntaxError, "a"},
     {"a mistake in it", "( a @= ) {", ParamDefResult::syntaxError, "a"},
 };
 

@@ -10,7 +10,7 @@
 namespace morvane {
 namespace {
 
-/// What reading a file came to.
+/// The outcome of reading a file.
 struct Outcome {
     ParamDefResult result = ParamDefResult::incomplete;
     std::string output; ///< on standard output
@@ -63,7 +63,7 @@ const Row silentRows[] = {
     {"a line feed", "\n", {ParamDefResult::ok, "", ""}},
     {"comments and blank lines", "# a\n\n \t\n  # b", {ParamDefResult::ok, "", ""}},
     {"no line feed at the end", "p rw { }\nq ro { }", {ParamDefResult::ok, "", "p@1 4\nq@2 1"}},
-    {"line ends of another system", "p rw {\r\n}\r\n", {ParamDefResult::ok, "", "p@1 4"}},
+    {"CRLF line ends", "p rw {\r\n}\r\n", {ParamDefResult::ok, "", "p@1 4"}},
     {"a block left open", "p rw {\n", {ParamDefResult::ok, "", "p@1 4"}},
     {"a string left open", "p rw { default { \"a\n", {ParamDefResult::ok, "", "p@1 4"}},
     {"a null byte ends what is read of its line",
@@ -71,7 +71,7 @@ const Row silentRows[] = {
      {ParamDefResult::ok, "", "p@1 4\nq@2 1"}},
 };
 
-TEST(ParamDefFile, ReadsToTheEndWithoutAWord) {
+TEST(ParamDefFile, ReadsToTheEndSilently) {
     for (const auto& [why, content, outcome] : silentRows) {
         SCOPED_TRACE(why);
         EXPECT_EQ(readContent(content), outcome);
@@ -119,7 +119,7 @@ const Row reportRows[] = {
       "p rw { rangeValid { 1.5 } }\n"
       "                     ^\n",
       "p@1 4"}},
-    {"a caret counts bytes, a tab among them",
+    {"a caret counts bytes, including tabs",
      "\tp \xc3\xa4 {\n",
      {ParamDefResult::invalidAccess,
       "Error on line 1\n"
@@ -145,7 +145,7 @@ std::string blanks(std::size_t count) {
 struct LongLineRow {
     const char* why;
     std::string content;
-    const char* line; ///< the line number of the mistake behind it
+    const char* line; ///< the line number of the mistake after it
 };
 
 const LongLineRow longLineRows[] = {

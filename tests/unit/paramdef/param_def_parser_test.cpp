@@ -56,7 +56,7 @@ constexpr Row rows[] = {
      "p rw{index{i}rangeValid(c){1}ctrlRO(a)ctrlValid(b)default(d){3}valueChange{4->5}}",
      "p@1 4 index i; rangeValid [c] { 1 }; ctrlRO a; ctrlValid b; default [d] { 3 }; "
      "valueChange \"4\" -> \"5\";"},
-    {"attributes twice stay in file order",
+    {"repeated attributes stay in file order",
      "p rw { index { i } rangeValid { 1 } index { j } rangeValid { 2 } ctrlValid ( a ) "
      "ctrlValid ( b ) }",
      "p@1 4 index i; index j; rangeValid { 1 }; rangeValid { 2 }; ctrlValid a; ctrlValid b;"},
@@ -137,17 +137,17 @@ constexpr MistakeRow mistakes[] = {
     {"a name that a bracket ends", "p@[1] rw { }", access, "p@1 0"},
     {"an unknown access word", "p @wr { }", access, "p@1 0"},
     {"an access word in capitals", "p @RW { }", access, "p@1 0"},
-    {"a number of an access type", "p @4 { }", access, "p@1 0"},
+    {"the number of an access type", "p @4 { }", access, "p@1 0"},
     {"no access word", "p @{ }", access, "p@1 0"},
-    {"an access word with something behind it", "p @rw(a) { }", access, "p@1 0"},
-    {"a comment sign behind the name is no comment", "p @# b", access, "p@1 0"},
+    {"an access word with something after it", "p @rw(a) { }", access, "p@1 0"},
+    {"a # after the name begins no comment", "p @# b", access, "p@1 0"},
     {"no brace", "p rw @rangeValid { }", syntax, "p@1 4"},
     {"an unknown attribute", "p rw { @foo }", syntax, "p@1 4"},
     {"an attribute in capitals", "p rw { @RangeValid { } }", syntax, "p@1 4"},
     {"an empty attribute", "p rw { @{ } }", syntax, "p@1 4"},
     {"a closing brace that is part of a word", "p rw { @foo} }", syntax, "p@1 4"},
-    {"no parenthesis behind ctrlRO", "p rw { @ctrlRO { } }", syntax, "p@1 4"},
-    {"no parenthesis behind ctrlValid", "p rw { @ctrlValid a }", syntax, "p@1 4"},
+    {"no parenthesis after ctrlRO", "p rw { @ctrlRO { } }", syntax, "p@1 4"},
+    {"no parenthesis after ctrlValid", "p rw { @ctrlValid a }", syntax, "p@1 4"},
     {"a parenthesis on the next line", "p rw { @ctrlValid\n(a) }", syntax, "p@1 4"},
     {"ctrlRO of a write-only parameter", "p wo { ctrlRO (1@) }", access, "p@1 3"},
     {"ctrlRO of a write-only parameter over lines", "p wo { ctrlRO (1\n  @) }", access, "p@1 3"},
@@ -174,8 +174,8 @@ TEST(ParamDefParser, RefusesMistakesWhereTheyStand) {
 }
 
 struct GoneRow {
-    const char* before; ///< the parameter is taken away behind this line
-    const char* after;  ///< and missed in this one
+    const char* before; ///< the parameter is removed after this line
+    const char* after;  ///< and missing in this one
 };
 
 constexpr GoneRow goneRows[] = {

@@ -45,7 +45,7 @@ constexpr Row rows[] = {
      "a b $ c * d + e << f < g == h & i ^ j | k && l ||"},
     {"every precedence downwards", "a || b && c | d ^ e & f == g < h << i + j * k $ l",
      "a b c d e f g h i j k l $ * + << < == & ^ | && ||"},
-    {"an operator behind its operands", "1 2 +", "1 2 +"},
+    {"an operator after its operands", "1 2 +", "1 2 +"},
     {"an operator before its operands", "+ 1 2", "1 2 +"},
 };
 

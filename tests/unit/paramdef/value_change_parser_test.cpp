@@ -30,7 +30,7 @@ constexpr test::MistakeRow mistakes[] = {
     {"a negative number on the left", "{ @-5 -> 6 }"},
     {"a negative number on the right", "{ 5 -> @-6 }"},
     {"a name", "{ @auto -> 6 }"},
-    {"a number with something behind it", "{ 5@x -> 6 }"},
+    {"a number with something after it", "{ 5@x -> 6 }"},
     {"an expression", "{ @( 5 ) -> 6 }"},
     {"three sides", "{ 5 -> 6 @-> 7 }"},
     {"a comma", "{ 5 -> 6@, }"},

@@ -32,7 +32,7 @@ protected:
     }
 };
 
-// libdbus is the judge of what it would send.
+// libdbus decides what it would send.
 TEST_F(IsSendable, AgreesWithLibdbusAboutUtf8) {
     const std::string texts[] = {
         "plain",

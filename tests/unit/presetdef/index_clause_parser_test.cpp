@@ -42,7 +42,7 @@ const ClauseRow clauseRows[] = {
     {"an index named \"not\"", "{ not not }@", clause(1, {negated("not")})},
     {"names that begin like keywords", "{ nota, none1 }@",
      clause(1, {plain("nota"), plain("none1")})},
-    {"keywords of other places", "{ index, all }@", clause(1, {plain("index"), plain("all")})},
+    {"keywords of other constructs", "{ index, all }@", clause(1, {plain("index"), plain("all")})},
     {"a name of any bytes", "{ 1=\xc3\xa4 }@", clause(1, {plain("1=\xc3\xa4")})},
 };
 
@@ -75,7 +75,7 @@ constexpr RefusedRow refusedRows[] = {
     {"values without a name", "{ @{1} }", PARSE_PRESET_INVALID_IDENTIFIER},
     {"a comma before the end", "{ a, @}", PARSE_PRESET_INVALID_IDENTIFIER},
     {"two commas", "{ a, @, b }", PARSE_PRESET_INVALID_IDENTIFIER},
-    {"values without a name behind a comma", "{ none, @{1} }", PARSE_PRESET_INVALID_IDENTIFIER},
+    {"values without a name after a comma", "{ none, @{1} }", PARSE_PRESET_INVALID_IDENTIFIER},
 
     {"\"not\" and the end", "{ not @}", PARSE_PRESET_MISSING_IDENTIFIER},
     {"\"not\" and a comma", "{ not @, a }", PARSE_PRESET_MISSING_IDENTIFIER},
@@ -83,15 +83,15 @@ constexpr RefusedRow refusedRows[] = {
 
     {"an empty value set", "{ a { @} }", PARSE_PRESET_MISSING_IDENTIFIER},
     {"a mistake in a value set", "{ a { 1 @2 } }", PARSE_PRESET_SYNTAX},
-    {"a range downwards", "{ not a { 5..2@ } }", PARSE_PRESET_INVALID_RANGE},
+    {"a descending range", "{ not a { 5..2@ } }", PARSE_PRESET_INVALID_RANGE},
 
-    {"a name behind a name", "{ a @b }", PARSE_PRESET_SYNTAX},
-    {"a name behind a negated name", "{ not a @b }", PARSE_PRESET_SYNTAX},
-    {"a name behind \"none\"", "{ none @a }", PARSE_PRESET_SYNTAX},
-    {"a name behind values", "{ a {1} @b }", PARSE_PRESET_SYNTAX},
-    {"a sign behind values", "{ a {1} @= }", PARSE_PRESET_SYNTAX},
+    {"a name after a name", "{ a @b }", PARSE_PRESET_SYNTAX},
+    {"a name after a negated name", "{ not a @b }", PARSE_PRESET_SYNTAX},
+    {"a name after \"none\"", "{ none @a }", PARSE_PRESET_SYNTAX},
+    {"a name after values", "{ a {1} @b }", PARSE_PRESET_SYNTAX},
+    {"a sign after values", "{ a {1} @= }", PARSE_PRESET_SYNTAX},
 
-    {"\"none\" behind an index", "{ a, none }@ }", PARSE_PRESET_INVALID_INDEX},
+    {"\"none\" after an index", "{ a, none }@ }", PARSE_PRESET_INVALID_INDEX},
     {"\"none\" before an index", "{ none, a }@ }", PARSE_PRESET_INVALID_INDEX},
     {"\"none\" between indices", "{ a, none, b }@", PARSE_PRESET_INVALID_INDEX},
     {"\"none\" with values beside an index", "{ none {1}, a }@", PARSE_PRESET_INVALID_INDEX},

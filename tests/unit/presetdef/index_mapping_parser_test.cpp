@@ -25,7 +25,7 @@ const MappingRow mappingRows[] = {
      "2 { output = main , input = idx::1 }@ x",
      {1, 2, {{"output", "main"}, {"input", "idx::1"}}}},
     {"the same name twice", "0 { a = b, a = c }@", {1, 0, {{"a", "b"}, {"a", "c"}}}},
-    {"a leading zero means nothing", "010 { a = b }@", {1, 10, {{"a", "b"}}}},
+    {"a leading zero is ignored", "010 { a = b }@", {1, 10, {{"a", "b"}}}},
     {"the greatest number", "4294967295 { a = b }@", {1, highestUnsigned, {{"a", "b"}}}},
     {"a number beyond 32 bits", "4294967296 { a = b }@", {1, highestUnsigned, {{"a", "b"}}}},
     {"a number beyond 64 bits",
@@ -65,27 +65,27 @@ constexpr RefusedRow refusedRows[] = {
     {"a signed count", " @+1 { a = b }", PARSE_PRESET_INVALID_INTEGER},
 
     {"a word instead of the brace", "1 @a = b }", PARSE_PRESET_SYNTAX},
-    {"a word right behind the count", "1@x { a = b }", PARSE_PRESET_SYNTAX},
+    {"a word right after the count", "1@x { a = b }", PARSE_PRESET_SYNTAX},
     {"a second count", "1 @2 { a = b }", PARSE_PRESET_SYNTAX},
     {"a fraction", "1@.5 { a = b }", PARSE_PRESET_SYNTAX},
     {"a closing brace instead of the brace", "1 @}", PARSE_PRESET_SYNTAX},
 
     {"no index name", "1 { @= b }", PARSE_PRESET_MISSING_IDENTIFIER},
-    {"no index name behind a comma", "1 { a = b, @= c }", PARSE_PRESET_MISSING_IDENTIFIER},
+    {"no index name after a comma", "1 { a = b, @= c }", PARSE_PRESET_MISSING_IDENTIFIER},
 
-    {"a word behind the index name", "1 { a @b }", PARSE_PRESET_SYNTAX},
+    {"a word after the index name", "1 { a @b }", PARSE_PRESET_SYNTAX},
     {"the closing brace is read as a name", "1 { } @}", PARSE_PRESET_SYNTAX},
-    {"the closing brace behind a comma likewise", "1 { a = b, } @}", PARSE_PRESET_SYNTAX},
+    {"the closing brace after a comma likewise", "1 { a = b, } @}", PARSE_PRESET_SYNTAX},
     {"a comma is read as a name", "1 { , @a = b }", PARSE_PRESET_SYNTAX},
     {"a name takes the comma", "1 { a, @b = c }", PARSE_PRESET_SYNTAX},
 
     {"no text", "1 { a = @}", PARSE_PRESET_MISSING_IDENTIFIER},
     {"a comma instead of the text", "1 { a = @, b = c }", PARSE_PRESET_MISSING_IDENTIFIER},
 
-    {"a word behind the text", "1 { a = b @c }", PARSE_PRESET_SYNTAX},
+    {"a word after the text", "1 { a = b @c }", PARSE_PRESET_SYNTAX},
     {"a second equals sign", "1 { a = = @b }", PARSE_PRESET_SYNTAX},
-    {"an equals sign behind the text", "1 { a = b @= c }", PARSE_PRESET_SYNTAX},
-    {"a brace behind the text", "1 { a = b @{ }", PARSE_PRESET_SYNTAX},
+    {"an equals sign after the text", "1 { a = b @= c }", PARSE_PRESET_SYNTAX},
+    {"a brace after the text", "1 { a = b @{ }", PARSE_PRESET_SYNTAX},
 };
 
 TEST(IndexMappingParser, StopsAtTheMistake) {

@@ -59,15 +59,15 @@ constexpr RefusedRow refusedRows[] = {
     {"a comma instead of the name", " @, gain", PARSE_PRESET_MISSING_IDENTIFIER},
     {"a closing brace instead of the name", " @}", PARSE_PRESET_MISSING_IDENTIFIER},
 
-    {"a word behind the name", "gain @mode", PARSE_PRESET_SYNTAX},
-    {"a sign behind the name", "gain @= 1", PARSE_PRESET_SYNTAX},
-    {"a number behind the name", "gain @1", PARSE_PRESET_SYNTAX},
+    {"a word after the name", "gain @mode", PARSE_PRESET_SYNTAX},
+    {"a sign after the name", "gain @= 1", PARSE_PRESET_SYNTAX},
+    {"a number after the name", "gain @1", PARSE_PRESET_SYNTAX},
 
     {"empty braces", "gain { @}", PARSE_PRESET_SYNTAX},
     {"a comma in the braces", "gain { @, index { a } }", PARSE_PRESET_SYNTAX},
     {"a second opening brace", "gain { @{ a } }", PARSE_PRESET_SYNTAX},
     {"an unknown keyword", "gain { foo@ }", PARSE_PRESET_SYNTAX},
-    {"a keyword with more behind it", "gain { indexes@ { a } }", PARSE_PRESET_SYNTAX},
+    {"a keyword with more after it", "gain { indexes@ { a } }", PARSE_PRESET_SYNTAX},
     {"a keyword in capitals", "gain { INDEX@{ a } }", PARSE_PRESET_SYNTAX},
     {"a keyword of a list", "gain { all@ }", PARSE_PRESET_SYNTAX},
 
@@ -78,8 +78,8 @@ constexpr RefusedRow refusedRows[] = {
     {"\"none\" beside an index", "gain { index { a, none }@ }", PARSE_PRESET_INVALID_INDEX},
 
     {"a comma between clauses", "gain { index { a } @, index { b } }", PARSE_PRESET_SYNTAX},
-    {"a word behind a clause", "gain { index { a } foo@ }", PARSE_PRESET_SYNTAX},
-    {"a brace behind a clause", "gain { index { a } @{ b } }", PARSE_PRESET_SYNTAX},
+    {"a word after a clause", "gain { index { a } foo@ }", PARSE_PRESET_SYNTAX},
+    {"a brace after a clause", "gain { index { a } @{ b } }", PARSE_PRESET_SYNTAX},
 };
 
 TEST(ItemParser, StopsAtTheMistake) {

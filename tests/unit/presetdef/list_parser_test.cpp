@@ -37,7 +37,7 @@ const ListRow listRows[] = {
                  {{1, "x", {}},
                   {1, "y", {clause(1, {plain("b", numberSet({1}))}), clause(1, {plain("c")})}},
                   {1, "z", {}}})},
-    {"\"all\" behind others keeps them", "include ro { index { not a }, x, all }@",
+    {"\"all\" after others keeps them", "include ro { index { not a }, x, all }@",
      includeList(1, {clause(1, {negated("a")})}, {{1, "x", {}}}, Everything::yes)},
     {"\"all\" right before the brace", "include ro { all}@",
      includeList(1, {}, {}, Everything::yes)},
@@ -68,16 +68,16 @@ struct RefusedRow {
 
 constexpr RefusedRow refusedRows[] = {
     {"an unknown word", "foo@ ro { x }", PARSE_PRESET_SYNTAX},
-    {"a keyword with more behind it", "includes@ ro { x }", PARSE_PRESET_SYNTAX},
+    {"a keyword with more after it", "includes@ ro { x }", PARSE_PRESET_SYNTAX},
     {"only white space ends the keyword: brace", "include{@ ro { x }", PARSE_PRESET_SYNTAX},
     {"only white space ends the keyword: comma", "exclude,@ rw { x }", PARSE_PRESET_SYNTAX},
-    {"the keyword runs into everything", "include{ro{x}@ }", PARSE_PRESET_SYNTAX},
+    {"the keyword runs into what follows", "include{ro{x}@ }", PARSE_PRESET_SYNTAX},
     {"an opening brace", "{@ x }", PARSE_PRESET_SYNTAX},
     {"a closing brace", "}@ x", PARSE_PRESET_SYNTAX},
 
     {"read-write in an include list", "include rw@ { x }", PARSE_PRESET_INC_EXC_ACCESS_ERR},
     {"read-only in an exclude list", "exclude ro@ { x }", PARSE_PRESET_INC_EXC_ACCESS_ERR},
-    {"read-write in an include list, brace behind it", "include rw@{ x }",
+    {"read-write in an include list, brace after it", "include rw@{ x }",
      PARSE_PRESET_INC_EXC_ACCESS_ERR},
     {"another access type", "include rostrict@ { x }", PARSE_PRESET_INC_EXC_ACCESS_ERR},
     {"an unknown access type", "exclude rwx@ { x }", PARSE_PRESET_INC_EXC_ACCESS_ERR},
@@ -95,7 +95,7 @@ constexpr RefusedRow refusedRows[] = {
     {"a second opening brace", "include ro { @{ x }", PARSE_PRESET_MISSING_IDENTIFIER},
     {"a comma before the end", "exclude rw { x, @}", PARSE_PRESET_MISSING_IDENTIFIER},
     {"two commas", "exclude rw { x, @, y }", PARSE_PRESET_MISSING_IDENTIFIER},
-    {"a brace behind a comma", "exclude rw { x, @{ y }", PARSE_PRESET_MISSING_IDENTIFIER},
+    {"a brace after a comma", "exclude rw { x, @{ y }", PARSE_PRESET_MISSING_IDENTIFIER},
 
     {"a clause without brace", "exclude rw { index @x }", PARSE_PRESET_SYNTAX},
     {"a comma instead of a clause", "exclude rw { index @, x }", PARSE_PRESET_SYNTAX},
@@ -103,19 +103,19 @@ constexpr RefusedRow refusedRows[] = {
     {"an empty clause", "exclude rw { index { @} }", PARSE_PRESET_INVALID_IDENTIFIER},
     {"\"none\" beside an index", "exclude rw { index { a, none }@ }", PARSE_PRESET_INVALID_INDEX},
 
-    {"a word behind a parameter", "include ro { x @y }", PARSE_PRESET_SYNTAX},
+    {"a word after a parameter", "include ro { x @y }", PARSE_PRESET_SYNTAX},
     {"a mistake in a parameter", "include ro { x { foo@ } }", PARSE_PRESET_SYNTAX},
 
-    {"a word behind a parameter with clause", "include ro { x { index {a} } @y }",
+    {"a word after a parameter with clause", "include ro { x { index {a} } @y }",
      PARSE_PRESET_SYNTAX},
-    {"a brace behind a parameter with clause", "include ro { x { index {a} } @{ y }",
+    {"a brace after a parameter with clause", "include ro { x { index {a} } @{ y }",
      PARSE_PRESET_SYNTAX},
-    {"a word behind a clause", "include ro { index { a } @x }", PARSE_PRESET_SYNTAX},
-    {"a brace behind a clause", "include ro { index { a } @{ b }", PARSE_PRESET_SYNTAX},
-    {"a comma behind \"all\"", "include ro { all @, x }", PARSE_PRESET_SYNTAX},
-    {"a comma right behind \"all\"", "exclude rw { x, all@, y }", PARSE_PRESET_SYNTAX},
-    {"a word behind \"all\"", "include ro { all @x }", PARSE_PRESET_SYNTAX},
-    {"a brace behind \"all\"", "include ro { all @{ x }", PARSE_PRESET_SYNTAX},
+    {"a word after a clause", "include ro { index { a } @x }", PARSE_PRESET_SYNTAX},
+    {"a brace after a clause", "include ro { index { a } @{ b }", PARSE_PRESET_SYNTAX},
+    {"a comma after \"all\"", "include ro { all @, x }", PARSE_PRESET_SYNTAX},
+    {"a comma right after \"all\"", "exclude rw { x, all@, y }", PARSE_PRESET_SYNTAX},
+    {"a word after \"all\"", "include ro { all @x }", PARSE_PRESET_SYNTAX},
+    {"a brace after \"all\"", "include ro { all @{ x }", PARSE_PRESET_SYNTAX},
 };
 
 TEST(ListParser, StopsAtTheMistake) {

@@ -14,7 +14,7 @@ using enum PresetParseResult;
 using test::Everything;
 using test::includeList;
 
-/// What reading a file came to.
+/// The outcome of reading a file.
 struct Outcome {
     PresetParseResult result = PARSE_PRESET_INTERNAL_ERR;
     std::string output; ///< on standard output
@@ -76,19 +76,17 @@ const FileRow silentRows[] = {
     {"no line feed at the end",
      "translate {\nremoved { x } }\na preset { }",
      {PARSE_PRESET_OK, "", {{{1, {{2, {"x"}}}, {}}}, {emptyPreset(3, "a")}}}},
-    {"line ends of another system",
-     "a preset {\r\n}\r\n",
-     {PARSE_PRESET_OK, "", {{}, {emptyPreset(1, "a")}}}},
+    {"CRLF line ends", "a preset {\r\n}\r\n", {PARSE_PRESET_OK, "", {{}, {emptyPreset(1, "a")}}}},
     {"a preset left open",
      "a preset { }\nb preset {\n",
      {PARSE_PRESET_CONTINUE, "", {{}, {emptyPreset(1, "a")}}}},
-    {"a section left open, a comment behind it",
+    {"a section left open, followed by a comment",
      "translate {\n# }\n",
      {PARSE_PRESET_CONTINUE, "", {}}},
     {"a list left open", "a preset { include ro { x", {PARSE_PRESET_CONTINUE, "", {}}},
 };
 
-TEST(PresetDefFile, ReadsToTheEndWithoutAWord) {
+TEST(PresetDefFile, ReadsToTheEndSilently) {
     for (const auto& [why, content, outcome] : silentRows) {
         SCOPED_TRACE(why);
         EXPECT_EQ(readContent(content), outcome);
@@ -110,7 +108,7 @@ const FileRow reportRows[] = {
       "scene preset { exclude rw { index { a, none } } }\n"
       "                                             ^\n",
       {}}},
-    {"a range downwards",
+    {"a descending range",
      "scene preset { exclude rw { index { a {5..2} } } }\n",
      {PARSE_PRESET_INVALID_RANGE,
       "PARSE_PRESET_INVALID_RANGE Error on line 1\n"
@@ -145,7 +143,7 @@ const FileRow reportRows[] = {
       "preset preset {\n"
       "             ^\n",
       {}}},
-    {"a header over two lines: the caret is behind the line feed",
+    {"a header over two lines: the caret is after the line feed",
      "\nscene\npreset {\n}\n",
      {PARSE_PRESET_INVALID_IDENTIFIER,
       "PARSE_PRESET_INVALID_IDENTIFIER Error on line 2\n"
@@ -180,7 +178,7 @@ const FileRow reportRows[] = {
       "\t\xc3\xa4 preset {\t, }\n"
       "             ^\n",
       {}}},
-    {"line ends of another system are part of the line",
+    {"carriage returns are part of the line",
      "scene preset {\r\n  foo\r\n}\r\n",
      {PARSE_PRESET_SYNTAX,
       "PARSE_PRESET_SYNTAX Error on line 2\n"
@@ -231,7 +229,7 @@ struct LongLineRow {
 
 const LongLineRow longLineRows[] = {
     {"510 bytes and the line feed are one piece", comment(510), 2},
-    {"the line feed behind 511 bytes is a piece of its own", comment(511), 3},
+    {"the line feed after 511 bytes is a piece of its own", comment(511), 3},
     {"600 bytes are two pieces", comment(600), 3},
     {"1021 bytes and the line feed are two pieces", comment(1021), 3},
     {"1022 bytes and the line feed are three pieces", comment(1022), 4},

@@ -68,7 +68,7 @@ const FileRow fileRows[] = {
      "scene~preset { include ro { x }}",
      {{}, {{1, "scene", {includeList(1, {}, {{1, "x", {}}})}, {}}}}},
     {"a translate section", "translate { removed { x } }", {{removedSection(1, "x")}, {}}},
-    {"a translate section with a brace behind its keyword",
+    {"a translate section with a brace after its keyword",
      "translate{ removed { x } }",
      {{removedSection(1, "x")}, {}}},
     {"blocks of both kinds, each in file order",
@@ -84,7 +84,7 @@ const FileRow fileRows[] = {
     {"a preset with a name in capitals",
      "TRANSLATE~preset { }",
      {{}, {emptyPreset(1, "TRANSLATE")}}},
-    {"no comment behind other text",
+    {"no comment after other text",
      "scene~preset { include ro { ~#x, ~y#z } }",
      {{}, {{1, "scene", {includeList(1, {}, {{1, "#x", {}}, {1, "y#z", {}}})}, {}}}}},
 };
@@ -95,7 +95,7 @@ TEST(PresetDefParser, ReadsBlocksOfBothKinds) {
         const auto layouts = test::layoutsOf(text);
         EXPECT_EQ(readFile(layouts.front()).definitions, definitions);
         if (text.find('#') != std::string_view::npos)
-            continue; // where a line may not begin
+            continue; // with which no line may begin
         for (const auto& layout : layouts) {
             const auto reading = readFile(layout);
             EXPECT_EQ(reading.result, PARSE_PRESET_OK) << layout;
@@ -264,7 +264,7 @@ const RefusedRow refusedRows[] = {
      "scene~preset { } }~x@ {",
      PARSE_PRESET_INVALID_IDENTIFIER,
      {{}, {emptyPreset(0, "scene")}}},
-    {"an opening brace behind a block",
+    {"an opening brace after a block",
      "scene~preset { } @{",
      PARSE_PRESET_INVALID_IDENTIFIER,
      {{}, {emptyPreset(0, "scene")}}},
@@ -278,7 +278,7 @@ const RefusedRow refusedRows[] = {
      {}},
     {"an empty section", "translate { }@", PARSE_PRESET_EMPTY_DEFINITION, {}},
     {"a section with a stray brace", "translate { @{ }", PARSE_PRESET_MISSING_IDENTIFIER, {}},
-    {"a byte behind the end of a block",
+    {"a byte after the end of a block",
      "scene~preset { include ro { x } @}x",
      PARSE_PRESET_SYNTAX,
      {}},

@@ -75,7 +75,7 @@ constexpr RefusedRow refusedRows[] = {
     {"no keyword at the end of the line", "scene@", PARSE_PRESET_INVALID_IDENTIFIER},
     {"the keyword alone", "preset~@{ }", PARSE_PRESET_INVALID_IDENTIFIER},
     {"no name", "@{ }", PARSE_PRESET_INVALID_IDENTIFIER},
-    {"no name before the brace, a keyword behind it", "@{~preset", PARSE_PRESET_INVALID_IDENTIFIER},
+    {"no name before the brace, a keyword after it", "@{~preset", PARSE_PRESET_INVALID_IDENTIFIER},
     {"another keyword", "scene~presets@ { }", PARSE_PRESET_INVALID_IDENTIFIER},
     {"the keyword in capitals", "scene~PRESET@ { }", PARSE_PRESET_INVALID_IDENTIFIER},
     {"two names", "scene~night@~preset { }", PARSE_PRESET_INVALID_IDENTIFIER},
@@ -85,17 +85,17 @@ constexpr RefusedRow refusedRows[] = {
     {"a comma instead of the brace", "scene~preset @, {", PARSE_PRESET_SYNTAX},
 
     {"an unknown list", "scene~preset { @foo ro { x } }", PARSE_PRESET_SYNTAX},
-    {"a keyword with more behind it", "scene~preset { @includes ro { x } }", PARSE_PRESET_SYNTAX},
-    {"a keyword with a comma behind it", "scene~preset { @exclude, rw }", PARSE_PRESET_SYNTAX},
+    {"a keyword with more after it", "scene~preset { @includes ro { x } }", PARSE_PRESET_SYNTAX},
+    {"a keyword with a comma after it", "scene~preset { @exclude, rw }", PARSE_PRESET_SYNTAX},
     {"a second opening brace", "scene~preset { @{ }", PARSE_PRESET_SYNTAX},
     {"a comma", "scene~preset { @, }", PARSE_PRESET_SYNTAX},
     {"a comma between lists", "scene~preset { include ro { x } @, exclude rw { y } }",
      PARSE_PRESET_SYNTAX},
-    {"a byte behind the closing brace", "scene~preset { include ro { x } @}x", PARSE_PRESET_SYNTAX},
+    {"a byte after the closing brace", "scene~preset { include ro { x } @}x", PARSE_PRESET_SYNTAX},
     {"two closing braces of blocks", "scene~preset { include ro { x }@}} x", PARSE_PRESET_SYNTAX},
-    {"a comment that is none", "scene~preset { ~@#~x }", PARSE_PRESET_SYNTAX},
+    {"a # that begins no comment", "scene~preset { ~@#~x }", PARSE_PRESET_SYNTAX},
 
-    {"a brace right behind the keyword of a list", "scene~preset { include{@ ro { x } }",
+    {"a brace right after the keyword of a list", "scene~preset { include{@ ro { x } }",
      PARSE_PRESET_SYNTAX},
     {"an include list of read-write parameters", "scene~preset { include rw@ { x } }",
      PARSE_PRESET_INC_EXC_ACCESS_ERR},
@@ -111,7 +111,7 @@ TEST(PresetParser, StopsAtTheMistake) {
     }
 }
 
-TEST(PresetParser, WantsTheHeaderOnOneLine) {
+TEST(PresetParser, RequiresTheHeaderOnOneLine) {
     PresetParser parser;
     EXPECT_EQ(test::readWith(parser, "scene \npreset {\n}").result,
               PARSE_PRESET_INVALID_IDENTIFIER);

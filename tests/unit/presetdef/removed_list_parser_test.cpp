@@ -50,9 +50,9 @@ constexpr RefusedRow refusedRows[] = {
     {"a comma before the end", "{ a, @}", PARSE_PRESET_MISSING_IDENTIFIER},
     {"two commas", "{ a, @, b }", PARSE_PRESET_MISSING_IDENTIFIER},
 
-    {"a name behind a name", "{ a @b }", PARSE_PRESET_SYNTAX},
-    {"a brace behind a name", "{ a @{ b }", PARSE_PRESET_SYNTAX},
-    {"a sign behind a name", "{ a @= b }", PARSE_PRESET_SYNTAX},
+    {"a name after a name", "{ a @b }", PARSE_PRESET_SYNTAX},
+    {"a brace after a name", "{ a @{ b }", PARSE_PRESET_SYNTAX},
+    {"a sign after a name", "{ a @= b }", PARSE_PRESET_SYNTAX},
 };
 
 TEST(RemovedListParser, StopsAtTheMistake) {

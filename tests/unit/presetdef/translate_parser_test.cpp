@@ -36,7 +36,7 @@ const SectionRow sectionRows[] = {
     {"a name that begins like the keyword",
      "{ removed1 { from { x } } }@",
      {1, {}, {renamed(1, "removed1", "x")}}},
-    {"a closing brace with more behind it is a name",
+    {"a closing brace with more after it is a name",
      "{ }x { from { y } } }@",
      {1, {}, {renamed(1, "}x", "y")}}},
 };
@@ -69,9 +69,8 @@ constexpr RefusedRow refusedRows[] = {
     {"nothing in the braces", "{ }@ x", PARSE_PRESET_EMPTY_DEFINITION},
     {"nothing in the braces and no blanks", "{}@{", PARSE_PRESET_EMPTY_DEFINITION},
     {"a second opening brace", "{ @{ }", PARSE_PRESET_MISSING_IDENTIFIER},
-    {"a stray brace behind a list", "{ removed { old } @{", PARSE_PRESET_MISSING_IDENTIFIER},
-    {"a stray brace behind a mapping", "{ level { from { x } } @{",
-     PARSE_PRESET_MISSING_IDENTIFIER},
+    {"a stray brace after a list", "{ removed { old } @{", PARSE_PRESET_MISSING_IDENTIFIER},
+    {"a stray brace after a mapping", "{ level { from { x } } @{", PARSE_PRESET_MISSING_IDENTIFIER},
     {"a comma is read as a name", "{ removed { old } , @}", PARSE_PRESET_SYNTAX},
     {"two closing braces are read as a name", "{ removed { old } }} @x", PARSE_PRESET_SYNTAX},
 

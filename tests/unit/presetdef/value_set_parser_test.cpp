@@ -29,7 +29,7 @@ const SetRow setRows[] = {
     {"no blanks, and more on the line", "{1}@}", numberSet({1})},
     {"numbers in file order with duplicates", "{ 3 , 1 , 3 }@", numberSet({3, 1, 3})},
     {"zero", "{0}@", numberSet({0})},
-    {"a leading zero means nothing", "{010}@", numberSet({10})},
+    {"a leading zero is ignored", "{010}@", numberSet({10})},
     {"the greatest number", "{4294967295}@", numberSet({highestUnsigned})},
     {"a number beyond 32 bits", "{4294967296}@", numberSet({highestUnsigned})},
     {"a number beyond 64 bits", "{99999999999999999999999}@", numberSet({highestUnsigned})},
@@ -56,7 +56,7 @@ const SetRow setRows[] = {
     {"a name that is an opening brace", "{ { }@", nameSet({"{"})},
     {"quotes are bytes of the name", R"({"a"}@)", nameSet({R"("a")"})},
     {"bytes above 127", "{\xc3\xa4\xff}@", nameSet({"\xc3\xa4\xff"})},
-    {"keywords of other places", "{ not , none , all }@", nameSet({"not", "none", "all"})},
+    {"keywords of other constructs", "{ not , none , all }@", nameSet({"not", "none", "all"})},
 
     {"the kind is that of the last element: range", "{3, 1..2}@", {Kind::range, {}, {3}, {{1, 2}}}},
     {"the kind is that of the last element: number",
@@ -94,13 +94,13 @@ constexpr RefusedRow refusedRows[] = {
     {"a comma before the end", "{ 1, @}", PARSE_PRESET_MISSING_IDENTIFIER},
     {"two commas", "{ a, @, b}", PARSE_PRESET_MISSING_IDENTIFIER},
 
-    {"a number behind a number", "{1 @2}", PARSE_PRESET_SYNTAX},
-    {"a name behind a number", "{1 @a}", PARSE_PRESET_SYNTAX},
-    {"letters that belong to a number", "{0@x10}", PARSE_PRESET_SYNTAX},
+    {"a number after a number", "{1 @2}", PARSE_PRESET_SYNTAX},
+    {"a name after a number", "{1 @a}", PARSE_PRESET_SYNTAX},
+    {"letters right after a number", "{0@x10}", PARSE_PRESET_SYNTAX},
     {"a single dot", "{1@.5}", PARSE_PRESET_SYNTAX},
-    {"two dots apart", "{1 @. .5}", PARSE_PRESET_SYNTAX},
-    {"an opening brace behind a number", "{1 @{2}", PARSE_PRESET_SYNTAX},
-    {"an equals sign behind a number", "{1 @= 2}", PARSE_PRESET_SYNTAX},
+    {"two dots with a blank between them", "{1 @. .5}", PARSE_PRESET_SYNTAX},
+    {"an opening brace after a number", "{1 @{2}", PARSE_PRESET_SYNTAX},
+    {"an equals sign after a number", "{1 @= 2}", PARSE_PRESET_SYNTAX},
 
     {"a name as the high end", "{1..@a}", PARSE_PRESET_SYNTAX},
     {"no high end", "{1.. @}", PARSE_PRESET_SYNTAX},
@@ -109,21 +109,22 @@ constexpr RefusedRow refusedRows[] = {
     {"a third dot", "{1..@.5}", PARSE_PRESET_SYNTAX},
     {"a sign at the high end", "{1..@-5}", PARSE_PRESET_SYNTAX},
 
-    {"a range downwards", "{5..2@}", PARSE_PRESET_INVALID_RANGE},
-    {"a range downwards with blanks", "{ 1..2, 5 .. 2@ }", PARSE_PRESET_INVALID_RANGE},
+    {"a descending range", "{5..2@}", PARSE_PRESET_INVALID_RANGE},
+    {"a descending range with blanks", "{ 1..2, 5 .. 2@ }", PARSE_PRESET_INVALID_RANGE},
     {"a high end that is negative as a signed number", "{0..4294967295@}",
      PARSE_PRESET_INVALID_RANGE},
     {"a high end that is the lowest number", "{2147483647..2147483648@}",
      PARSE_PRESET_INVALID_RANGE},
     {"a high end beyond 32 bits", "{5..99999999999@}", PARSE_PRESET_INVALID_RANGE},
-    {"two negative ends downwards", "{4294967295..4294967294@}", PARSE_PRESET_INVALID_RANGE},
+    {"a descending range of two negative ends", "{4294967295..4294967294@}",
+     PARSE_PRESET_INVALID_RANGE},
 
-    {"a range behind a range", "{1..2@..3}", PARSE_PRESET_SYNTAX},
-    {"a number behind a range", "{1..2 @3}", PARSE_PRESET_SYNTAX},
-    {"a brace behind a range", "{1..2 @{", PARSE_PRESET_SYNTAX},
-    {"a name behind a name", "{a @b}", PARSE_PRESET_SYNTAX},
-    {"a brace behind a name", "{a @{}", PARSE_PRESET_SYNTAX},
-    {"dots behind a name", "{a @..5}", PARSE_PRESET_SYNTAX},
+    {"a range after a range", "{1..2@..3}", PARSE_PRESET_SYNTAX},
+    {"a number after a range", "{1..2 @3}", PARSE_PRESET_SYNTAX},
+    {"a brace after a range", "{1..2 @{", PARSE_PRESET_SYNTAX},
+    {"a name after a name", "{a @b}", PARSE_PRESET_SYNTAX},
+    {"a brace after a name", "{a @{}", PARSE_PRESET_SYNTAX},
+    {"dots after a name", "{a @..5}", PARSE_PRESET_SYNTAX},
 };
 
 TEST(ValueSetParser, StopsAtTheMistake) {
@@ -135,12 +136,12 @@ TEST(ValueSetParser, StopsAtTheMistake) {
 
 constexpr RefusedRow unfinishedRows[] = {
     {"before the brace", " @", PARSE_PRESET_CONTINUE},
-    {"behind the brace", "{ @", PARSE_PRESET_CONTINUE},
-    {"behind a number", "{ 1@", PARSE_PRESET_CONTINUE},
-    {"behind the dots", "{ 1..@", PARSE_PRESET_CONTINUE},
-    {"behind a range", "{ 1..2@", PARSE_PRESET_CONTINUE},
-    {"behind a name", "{ a@", PARSE_PRESET_CONTINUE},
-    {"behind a comma", "{ a, @", PARSE_PRESET_CONTINUE},
+    {"after the brace", "{ @", PARSE_PRESET_CONTINUE},
+    {"after a number", "{ 1@", PARSE_PRESET_CONTINUE},
+    {"after the dots", "{ 1..@", PARSE_PRESET_CONTINUE},
+    {"after a range", "{ 1..2@", PARSE_PRESET_CONTINUE},
+    {"after a name", "{ a@", PARSE_PRESET_CONTINUE},
+    {"after a comma", "{ a, @", PARSE_PRESET_CONTINUE},
 };
 
 TEST(ValueSetParser, WaitsForTheRestOfTheSet) {

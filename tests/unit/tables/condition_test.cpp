@@ -56,7 +56,7 @@ const ConditionRow conditionRows[] = {
     {"the name of a write-only parameter", "(reset < 0)", {}, true},
     {"the name of the parameter itself", "(self != self)", {}, true},
     {"the name of a parameter beats an argument of that name", "(gain)", {{"gain", "0"}}, true},
-    {"the name of a parameter behind a false comparison",
+    {"the name of a parameter after a false comparison",
      "(mode == 2 && status)",
      {{"mode", "3"}},
      true},

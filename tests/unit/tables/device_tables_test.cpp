@@ -21,7 +21,7 @@ struct IndexRow {
 const IndexRow indexRows[] = {
     {"nothing defined", "", {}, {}},
     {"a span", "a index { rangeValid { 0..3 } }", {}, {{"a", {"0", "1", "2", "3"}}}},
-    {"a span downwards", "a index { rangeValid { 3..0 } }", {}, {{"a", {}}}},
+    {"a descending span", "a index { rangeValid { 3..0 } }", {}, {{"a", {}}}},
     {"a single number", "a index { rangeValid { 5 } }", {}, {{"a", {"5"}}}},
     {"a text", "a index { rangeValid { \"auto\" } }", {}, {{"a", {"auto"}}}},
     {"no values at all", "a index { }", {}, {{"a", {}}}},
@@ -182,7 +182,7 @@ struct SpanRow {
 const SpanRow spanRows[] = {
     {"both ends belong to it", 0, 3, {"0", "1", "2", "3"}},
     {"one number", 5, 5, {"5"}},
-    {"downwards", 3, 0, {}},
+    {"descending", 3, 0, {}},
     {"around zero", -2, 1, {"-2", "-1", "0", "1"}},
     {"the greatest number", highest - 1, highest, {"2147483646", "2147483647"}},
     {"the lowest number", lowest, lowest + 1, {"-2147483648", "-2147483647"}},

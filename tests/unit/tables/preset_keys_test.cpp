@@ -86,10 +86,10 @@ const KeyRow includeRows[] = {
     {"the end of the numbers", "include ro { s { index { a {2147483646..2147483647} } } }",
      "s[2147483646] s[2147483647]"},
     {"names", "include ro { s { index { a {one, two} } } }", "s[one] s[two]"},
-    {"a range behind a number counts alone", "include ro { s { index { a {1, 2..3} } } }",
+    {"a range after a number counts alone", "include ro { s { index { a {1, 2..3} } } }",
      "s[2] s[3]"},
-    {"a number behind a range counts alone", "include ro { s { index { a {2..3, 1} } } }", "s[1]"},
-    {"a name behind a number counts alone", "include ro { s { index { a {1, x} } } }", "s[x]"},
+    {"a number after a range counts alone", "include ro { s { index { a {2..3, 1} } } }", "s[1]"},
+    {"a name after a number counts alone", "include ro { s { index { a {1, x} } } }", "s[x]"},
 
     {"not a number", "include ro { s { index { not a {1} } } }", "s[0] s[2]"},
     {"not a range", "include ro { s { index { not a {1..9} } } }", "s[0]"},
@@ -169,7 +169,7 @@ const KeyRow excludeRows[] = {
     {"a parameter that this device does not have", "exclude rw { absent }", everything},
 
     {"all", "exclude rw { all }", ""},
-    {"all behind others", "exclude rw { v, index { a }, all }", ""},
+    {"all after others", "exclude rw { v, index { a }, all }", ""},
     {"all in a later list", "exclude rw { v } exclude rw { all } exclude rw { s }", ""},
 
     {"a number", "exclude rw { s { index { a {1} } } }", withS("s[0] s[2]")},
@@ -177,7 +177,7 @@ const KeyRow excludeRows[] = {
     {"a name", "exclude rw { u { index { b {x} } } }", allOfS + " " + allOfT + " u[y] v"},
     {"what the index does not have", "exclude rw { s { index { a {99} } } }", everything},
     {"every value", "exclude rw { s { index { a {2, 1, 0} } } }", withoutS},
-    {"a range behind a number counts alone", "exclude rw { s { index { a {0, 1..2} } } }",
+    {"a range after a number counts alone", "exclude rw { s { index { a {0, 1..2} } } }",
      withS("s[0]")},
     {"all but a number", "exclude rw { s { index { not a {1} } } }", withS("s[1]")},
     {"all but a range", "exclude rw { s { index { not a {1..9} } } }", withS("s[1] s[2]")},
@@ -253,7 +253,7 @@ TEST(PresetKeys, HoldBothSides) {
     expectKeys(mixedParameters, mixedRows);
 }
 
-// Values that look like numbers of another writing.
+// Values that look like numbers written in another way.
 constexpr std::string_view textParameters =
     "c index { rangeValid { 7, \"07\", \"auto\", -1, \"\" } }\n"
     "p rw { index { c } }\n";

@@ -12,7 +12,7 @@ namespace {
 const ParameterMap readWrite{{"gain", {"channel", "band"}}, {"mode", {}}, {"level", {"channel"}}};
 const ParameterMap readOnly{{"state", {"band"}}, {"twins", {"band", "band"}}};
 
-/// What the translate sections of a preset definition file came to.
+/// The result of the translate sections of a preset definition file.
 struct Tables {
     TranslationTables tables;
     std::string errors;

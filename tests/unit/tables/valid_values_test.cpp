@@ -48,7 +48,7 @@ const RangeRow rangeRows[] = {
      "rangeDoc { 1 } default { 2 } valueChange { 3 -> 4 } ctrlRO (0)",
      {},
      {}},
-    {"the number's base is its prefix",
+    {"a number's prefix decides its base",
      "rangeValid { 0x10..021, -0x1 }",
      {},
      {NumberSpan{16, 17}, NumberSpan{-1, -1}}},
@@ -67,7 +67,7 @@ const RangeRow rangeRows[] = {
      {NumberSpan{2, 4}}},
     {"a single value that is computed", "rangeValid { (low) }", {{"low", "7"}}, {NumberSpan{7, 7}}},
     {"a text that is computed", "rangeValid { (name) }", {{"name", "x"}}, {"x"}},
-    {"a text put together", "rangeValid { (name + 1) }", {{"name", "x"}}, {"x1"}},
+    {"a concatenated text", "rangeValid { (name + 1) }", {{"name", "x"}}, {"x1"}},
     {"an empty argument is the number 0",
      "rangeValid { (name) }",
      {{"name", ""}},
@@ -146,8 +146,8 @@ const ItemRow itemRows[] = {
     {"octal", NumberSpan{-2, 20}, "024", true},
     {"octal above", NumberSpan{-2, 20}, "025", false},
     {"more than a number", NumberSpan{-2, 20}, "1x", false},
-    {"nothing, which is no 0", NumberSpan{-2, 20}, "", false},
-    {"a span downwards", NumberSpan{3, 0}, "2", false},
+    {"nothing, which is not 0", NumberSpan{-2, 20}, "", false},
+    {"a descending span", NumberSpan{3, 0}, "2", false},
 };
 
 TEST(ValidValues, StandForTheValuesOfPresetDataFiles) {

@@ -17,7 +17,7 @@ constexpr Row rows[] = {
     {"a line with its line feed", "a b\n", 2, "heading\na b\n  ^\n"},
     {"a line without one", "a b", 2, "heading\na b\n  ^\n"},
     {"the first column", "a\n", 0, "heading\na\n^\n"},
-    {"a column behind the line", "a\n", 4, "heading\na\n    ^\n"},
+    {"a column beyond the line", "a\n", 4, "heading\na\n    ^\n"},
     {"an empty line", "", 0, "heading\n\n^\n"},
 };
 

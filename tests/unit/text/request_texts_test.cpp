@@ -18,7 +18,7 @@ TEST(ArraySize, CountsTheBytesThatStringsTakeOnTheBus) {
     const SizeRow rows[] = {
         {"nothing", {}, 0},
         {"length, text and end", {5}, 4 + 5 + 1},
-        {"no padding behind the last", {0}, 4 + 1},
+        {"no padding after the last", {0}, 4 + 1},
         {"padding between two", {2, 2}, 4 + 3 + 1 + 4 + 3},
         {"no padding where none is needed", {3, 3}, 4 + 4 + 4 + 4},
     };

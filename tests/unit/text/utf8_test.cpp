@@ -26,7 +26,7 @@ const Row rows[] = {
     {"the last character", "\xf4\x8f\xbf\xbf", true, "\xf4\x8f\xbf\xbf"},
     {"control characters", "a\tb\x1b\x7f", true, "a\\x09b\\x1b\\x7f"},
     {"another encoding", "gr\xfc\xdf", false, "gr\\xfc\\xdf"},
-    {"a continuation alone",
+    {"a continuation byte alone",
      "\x80"
      "a",
      false, "\\x80a"},
@@ -44,8 +44,8 @@ const Row rows[] = {
     {"the last surrogate", "\xed\xbf\xbf", false, "\\xed\\xbf\\xbf"},
     {"beyond the last character", "\xf4\x90\x80\x80", false, "\\xf4\\x90\\x80\\x80"},
     {"a bad byte as the last of eight", "gain[1]\xff", false, "gain[1]\\xff"},
-    {"a bad byte behind eight good ones", "gain[100]\xff", false, "gain[100]\\xff"},
-    {"a bad byte in front of many good ones", "\xffmixer00Level", false, "\\xffmixer00Level"},
+    {"a bad byte after eight good ones", "gain[100]\xff", false, "gain[100]\\xff"},
+    {"a bad byte before many good ones", "\xffmixer00Level", false, "\\xffmixer00Level"},
     {"long text", "mixer00Level \xc3\xa4 mixer00Level", true, "mixer00Level \xc3\xa4 mixer00Level"},
     {"bytes that never occur", "\xf8\xff", false, "\\xf8\\xff"},
 };
