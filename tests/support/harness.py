@@ -345,6 +345,10 @@ class Daemon:
         """Waits for the end of the process that was started and returns its exit status."""
         return self.process.wait(DEADLINE_SECONDS)
 
+    def open_files(self):
+        """How many files it has open."""
+        return len(os.listdir(f"/proc/{self.process.pid}/fd"))
+
     def process_ids(self):
         """The living processes of this daemon, including one that detached."""
         mark = f"MORVANE_TEST_LOG={self.log_file}".encode()
