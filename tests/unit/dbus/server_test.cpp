@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -104,6 +105,38 @@ TEST_F(Server, AnswersAFailedRequestWithItsError) {
               "dbus_norvix_preset: Store sub-preset failed");
     EXPECT_EQ(test::takeLog(), std::vector<test::LogRecord>{})
         << "without a connection nothing is logged";
+}
+
+TEST_F(Server, UnlocksTheMutexWhateverItAnswers) {
+    service.mutex = newMutex();
+    const auto isFree = [] {
+        const bool locked = g_mutex_trylock(service.mutex) != FALSE;
+        if (locked)
+            g_mutex_unlock(service.mutex);
+        return locked;
+    };
+    const auto answers = [&](const char* why, auto... calls) {
+        for (const auto& answer : {calls...}) {
+            EXPECT_NE(answer(), "") << why;
+            ASSERT_TRUE(isFree()) << why;
+        }
+    };
+    using Answer = std::function<std::string()>;
+    answers("missing arguments", Answer([&] { return call(value_object_load, none, file); }),
+            Answer([&] { return call(value_object_load_with_default, none, file); }),
+            Answer([&] { return call(value_object_load_default, none); }),
+            Answer([&] { return call(value_object_store, none, file); }),
+            Answer([&] { return call(value_object_store_subpreset, noList, preset, file); }),
+            Answer([&] { return call(value_object_in_preset, none, list); }),
+            Answer([&] { return call(value_object_is_preset, none); }));
+    answers("failures", Answer([&] { return call(value_object_load, preset, file); }),
+            Answer([&] { return call(value_object_load_with_default, preset, file); }),
+            Answer([&] { return call(value_object_load_default, preset); }),
+            Answer([&] { return call(value_object_store, preset, file); }),
+            Answer([&] { return call(value_object_store_subpreset, list, preset, file); }));
+    answers("answers", Answer([&] { return call(value_object_in_preset, preset, list); }),
+            Answer([&] { return call(value_object_is_preset, file); }));
+    freeMutex(service.mutex);
 }
 
 TEST_F(Server, FindsAnyOfTheKeysInThePreset) {

@@ -194,6 +194,19 @@ TEST_F(LoadPreset, SucceedsWithAFileOfRemovedParametersAndChangesNothing) {
     EXPECT_EQ(handler_.calls, Calls{});
 }
 
+// A parameter of this device that the preset does not cover is not out of date.
+TEST_F(LoadPreset, CommitsWhenOneEntryIsOfAParameterOfThisDevice) {
+    for (const char* const content : {"other=1\n", "other=1\ntone=1\n", "tone=1\nother=1\n",
+                                      "mode=1\nnothing=2\n", "other=1\nnothing=2\ntone=1\n"}) {
+        SCOPED_TRACE(content);
+        handler_.calls.clear();
+        EXPECT_TRUE(loadFile(content));
+        EXPECT_EQ(test::takeLog(), Log{loaded()});
+        ASSERT_FALSE(handler_.calls.empty());
+        EXPECT_EQ(handler_.calls.back(), "parm_commit 7");
+    }
+}
+
 TEST_F(LoadPreset, RefusesAnUnknownPresetBeforeAnyCall) {
     for (const char* const preset : {"unknown", "nothing", ""}) {
         const test::LogRecord unknown{LOG_ERR,

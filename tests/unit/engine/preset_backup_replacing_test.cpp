@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 
 namespace morvane {
 namespace {
@@ -303,6 +304,23 @@ TEST_F(PresetBackup, RestoresABackupOfAnyDate) {
     EXPECT_EQ(load(), "new");
 }
 
+TEST_F(PresetBackup, ReadsAFileThroughALink) {
+    folder_.write("target", "file");
+    ASSERT_EQ(symlink("target", path_.c_str()), 0);
+    EXPECT_EQ(load(), "file");
+    EXPECT_TRUE(S_ISLNK(statusOf(path_).st_mode));
+}
+
+TEST_F(PresetBackup, RestoresABackupThatIsALinkToAFile) {
+    folder_.write("p", "half");
+    folder_.write("target", "backup");
+    ASSERT_EQ(symlink("target", folder_.path("p_bak").c_str()), 0);
+    EXPECT_EQ(load(), "backup");
+    EXPECT_TRUE(S_ISLNK(statusOf(path_).st_mode));
+    EXPECT_FALSE(folder_.exists("p_bak"));
+    EXPECT_EQ(test::takeLog(), Log{found()});
+}
+
 // Something else takes the place of the file between the check of its type and its opening.
 TEST_F(PresetBackup, ReadsAndWaitsForNothingThatTookThePlaceOfAFile) {
     for (const auto* const kind : {"FIFO", "folder"}) {
@@ -318,6 +336,32 @@ TEST_F(PresetBackup, ReadsAndWaitsForNothingThatTookThePlaceOfAFile) {
         EXPECT_EQ(test::takeLog(), Log{});
         std::remove(path_.c_str());
     }
+}
+
+// A daemon has no controlling terminal. A line that became one would end it by hanging up.
+TEST_F(PresetBackup, TakesNoControllingTerminal) {
+    const int master = posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_GE(master, 0) << "needs /dev/ptmx";
+    ASSERT_EQ(grantpt(master), 0);
+    ASSERT_EQ(unlockpt(master), 0);
+    folder_.write("p", "old");
+    const auto loadTerminal = [&] {
+        test::FileRecorder files;
+        files.before("look p", [&] {
+            std::remove(path_.c_str());
+            EXPECT_EQ(symlink(ptsname(master), path_.c_str()), 0);
+        });
+        return load();
+    };
+    EXPECT_EXIT(
+        {
+            setsid(); // as a process that detaches does
+            const bool refused = loadTerminal() == "(none)";
+            const int terminal = open("/dev/tty", O_RDWR);
+            std::_Exit(refused && terminal < 0 && errno == ENXIO ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+    close(master);
 }
 
 // Opening a device may have effects: rewind a tape, start a watchdog, hang up a line.

@@ -50,6 +50,18 @@ TEST_F(PresetBackup, StoresAFileWithoutAFolderInItsPath) {
     EXPECT_EQ(files.calls().at(1), "fsync " + folderName_);
 }
 
+// Everything that would change the root folder fails.
+TEST_F(PresetBackup, SyncsTheRootFolderForAFileInIt) {
+    test::FileRecorder files;
+    files.fail("rename morvane-test morvane-test_bak", ENOENT);
+    files.fail("fsync ", EINVAL); // its name is empty
+    files.fail("open morvane-test", EROFS);
+    std::FILE* stream = nullptr;
+    EXPECT_TRUE(openPresetForWrite("/morvane-test", stream));
+    EXPECT_EQ(files.calls(), (std::vector<std::string>{"rename morvane-test morvane-test_bak",
+                                                       "fsync ", "open morvane-test"}));
+}
+
 TEST_F(PresetBackup, ReplacesAStaleBackup) {
     folder_.write("p", "current");
     folder_.write("p_bak", "stale");

@@ -19,7 +19,9 @@ constexpr std::string_view parameters = "channel index { rangeValid { 0..3 } }\n
                                         "state ro { index { channel } }\n"
                                         "serial rostrict { }\n"
                                         "trigger wo { }\n"
-                                        "absent rw { ctrlValid (0) }\n";
+                                        "absent rw { ctrlValid (0) }\n"
+                                        "fast rw { }\n"
+                                        "slow rw { }\n";
 
 constexpr std::string_view presets =
     "scene preset { }\n"
@@ -27,6 +29,7 @@ constexpr std::string_view presets =
     "  removed { tone, dimmer }\n"
     "  mode { from { way { on = 1, \"half on\" = 2 } } }\n"
     "  absent { from { away } }\n"
+    "  fast { from { slow { 1 = 2, 2 = 3 } } } slow { from { fast } }\n"
     "  level { from { height { 1 = 10 } } from { mode2 }\n"
     "    index 2 { channel = idx::1 } index 3 { channel = pre-idx::2 }\n"
     "    index 4 { channel = idx::4 } index 5 { channel = xidx::0 }\n"
@@ -84,6 +87,8 @@ const Row rows[] = {
     {"a value in capitals", "way=On", "mode=On", noErrors},
     {"a value with a trailing blank", "way=on ", "mode=on ", noErrors},
     {"the current name has no value map", "mode=on", "mode=on", noErrors},
+    {"two parameters have exchanged their names", "slow=1", "fast=2", noErrors},
+    {"and the other way round", "fast=1", "slow=1", noErrors},
     {"a removed name that has a new one is renamed first", "dimmer[1]=5", "state[1]=5", noErrors},
     {"a new name, a new value and a new index", "height[1][2]=1", "level[2]=10", noErrors},
 

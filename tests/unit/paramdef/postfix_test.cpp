@@ -71,6 +71,8 @@ constexpr FailureRow failureRows[] = {
     {"an operator without a right operand", "1 +", 2},
     {"an operator without operands, found at the next one", "* + 1", 2},
     {"too few operands, found at the end", "1 + * 2", 4},
+    {"one operand, found at the next operator", "1 * + 2", 3},
+    {"operands that come too late for an operator", "1 * + 2 3", 3},
     {"nothing in parentheses", "1 + ( )", 4},
     {"nothing but parentheses", "( )", 2},
     {"two operands in parentheses", "(a b)", 4},

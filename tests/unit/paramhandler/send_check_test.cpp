@@ -118,6 +118,11 @@ TEST_F(IsSendable, KeepsToTheLimitOfAMessage) {
     EXPECT_EQ(refusal({.origin = "/p", .set = values}),
               "ERROR: parm_set_() - set failed (/p: 134221824 bytes are more than a message "
               "holds)\n");
+    const std::string overByOne(mebibyte - 5 - 4095, 'x');
+    values.back().second = overByOne;
+    EXPECT_EQ(refusal({.origin = "/p", .set = values}),
+              "ERROR: parm_set_() - set failed (/p: 134217729 bytes are more than a message "
+              "holds)\n");
     const std::string shorter(mebibyte - 5 - 4096, 'x');
     values.back().second = shorter;
     EXPECT_EQ(refusal({.origin = "/p", .set = values}), "");

@@ -53,6 +53,13 @@ TEST(IndexClauseParser, ReadsSelectors) {
     }
 }
 
+// "none" leaves no selector, whose "not" could stay for the next clause.
+TEST(IndexClauseParser, ForgetsANotThatHasNoSelector) {
+    IndexClauseParser parser;
+    EXPECT_EQ(test::readWith(parser, "{ not none }").record, noneClause(1));
+    EXPECT_EQ(test::readWith(parser, "{ a }").record, clause(1, {plain("a")}));
+}
+
 TEST(IndexClauseParser, KeepsTheLineOfTheOpeningBrace) {
     IndexClauseParser parser;
     EXPECT_EQ(test::readWith(parser, "\n\n{\na\n{\n1\n}\n}").record,

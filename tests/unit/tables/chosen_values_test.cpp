@@ -52,6 +52,10 @@ const ChosenRow chosenRows[] = {
      plain("a", rangeSet({{3, 5}, {1, 4}, {2, 2}})),
      numbers,
      {"1", "2", "3", "4", "5"}},
+    {"a range within a wide one, and one that only that overlaps",
+     plain("a", rangeSet({{1, 9}, {2, 3}, {8, 10}})),
+     numbers,
+     {"1", "2", "3", "4", "5", "6", "7", "8", "9", "10"}},
     {"ranges that touch", plain("a", rangeSet({{3, 4}, {1, 2}})), numbers, {"1", "2", "3", "4"}},
 
     {"names", plain("a", nameSet({"y", "x", "1"})), numbers, {"1", "x", "y"}},
@@ -137,7 +141,7 @@ TEST(ChosenValues, AreTheValuesThatASelectorStandsFor) {
 }
 
 TEST(ChosenValues, ContainTheTextsOfARangeAsTheyArePrinted) {
-    const ChosenValues chosen(plain("a", rangeSet({{20, 30}, {0, 9}, {-5, -3}})), nullptr);
+    const ChosenValues chosen(plain("a", rangeSet({{20, 30}, {0, 9}, {2, 3}, {-5, -3}})), nullptr);
     for (const auto* const value : {"0", "7", "9", "20", "25", "30", "-3", "-4", "-5"})
         EXPECT_TRUE(chosen.contains(value)) << value;
     for (const auto* const value :
