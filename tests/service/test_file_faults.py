@@ -36,17 +36,18 @@ def values_after_a_load(world, client, path):
 
 def store_with_fault(world, client, path, fault):
     """Stores the new values over a file of the old ones. Returns the answer, None if the daemon
-    ended before it, and the daemon."""
+    ended before it, the daemon, and how many files it had open."""
     path.write_text(text_of(OLD))
     set_values(client, NEW)
     daemon = world.daemon(name="storer", fault=(fault, str(path)))
+    files = daemon.open_files()
     try:
         answer = client.preset("store", "scene", str(path))
     except GLib.Error:
         answer = None
     if isinstance(answer, RemoteError) and "NoReply" in answer.name:
         answer = None
-    return answer, daemon
+    return answer, daemon, files
 
 
 def test_a_power_cut_leaves_the_old_or_the_new_preset(world):
@@ -56,7 +57,7 @@ def test_a_power_cut_leaves_the_old_or_the_new_preset(world):
     path = world.folder / "evening"
     outcomes = []
     while True:
-        answer, daemon = store_with_fault(world, client, path, f"any {len(outcomes) + 1} kill")
+        answer, daemon, _ = store_with_fault(world, client, path, f"any {len(outcomes) + 1} kill")
         if answer is True:
             client.preset("die")
             daemon.wait()
@@ -88,8 +89,10 @@ def test_every_failure_of_an_operation_leaves_a_complete_preset(world, function,
     path = world.folder / "evening"
     calls = 8  # more than a store makes of any one function
     for number in range(1, calls + 1):
-        answer, daemon = store_with_fault(world, client, path, f"{function} {number} {error}")
+        fault = f"{function} {number} {error}"
+        answer, daemon, files = store_with_fault(world, client, path, fault)
         assert client.preset("is_preset", "scene") is True, "the daemon goes on"
+        assert daemon.open_files() == files
         assert client.preset("die") == ()
         assert daemon.wait() == 1
         loaded = values_after_a_load(world, client, path)
@@ -99,4 +102,32 @@ def test_every_failure_of_an_operation_leaves_a_complete_preset(world, function,
             assert isinstance(answer, RemoteError)
             assert loaded in (OLD, NEW)
         assert not (world.folder / "evening_bak").exists()
+    assert answer is True, "the last one is beyond all calls"
+
+
+@pytest.mark.parametrize("function, error", [
+    ("open", errno.EMFILE), ("open", errno.EACCES), ("open", errno.EIO), ("stat", errno.EIO),
+    ("stat", errno.EACCES), ("remove", errno.EIO), ("rename", errno.EIO), ("rename", errno.EACCES),
+    ("fclose", errno.EIO),
+])
+def test_every_failure_of_a_load_keeps_the_preset(world, function, error):
+    """With the backup of an interrupted store: the N-th call fails, for every N that a load has."""
+    world.simulator()
+    client = world.client()
+    path, backup = world.folder / "evening", world.folder / "evening_bak"
+    calls = 4  # more than a load makes of any one function
+    for number in range(1, calls + 1):
+        path.write_text("half-writ")
+        backup.write_text(text_of(OLD))
+        set_values(client, OTHER)
+        daemon = world.daemon(name="loader", fault=(f"{function} {number} {error}", str(path)))
+        files = daemon.open_files()
+        answer = client.preset("load", "scene", str(path))
+        assert client.preset("is_preset", "scene") is True, "the daemon goes on"
+        assert daemon.open_files() == files
+        assert client.preset("die") == ()
+        assert daemon.wait() == 1
+        values = client.handler("single_get_bulk", "(uas)", 0, KEYS)
+        assert dict(zip(KEYS, values)) == (OLD if answer is True else OTHER)
+        assert values_after_a_load(world, client, path) == OLD
     assert answer is True, "the last one is beyond all calls"

@@ -2,6 +2,7 @@
 
 import errno
 import os
+from pathlib import Path
 
 import pytest
 from harness import ERROR, INFO, RemoteError, wait_until
@@ -186,6 +187,30 @@ def test_what_cannot_be_read_is_refused_at_once(served, make):
 def test_a_device_is_no_preset_file(served):
     assert served.user.preset("load", "scene", "/dev/zero") == FAILED
     assert served.morvane.records_after_start() == [(ERROR, "Error opening file: /dev/zero\n")]
+
+
+def test_a_terminal_is_not_read_and_not_taken_over(world):
+    """A process that has detached could get it as its controlling terminal, and be ended when the
+    line hangs up."""
+    world.simulator()
+    daemon = world.launch(options=[]).wait_ready()
+    client = world.client()
+    wait_until(lambda: client.owns("org.norvix.preset"), "the service")
+    wait_until(lambda: len(daemon.process_ids()) == 1, "the end of the process that was started")
+    master, terminal = os.openpty()
+    assert client.preset("load", "scene", os.ttyname(terminal)) == FAILED
+    stat = Path(f"/proc/{daemon.process_ids()[0]}/stat").read_text().rpartition(") ")[2].split()
+    controlling_terminal = stat[4]
+    assert controlling_terminal == "0"
+    os.close(terminal)
+    os.close(master)
+
+
+def test_loads_what_a_link_leads_to(served):
+    served.file.symlink_to(served.write("target", "mode=off\n"))
+    assert served.user.preset("load", "scene", str(served.file)) is True
+    assert ("set", 1, "mode", "off") in served.handler.calls()
+    assert served.file.is_symlink()
 
 
 @pytest.mark.parametrize("method, failed", [

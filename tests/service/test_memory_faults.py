@@ -46,11 +46,13 @@ def test_memory_that_runs_out_in_a_store_leaves_a_complete_preset(world):
     path = world.folder / "evening"
     outcomes = set()
     for number in range(1, 17):
-        answer, daemon = store_with_fault(world, client, path, f"malloc {number} {errno.ENOMEM}")
+        fault = f"malloc {number} {errno.ENOMEM}"
+        answer, daemon, files = store_with_fault(world, client, path, fault)
         if answer is None:
             assert daemon.wait() in (-signal.SIGABRT, -signal.SIGTRAP)
         else:
             assert client.preset("is_preset", "scene") is True, "the daemon goes on"
+            assert daemon.open_files() == files
             assert client.preset("die") == ()
             assert daemon.wait() == 1
         loaded = values_after_a_load(world, client, path)

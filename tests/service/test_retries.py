@@ -7,6 +7,7 @@ from harness import ERROR, INFO, Pause, RawClient, RemoteError, wait_until
 from jeepney import new_method_return
 from test_methods import ERROR_NAME
 
+LIST_LIMIT = 64 * 2**20  # bytes
 FAILED = RemoteError(ERROR_NAME, "dbus_norvix_preset: Store preset failed")
 LOST = (ERROR, "CRITICAL ERROR: Parameter Handler communication lost\n")
 REFUSAL = "dbus_norvix_transaction: busy"
@@ -229,20 +230,25 @@ def test_repeats_a_call_that_is_never_answered(world):
 
 
 def test_a_request_that_the_bus_does_not_carry_is_refused_before_it_starts(world):
-    handler = world.simulator()
-    daemon = world.daemon()
+    parameters = world.write("text.def", "text rw { }\n")
+    presets = world.write("text.presets", "scene preset { }\n")
+    handler = world.simulator(parameters=parameters)
+    daemon = world.daemon(parameters=parameters, presets=presets)
     client = world.client()
-    count = 64 * 2**20 // 1000
-    path = world.write("p", ("mode=" + "x" * 1000 + "\n") * count)
+    # Each string has a length of 4 bytes, an end of one, and padding to the next one.
+    count, rest = divmod(LIST_LIMIT, 1008)
+    lines = ("text=" + "x" * 1003 + "\n") * count + "text=" + "x" * (rest - 5)
+    path = world.write("p", lines + "x\n")
     assert client.preset("load", "scene", str(path)) == RemoteError(
         ERROR_NAME, "dbus_norvix_preset: Load preset failed")
-    size = 1008 * count - 3  # length, text, end and padding; the last has no padding
     assert daemon.records_after_start() == [
-        (ERROR, f"ERROR: parm_set_() - set failed ({path}: {size} bytes are more than a message "
-                "holds)\n")]
+        (ERROR, f"ERROR: parm_set_() - set failed ({path}: {LIST_LIMIT + 1} bytes are more than a "
+                "message holds)\n")]
     assert handler.methods() == []
-    path.write_text("mode=off\n")
+    path.write_text(lines + "\n")
     assert client.preset("load", "scene", str(path)) is True, "on the same connection"
+    wait_until(lambda: client.handler("single_get", "(s)", "text") == "x" * (rest - 5),
+               "the commit of a list that is as long as it may be")
 
 
 def test_a_reply_that_the_bus_does_not_carry_fails_the_request(world):
@@ -252,18 +258,25 @@ def test_a_reply_that_the_bus_does_not_carry_fails_the_request(world):
     presets = world.write("big.presets", "scene preset { }\n")
     daemon = world.daemon(parameters=parameters, presets=presets)
     client = world.client()
-    for number in range(1, 65):  # 64 MiB without the lengths of the strings
-        assert client.handler("single_set", "(ss)", f"big[{number}]", "x" * 2**20) == ()
-    path = world.write("p", "old=1\n")
+    mebibyte = "x" * (2**20 - 5)  # with its length and its end
+    for number in range(1, 65):
+        assert client.handler("single_set", "(ss)", f"big[{number}]", mebibyte) == ()
+    path = world.folder / "p"
+    assert client.preset("store", "scene", str(path)) is True, "a list as long as it may be"
+    stored_size = path.stat().st_size
+    assert stored_size > 63 * 2**20
+    last = "big[9]"  # in the order of keys
+    assert client.handler("single_set", "(ss)", last, mebibyte + "x") == ()
+    before = len(daemon.records_after_start())
     assert client.preset("store", "scene", str(path)) == FAILED
     expected = refused("parm_get", "parm_get_() - bulk get failed", 10,
                        "dbus_norvix_transaction: more than the bus carries in one list")
     expected[-1] = LOST
-    assert daemon.records_after_start() == expected
-    assert path.read_text() == "old=1\n"
-    assert client.handler("single_set", "(ss)", "big[1]", "1") == ()
+    assert daemon.records_after_start()[before:] == expected
+    assert path.stat().st_size == stored_size
+    assert client.handler("single_set", "(ss)", last, "1") == ()
     assert client.preset("store", "scene", str(path)) is True, "on the same connection"
-    assert path.stat().st_size > 63 * 2**20
+    assert path.stat().st_size == stored_size - len(mebibyte) + 1
 
 
 def reply_of_one(call, serial):

@@ -94,6 +94,16 @@ def test_moves_nothing_away_that_is_no_file(served, make, name):
     assert not (served.folder / {"p": "p_bak", "p_bak": "p"}[name]).exists()
 
 
+def test_replaces_a_link_and_not_what_it_leads_to(served):
+    target = served.write("target", "precious=1\n")
+    served.file.symlink_to(target)
+    assert served.user.preset("store", "scene", str(served.file)) is True
+    assert target.read_text() == "precious=1\n"
+    assert not served.file.is_symlink()
+    assert served.file.read_text().startswith("gain[1]=")
+    assert not (served.folder / "p_bak").is_symlink()
+
+
 def test_keeps_the_permissions_of_the_file(served):
     served.file.write_text("old=1\n")
     for mode in (0o640, 0o604):

@@ -11,7 +11,8 @@ OPTIONS = [
 
 
 def test_requests_make_no_memory_error(world):
-    handler = world.simulator(faults="get_bulk 1 error dbus_norvix_transaction: busy\n")
+    handler = world.simulator(faults="get_bulk 1 error dbus_norvix_transaction: busy\n"
+                                     "commit 1 error dbus_norvix_transaction: full\n")
     report = world.folder / "valgrind"
     daemon = world.launch(wrapper=[*OPTIONS, f"--log-file={report}"])
     client = world.client()
@@ -31,6 +32,10 @@ def test_requests_make_no_memory_error(world):
     assert client.preset("load_default", "scene") is True
     wait_until(lambda: ("end", 6) in handler.calls(), "the end of the transaction")
     client.preset("load", "unknown", str(path))
+    client.preset("load", "scene", str(world.folder))
+    client.preset("store", "scene", str(world.folder))
+    client.preset("load", "scene", str(world.write("bytes", b"mode=\xff\n")))
+    client.preset("load", "scene", str(world.write("refused", "mode=nonsense\n")))
     client.preset("die")
     assert daemon.wait() == 1, Path(report).read_text()
     assert "ERROR SUMMARY: 0 errors" in Path(report).read_text()
