@@ -3,10 +3,14 @@
 import json
 import os
 import shlex
+import socket
 import subprocess
+import threading
+import time
 
 import pytest
-from harness import CTL, SOURCE, tools_on_path, wait_until
+from harness import CTL, DEADLINE_SECONDS, SOURCE, tools_on_path, wait_until
+from jeepney import HeaderFields, Parser, new_method_return
 
 YES, NO, ERROR = 0, 1, 2
 OLD_FILE = """\
@@ -33,12 +37,13 @@ def ctl(world):
     """Runs morvanectl with the definitions of the world; returns (status, stdout, stderr)."""
     world.write("presets.def", TRANSLATION + world.presets.read_text())
 
-    def run(*arguments, definitions=("-p", "parameters.def", "-d", "presets.def"), bus=True):
-        environment = world.bus.environment() if bus else {
+    def run(*arguments, definitions=("-p", "parameters.def", "-d", "presets.def"), bus=True,
+            environment=None):
+        variables = world.bus.environment() if bus else {
             k: v for k, v in os.environ.items() if k != "DBUS_SESSION_BUS_ADDRESS"}
         outcome = subprocess.run(
             [*CTL, *arguments, *definitions], cwd=world.folder, capture_output=True, text=True,
-            check=False, env=environment)
+            check=False, env={**variables, **(environment or {})})
         return outcome.returncode, outcome.stdout, outcome.stderr
 
     return run
@@ -98,10 +103,76 @@ def test_says_what_it_waits_for(world, ctl):
         YES, "", "morvanectl: waiting for org.norvix.preset to answer store\n")
 
 
-def test_refuses_what_the_bus_does_not_carry(world, ctl):
+class SlowBus(threading.Thread):
+    """A bus for one client, which answers the last of `calls` calls later than the others."""
+
+    def __init__(self, path, calls, seconds):
+        super().__init__()
+        self.server = socket.socket(socket.AF_UNIX)
+        self.server.bind(str(path))
+        self.server.listen()
+        self.server.settimeout(DEADLINE_SECONDS)
+        self.calls, self.seconds = calls, seconds
+
+    def run(self):
+        client, _ = self.server.accept()
+        with client:
+            client.settimeout(DEADLINE_SECONDS)
+            self._authenticate(client)
+            parser = Parser()
+            for number in range(1, self.calls + 1):
+                while (call := parser.get_next_message()) is None:
+                    data = client.recv(4096)
+                    assert data, "the client left"
+                    parser.add_data(data)
+                if number == self.calls:
+                    time.sleep(self.seconds)
+                hello = call.header.fields[HeaderFields.member] == "Hello"
+                reply = new_method_return(call, *(("s", (":1.1",)) if hello else ("b", (True,))))
+                client.sendall(reply.serialise(number))
+
+    @staticmethod
+    def _authenticate(client):
+        with client.makefile("rb", buffering=0) as lines:  # what follows is not read
+            for line in iter(lines.readline, b"BEGIN\r\n"):
+                client.sendall(b"OK 0123456789abcdef0123456789abcdef\r\n" if b"EXTERNAL " in line
+                               else b"REJECTED EXTERNAL\r\n" if b"AUTH" in line
+                               else b"ERROR\r\n")
+
+    def close(self):
+        self.join()
+        self.server.close()
+
+
+def test_says_once_what_it_waits_for(world, ctl):
+    """The two calls of the command are timed each by itself."""
+    path = world.folder / "bus"
+    bus = SlowBus(path, calls=3, seconds=1.5)
+    bus.start()
+    status, output, problem = ctl("status", "--address", f"unix:path={path}", bus=False)
+    bus.close()
+    assert (status, problem) == (
+        YES, "morvanectl: waiting for org.freedesktop.DBus to answer NameHasOwner\n")
+    assert output.splitlines()[-1] == "org.norvix.transaction is running"
+
+
+def test_waits_longer_than_a_bus_library_does(world, ctl):
+    """Those give up after 25 seconds. The answer takes 30 by the tool's clock."""
+    world.simulator(faults="get_bulk 1 delay 3000\n")
+    daemon = world.daemon()
+    fast_clock = {**daemon.environment(), "MORVANE_TEST_CLOCK_RATE": "10"}
+    assert ctl("store", "scene", "p", environment=fast_clock) == (
+        YES, "", "morvanectl: waiting for org.norvix.preset to answer store\n")
+
+
+@pytest.mark.parametrize("arguments", [
+    ("is-preset", b"sc\xffne"), ("store", "scene", b"\xff"), ("store", b"\xff", "p"),
+    ("in-preset", "scene", "mode", b"ga\xffin"), ("in-preset", "scene", b"\xff", "mode"),
+    ("store-subpreset", "scene", "p", "mode", b"ga\xffin"), ("load-default", b"\xff")])
+def test_refuses_what_the_bus_does_not_carry(world, ctl, arguments):
+    world.simulator()
     world.daemon()
-    assert ctl("is-preset", b"sc\xffne") == (
-        ERROR, "", "morvanectl: names, keys and paths must be UTF-8\n")
+    assert ctl(*arguments) == (ERROR, "", "morvanectl: names, keys and paths must be UTF-8\n")
 
 
 def test_lists_presets_and_keys(ctl):
@@ -279,6 +350,17 @@ def test_explains_a_key(ctl, preset, key, status, reasons):
         "key": key, "preset": preset, "covered": status == YES, "reasons": reasons}
 
 
+def test_explains_with_eight_values_at_most(world, ctl):
+    world.write("parameters.def", "eight index { rangeValid { 1..8 } }\n"
+                                  "nine index { rangeValid { 1..9 } }\n"
+                                  "a rw { index { eight } }\nb rw { index { nine } }\n")
+    world.write("presets.def", "all preset { }\n")
+    assert ctl("explain", "all", "a[x]")[1].endswith(
+        "    parameters.def:1: index eight has 1, 2, 3, 4, 5, 6, 7, 8, which is not x\n")
+    assert ctl("explain", "all", "b[x]")[1].endswith(
+        "    parameters.def:2: index nine has 1, 2, 3, 4, 5, 6, 7, 8 and 1 more, which is not x\n")
+
+
 def test_explains_which_condition_decides(world, ctl):
     world.write("parameters.def", """\
 port index { rangeValid { 1..(ports) } ctrlValid (ports > 0) }
@@ -317,6 +399,17 @@ whose value is not known yet, model is rack)
     assert ctl("explain", "all", "led[1]", "-s", "ports=0")[1].endswith(
         "    parameters.def:1: ctrlValid (ports > 0) does not hold (ports is 0)\n"
         "    parameters.def:1: index port does not exist on this variant\n")
+
+
+def test_explains_that_every_condition_must_hold(world, ctl):
+    world.write("parameters.def", "fan rw { ctrlValid (0) ctrlValid (1) }\n")
+    world.write("presets.def", "all preset { }\n")
+    assert ctl("explain", "all", "fan") == (NO, """\
+fan is not in all
+    parameters.def:1: fan is rw
+    parameters.def:1: ctrlValid (0) does not hold
+    parameters.def:1: ctrlValid (1) holds
+""", "")
 
 
 def test_explains_which_of_two_presets_counts(world, ctl):

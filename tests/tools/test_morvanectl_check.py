@@ -142,10 +142,27 @@ d:3: warning: old has a mapping already, on line 2, which counts
 gain { from { old } }
               ^
 """),
+    ("",
+     "translate {\nmode { from { old } }\n}\n"
+     "translate {\ngain { from { old } }\n}\n" + PRESETS, """\
+d:5: warning: old has a mapping already, on line 2, which counts
+gain { from { old } }
+              ^
+"""),
     ("", "translate {\ngain { index 0 { input = 1 }\n  index 0 { input = 2 } }\n}\n" + PRESETS, """\
 d:3: warning: entries of gain with 0 indices have an index mapping already, on line 2, which counts
   index 0 { input = 2 } }
   ^
+"""),
+    ("", "a preset { exclude rw { gain { index { input { 2..9 } } } } }\n", """\
+d:1: warning: index input does not have the value 9
+a preset { exclude rw { gain { index { input { 2..9 } } } } }
+                                       ^
+"""),
+    ("", "a preset { exclude rw { gain { index { input { 0..2, 3..3 } } } } }\n", """\
+d:1: warning: index input does not have the value 0
+a preset { exclude rw { gain { index { input { 0..2, 3..3 } } } } }
+                                       ^
 """),
     ("", "a preset { }\na preset { exclude rw { mode } }\n", """\
 d:2: warning: there is a preset a already, on line 1; the first that covers a key counts
@@ -211,3 +228,24 @@ def test_says_when_every_variant_has_a_warning(check):
     _, output, _ = check("--all-variants", "model=rack,desk", "-s", "leds=3",
                          parameters=VARIANTS, presets=presets)
     assert "d:1: warning: index port does not have the value 3 [every variant]\n" in output
+
+
+def test_a_name_of_all_variants_counts_more_than_a_single_argument(check):
+    options = ["--all-variants", "leds=3,2", "-s", "leds=9", "-s", "model=rack"]
+    _, output, _ = check(*options, parameters=VARIANTS, presets="a preset { }\n")
+    assert [line for line in output.splitlines() if "warning" in line] == [
+        "p:2: warning: the default 3 of led is none of its values [leds=2]"]
+
+
+def test_finds_whole_words(check):
+    """The name stands on its line within longer ones, before and after, and then by itself."""
+    presets = "a preset { exclude rw { subgain, gain2, sub_gain, gain, mode } }\n"
+    parameters = ("subgain rw { }\ngain2 rw { }\nsub_gain rw { }\nmode rw { }\nleft rw { }\n"
+                  "gain rw { ctrlValid (0) }\n")
+    _, output, _ = check(parameters=parameters, presets=presets)
+    assert output == f"""\
+d:1: warning: item gain selects nothing: no parameter gain on this variant
+{presets}{" " * presets.index(" gain,")} ^
+"""
+    _, output, _ = check(parameters=parameters, presets=presets.replace(" gain,", "\ngain,"))
+    assert output.startswith("d:2: warning: item gain selects nothing")

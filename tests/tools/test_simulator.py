@@ -221,6 +221,30 @@ def test_ends_cleanly_when_terminated(world):
     assert simulator.stop() == 0
 
 
+def test_gives_its_name_up_as_often_as_the_script_says_so(world):
+    simulator = world.simulator(faults="single_get 1-2 drop-name 20\nsingle_get 3 delay 200\n")
+    client = world.client()
+    for _ in range(2):
+        wait_until(lambda: client.owns("org.norvix.transaction"), "the name")
+        assert client.handler("single_get", "(s)", "mode") == "auto"
+        assert simulator.process.stdout.readline().startswith("ready :"), "with its name again"
+    assert client.handler("single_get", "(s)", "mode") == "auto"
+    assert simulator.stop() == 0
+    assert "CRITICAL" not in simulator.log.read_text()
+
+
+def test_takes_its_name_back_once(world):
+    """Also when it is to give it up while it does not have it."""
+    simulator = world.simulator(faults="single_get 1-2 drop-name 20\nsingle_get 3 delay 200\n")
+    client = world.client()
+    unique_name = client.driver("GetNameOwner", "(s)", "org.norvix.transaction")
+    answers = [client.start_call(unique_name, "/transaction", "org.norvix.transaction",
+                                 "single_get", "(s)", "mode") for _ in range(3)]
+    assert [answer() for answer in answers] == ["auto"] * 3
+    simulator.process.terminate()
+    assert simulator.process.stdout.read().count("ready :") == 1
+
+
 def test_ends_in_the_middle_of_a_call_when_the_script_says_so(world):
     simulator = world.simulator(faults="start 2 exit\n")
     handler = Handler(world.client())
