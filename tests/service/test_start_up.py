@@ -1,10 +1,13 @@
 """Start-up and the end: the order of the steps, the log in both modes, exit statuses."""
 
 import os
+import signal
 import subprocess
+from pathlib import Path
 
 import pytest
-from harness import DAEMON, ERROR, INFO, wait_until
+from harness import DAEMON, ERROR, INFO, RawClient, wait_until
+from jeepney import DBusAddress
 
 STARTED = [
     (INFO, "Connecting to Session D-Bus for Parameter Handler\n"),
@@ -78,6 +81,26 @@ def test_a_closed_standard_stream_is_the_null_device(world, redirection, options
     for closed in redirection.split():
         stream = {"<&-": 0, ">&-": 1, "2>&-": 2}[closed]
         assert os.readlink(f"/proc/{pid}/fd/{stream}") == "/dev/null"
+
+
+def test_sends_every_answer_before_it_ends(served):
+    """More than its socket holds, as the bus does not read for a while."""
+    client = RawClient(served.bus)
+    daemon, bus = served.morvane.process, served.bus.process
+    daemon.send_signal(signal.SIGSTOP)
+    introspection = DBusAddress(
+        "/preset", "org.norvix.preset", "org.freedesktop.DBus.Introspectable")
+    calls = [client.send("Introspect", address=introspection) for _ in range(200)]
+    calls.append(client.send("die"))
+    for _ in range(2):
+        assert client.signals() == [], "all calls have come to the bus, and then to the daemon"
+    bus.send_signal(signal.SIGSTOP)
+    daemon.send_signal(signal.SIGCONT)
+    wait_until(lambda: Path(f"/proc/{daemon.pid}/stat").read_text().split()[2] in "SZ",
+               "the daemon to wait for the bus, or to have ended")
+    bus.send_signal(signal.SIGCONT)
+    assert [client.receive()[0] for _ in calls] == calls
+    assert served.morvane.wait() == 1
 
 
 def test_ends_with_status_1_without_a_bus(world):
