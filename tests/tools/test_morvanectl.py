@@ -215,9 +215,10 @@ def test_shows_what_a_load_makes_of_each_line(world, ctl):
 
 
 @pytest.mark.parametrize("method, arguments", [
-    ("load", ["old"]), ("load-with-default", ["old"]), ("load-default", [])])
+    ("load", ["old"]), ("load", ["two"]), ("load-with-default", ["old"]), ("load-default", [])])
 def test_a_dry_run_shows_the_calls_that_a_load_makes(world, ctl, method, arguments):
     world.write("old", OLD_FILE)
+    world.write("two", "mode=off\ngain[1]=5\n")
     status, output, problem = ctl(method, "scene", *arguments, "--dry-run", "--json", bus=False)
     assert (status, problem) == (YES, "")
     handler = world.simulator()
