@@ -10,7 +10,8 @@ from dataclasses import dataclass
 import pytest
 from conftest import World
 from gi.repository import GLib
-from harness import SOURCE, Bus, RawClient, RemoteError
+from harness import SOURCE, Bus, RemoteError
+from raw_client import RawClient
 
 EXAMPLE = SOURCE / "packaging/own-bus"
 PRESET, HANDLER = "org.norvix.preset", "org.norvix.transaction"
@@ -95,7 +96,7 @@ def may_offer(client, name):
 
 
 def may_announce(bus, client):
-    listener = RawClient(bus)
+    listener = RawClient(bus.address)
     listener.listen(HANDLER)
     client.connection.emit_signal(None, "/transaction", HANDLER, "transaction",
                                   GLib.Variant("(as)", [["mode"]]))

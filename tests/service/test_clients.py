@@ -4,8 +4,9 @@ wants a reply gets one, in order, and the service goes on."""
 import itertools
 
 import pytest
-from harness import RawClient, RemoteError, wait_until
+from harness import RemoteError, wait_until
 from jeepney import DBusAddress
+from raw_client import RawClient
 from test_methods import ERROR_NAME
 
 MEBIBYTE = "x" * 2**20
@@ -63,7 +64,7 @@ def test_a_list_of_100000_names(served):
 def test_fifty_clients_with_a_thousand_requests_each(served):
     """Each has a hundred on their way before the first one listens; more would only measure the
     bus, which looks for a reply's call among all of them."""
-    clients = [RawClient(served.bus) for _ in range(50)]
+    clients = [RawClient(served.bus.address) for _ in range(50)]
     requests = [mixed_requests(served.folder / f"p{n}") for n in range(len(clients))]
     for _ in range(10):
         sent = [[] for _ in clients]
@@ -83,7 +84,7 @@ def test_fifty_clients_with_a_thousand_requests_each(served):
 
 def test_clients_that_leave_before_the_answer(served):
     for number in range(100):
-        client = RawClient(served.bus)
+        client = RawClient(served.bus.address)
         for method in ("store", "load", "load_with_default"):
             client.send(method, "scene", str(served.file))
         client.send("in_preset", "scene", ["mode"] * number)
@@ -99,7 +100,7 @@ def test_a_client_that_leaves_while_the_parameter_handler_is_slow(world):
     handler = world.simulator(faults="get_bulk 1 delay 300\n")
     world.daemon()
     path = world.folder / "p"
-    leaving = RawClient(world.bus)
+    leaving = RawClient(world.bus.address)
     leaving.send("store", "scene", str(path))
     wait_until(lambda: "get_bulk" in handler.methods(), "the store")
     leaving.close()
@@ -109,7 +110,7 @@ def test_a_client_that_leaves_while_the_parameter_handler_is_slow(world):
 
 def test_introspection_under_load(served):
     object_paths = {"/": '<node name="preset"/>', "/preset": '<method name="store_subpreset">'}
-    working, looking = RawClient(served.bus), RawClient(served.bus)
+    working, looking = RawClient(served.bus.address), RawClient(served.bus.address)
     requests = mixed_requests(served.file)
     for _ in range(50):
         calls = []

@@ -3,8 +3,9 @@
 import struct
 
 import pytest
-from harness import ERROR, INFO, Pause, RawClient, RemoteError, wait_until
+from harness import ERROR, INFO, Pause, RemoteError, wait_until
 from jeepney import new_method_return
+from raw_client import RawClient
 from test_methods import ERROR_NAME
 
 LIST_LIMIT = 64 * 2**20  # bytes
@@ -297,7 +298,7 @@ def test_a_parameter_handler_that_the_bus_cuts_off_is_called_again(world):
     daemon = world.daemon()
     client = world.client()
     path = world.folder / "p"
-    hostile = RawClient(world.bus)
+    hostile = RawClient(world.bus.address)
     hostile.own("org.norvix.transaction")
     answer = client.start_preset("store", "scene", str(path))
     hostile.answer_calls({"start": reply_of_one, "get_bulk": reply_of_65_mebibytes})

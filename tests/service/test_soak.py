@@ -8,7 +8,8 @@ import itertools
 import os
 from pathlib import Path
 
-from harness import RawClient, RemoteError, wait_until
+from harness import RemoteError, wait_until
+from raw_client import RawClient
 from test_clients import mixed_requests
 from test_methods import ERROR_NAME
 
@@ -27,7 +28,7 @@ def make_requests(world, count):
     """In connections that live for a hundred requests, half of which leave before the answers."""
     requests = mixed_requests(world.file)
     for number in range(count // 100):
-        client = RawClient(world.bus)
+        client = RawClient(world.bus.address)
         sent = []
         for _ in range(100):
             call, answer = next(requests)

@@ -6,8 +6,9 @@ import subprocess
 from pathlib import Path
 
 import pytest
-from harness import DAEMON, ERROR, INFO, RawClient, wait_until
+from harness import DAEMON, ERROR, INFO, wait_until
 from jeepney import DBusAddress
+from raw_client import RawClient
 
 STARTED = [
     (INFO, "Connecting to Session D-Bus for Parameter Handler\n"),
@@ -85,7 +86,7 @@ def test_a_closed_standard_stream_is_the_null_device(world, redirection, options
 
 def test_sends_every_answer_before_it_ends(served):
     """More than its socket holds, as the bus does not read for a while."""
-    client = RawClient(served.bus)
+    client = RawClient(served.bus.address)
     daemon, bus = served.morvane.process, served.bus.process
     daemon.send_signal(signal.SIGSTOP)
     introspection = DBusAddress(
