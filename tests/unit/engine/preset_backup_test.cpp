@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <syslog.h>
@@ -11,6 +12,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -50,16 +52,25 @@ TEST_F(PresetBackup, StoresAFileWithoutAFolderInItsPath) {
     EXPECT_EQ(files.calls().at(1), "fsync " + folderName_);
 }
 
+// As the recorder sees it: empty, but under qemu the name of the folder that stands in for it.
+std::string nameOfRootFolder() {
+    const int root = open("/", O_PATH | O_CLOEXEC);
+    auto name = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(root)).filename();
+    close(root);
+    return name.string();
+}
+
 // Everything that would change the root folder fails.
 TEST_F(PresetBackup, SyncsTheRootFolderForAFileInIt) {
     test::FileRecorder files;
     files.fail("rename morvane-test morvane-test_bak", ENOENT);
-    files.fail("fsync ", EINVAL); // its name is empty
+    files.fail("fsync " + nameOfRootFolder(), EINVAL);
     files.fail("open morvane-test", EROFS);
     std::FILE* stream = nullptr;
     EXPECT_TRUE(openPresetForWrite("/morvane-test", stream));
-    EXPECT_EQ(files.calls(), (std::vector<std::string>{"rename morvane-test morvane-test_bak",
-                                                       "fsync ", "open morvane-test"}));
+    EXPECT_EQ(files.calls(),
+              (std::vector<std::string>{"rename morvane-test morvane-test_bak",
+                                        "fsync " + nameOfRootFolder(), "open morvane-test"}));
 }
 
 TEST_F(PresetBackup, ReplacesAStaleBackup) {
