@@ -175,7 +175,8 @@ def put_tests(wanted, root, packages):
     """Puts the packages and what runs on the board into its root, in place of earlier ones."""
     shutil.rmtree(root / "srv", ignore_errors=True)
     shutil.copytree(HERE / "device", root / "srv/board")
-    shutil.copy(SOURCE / "tests/support/raw_client.py", root / "srv/board")
+    for file in ("tests/support/raw_client.py", "packaging/exposure-limits"):
+        shutil.copy(SOURCE / file, root / "srv/board")
     run(f"{wanted.compiler}-gcc", "-shared", "-fPIC", "-O2", "-Wall", "-Wextra", "-Werror",
         "-o", root / "srv/board/faults.so", HERE / "device/faults.c")
     (root / "srv/packages").mkdir()

@@ -80,7 +80,7 @@ class State:
 
 
 def walk(log, size, wanted):
-    """About `wanted` states of a recorded disk, in order; `size` is that of its file system."""
+    """At least `wanted` states of a recorded disk, in order; `size` is that of its file system."""
     second = FIRST_PARTITION + size * MIB
 
     def in_file_system(writes):

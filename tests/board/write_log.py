@@ -4,6 +4,7 @@ A disk may keep what it was sent since the last flush in any order, and lose any
 is all that was written before the last flush, and some of the blocks since.
 """
 
+import math
 import random
 import struct
 from dataclasses import dataclass
@@ -52,13 +53,13 @@ def read_spans(path, first_kept):
 
 
 def states(spans, wanted, seed=1):
-    """For each span its writes and the states in it, about `wanted` in all: each a list of the
+    """For each span its writes and the states in it, at least `wanted` in all: each a list of the
     indices of those that reached the disk. First random ones: each ends at a random write, and has
     the kept ones and half of the others before it. Then all that leave none out before their last
     write, so that the very last state is the disk as it was left."""
     choose = random.Random(seed)
     boundaries = sum(len(span) + 1 for span in spans)
-    subsets = max(0, wanted - boundaries) // max(1, sum(len(span) > 1 for span in spans))
+    subsets = math.ceil(max(0, wanted - boundaries) / max(1, sum(len(span) > 1 for span in spans)))
     for span in spans:
         found = []
         for _ in range(subsets if len(span) > 1 else 0):

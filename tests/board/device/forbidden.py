@@ -1,9 +1,10 @@
 """Tries what the daemon's unit must refuse, and a little that it must allow, in the daemon's place.
 
-Leaves in the state folder what came of each: "done", or the error.
+Leaves in the state folder what came of each: "done", or the name of the error.
 """
 
 import ctypes
+import errno
 import json
 import mmap
 import os
@@ -23,13 +24,15 @@ def call(function, *arguments):
 def other_temporary_files():
     """Those that others have put into /tmp."""
     if not list(Path("/tmp").glob("of-another")):
-        raise FileNotFoundError("an empty /tmp of its own")
+        raise FileNotFoundError(errno.ENOENT, "an empty /tmp of its own")
 
 
-DEEDS = {
-    "write in its state folder allowed": lambda: (STATE / "written").write_text("x"),
-    "read the definition files allowed": lambda: Path("/etc/morvane/presets.def").read_text(),
-    "open a local socket allowed": lambda: socket.socket(socket.AF_UNIX).close(),
+ALLOWED = {
+    "write in its state folder": lambda: (STATE / "written").write_text("x"),
+    "read the definition files": lambda: Path("/etc/morvane/presets.def").read_text(),
+    "open a local socket": lambda: socket.socket(socket.AF_UNIX).close(),
+}
+REFUSED = {
     "write in /etc": lambda: Path("/etc/morvane/written").write_text("x"),
     "write in /var/lib": lambda: Path("/var/lib/written").write_text("x"),
     "write in /home": lambda: Path("/home/written").write_text("x"),
@@ -58,10 +61,11 @@ DEEDS = {
 def outcome_of(deed):
     try:
         deed()
-    except (OSError, ValueError) as error:
-        return str(error)
+    except OSError as error:
+        return errno.errorcode[error.errno]
     return "done"
 
 
-(STATE / "forbidden.json").write_text(
-    json.dumps({name: outcome_of(deed) for name, deed in DEEDS.items()}))
+(STATE / "forbidden.json").write_text(json.dumps(
+    {kind: {name: outcome_of(deed) for name, deed in deeds.items()}
+     for kind, deeds in (("allowed", ALLOWED), ("refused", REFUSED))}))

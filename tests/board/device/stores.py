@@ -111,7 +111,8 @@ class Stores:
             if turn in INTERRUPTED:
                 file = self.random.choice(["first", "middle", "sub"])
                 self.interrupt(disk, file)
-                self.client.call("load", FILES[file], disk.path(file))
+                equal(f"{disk.name}: {file} loads after the interrupted store",
+                      self.client.call("load", FILES[file], disk.path(file)), True)
             elif turn in CARELESS:
                 self.interrupt(disk, "careless")
                 file = "careless"
