@@ -33,14 +33,13 @@ class Board:
         if any(wrong for _, wrong in report.checks):
             raise BoardError(f"the packages cannot be installed: {report.checks}")
 
-    def run(self, part, *, drives=(), clock="utc", keep_disk=False, arguments="", seconds=900):
+    def run(self, part, *, drives=(), keep_disk=False, arguments="", seconds=900):
         """Boots, runs a part of device/ and returns its Report when the board has switched itself
         off. `drives` are QEMU's options of further disks."""
         command = [
             *self.machine.emulator, "-M", "virt", "-m", "512", "-smp", "2", "-no-reboot",
             "-display", "none", "-serial", "stdio", "-monitor", "none", "-nic", "none",
-            "-rtc", f"base={clock}", "-kernel", self.folder / "kernel",
-            "-initrd", self.folder / "initramfs.cpio",
+            "-kernel", self.folder / "kernel", "-initrd", self.folder / "initramfs.cpio",
             "-append", f"console=ttyAMA0 quiet loglevel=3 systemd.show_status=no "
                        f"board.part={part} {arguments}",
             "-drive", f"if=none,id=root,format=raw,file={self.disk},"

@@ -81,7 +81,6 @@ def make_base(wanted, folder):
             f"{kind.partition('-')[0]} optional pam_{module}.so\n")
     run("systemd-sysusers", f"--root={root}")
     run("ldconfig", "-r", root)
-    make_initramfs(root, folder)
     kernel, = (root / "boot").glob("vmlinuz-*")
     shutil.copy(kernel, folder / "kernel")
 
@@ -105,7 +104,9 @@ def modules_in_order(root):
 
 
 def make_initramfs(root, folder):
-    """A busybox that loads the modules and changes to the root."""
+    """A busybox that loads the modules, sets the clock to the seconds since 1970 after
+    "board.date=" on the kernel's command line, and changes to the root. A 32-bit kernel itself does
+    not take a date after 2038 from the machine's clock."""
     tree = folder / "initramfs"
     for name in ("bin", "dev", "proc", "root"):
         (tree / name).mkdir(parents=True)
@@ -120,8 +121,10 @@ def make_initramfs(root, folder):
     init = tree / "init"
     init.write_text("\n".join([
         "#!/bin/busybox sh", "export PATH=/bin", "busybox mount -t devtmpfs none /dev", *loads,
+        "busybox mount -t proc none /proc", "for word in $(busybox cat /proc/cmdline); do",
+        'case $word in board.date=*) busybox date -u -s "@${word#*=}";; esac', "done",
         "until busybox mount -t ext4 LABEL=board-root /root; do busybox sleep 0.1; done",
-        "busybox umount /dev", "exec busybox switch_root /root /lib/systemd/systemd", ""]))
+        "busybox umount /dev /proc", "exec busybox switch_root /root /lib/systemd/systemd", ""]))
     init.chmod(0o755)
     archive = subprocess.run(
         ["cpio", "--quiet", "--create", "--format=newc"], cwd=tree, check=True,
@@ -148,9 +151,9 @@ def packages_of(wanted):
 
 
 def base_of(wanted):
-    """The folder with root/, the kernel and the initramfs, made if they are not there yet."""
+    """The folder with root/ and the kernel, made if they are not there yet."""
     folder = BUILD / wanted.name
-    recipe, kept = f"{wanted} {PACKAGES} {ROOT_MODULES}", folder / "recipe"
+    recipe, kept = f"{wanted} {PACKAGES}", folder / "recipe"
     if not kept.exists() or kept.read_text() != recipe:
         shutil.rmtree(folder, ignore_errors=True)
         folder.mkdir(parents=True)
@@ -160,10 +163,11 @@ def base_of(wanted):
 
 
 def make_disk(wanted):
-    """The disk of a board that has not booted yet, with the packages and this folder's device/ in
-    /srv. Returns its path."""
+    """The initramfs, and the disk of a board that has not booted yet, with the packages and this
+    folder's device/ in /srv. Returns the path of the disk."""
     folder, packages = base_of(wanted), packages_of(wanted)
     root = folder / "root"
+    make_initramfs(root, folder)
     put_tests(wanted, root, packages)
     disk = folder / "disk"
     disk.unlink(missing_ok=True)
