@@ -36,9 +36,12 @@ def run():
     stored = file.read_bytes()
     if file_date:
         equal("the files are dated then",
-              set_date(int(file_date[1]), [file, PRESETS, *Path("/etc/morvane").iterdir()]), True)
+              set_date(int(file_date[1]), [file, *Path("/etc/morvane").iterdir()]), True)
         output("systemctl restart morvane.service")  # which reads the definitions again
         wait_ready(client)
+        # Only now: the systemd of a 32-bit Debian 12 starts no unit whose StateDirectory has a date
+        # after 2038.
+        equal("their folder is dated then", set_date(int(file_date[1]), [PRESETS]), True)
     equal("it loads", client.call("load", "scene", str(file)), True)
     equal("it stores over the file", client.call("store", "scene", str(file)), True)
     equal("the file is the same", file.read_bytes(), stored)
