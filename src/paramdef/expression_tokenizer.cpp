@@ -40,30 +40,22 @@ Token tokenAt(const Cursor& line, TokenType type) {
     return {.line = line.line().number, .column = line.tokenColumn(), .type = type, .text = {}};
 }
 
-Token negated(const Token& minus, const Token& number) {
-    Token folded = minus;
-    folded.type = TokenType::TOKEN_NUMBER;
-    folded.number = static_cast<std::int32_t>(0U - static_cast<std::uint32_t>(number.number));
-    return folded;
+// The search for an operator begins only where no word does.
+static_assert(std::all_of(operators.begin(), operators.end(), [](const OperatorText& row) {
+    return wordDelimiters.contains(row.text.front());
+}));
+
+// A "-" is the sign of the number after it at the beginning and after an operator, nowhere else:
+// "1 - -5" works, "(-5)" inside an expression and "-name" stay two-operand minuses, which cannot be
+// evaluated.
+bool endInSign(const TokenList& tokens) {
+    const auto count = tokens.size();
+    return count > 0 && tokens[count - 1].type == TokenType::OP_SUB &&
+           (count == 1 || isOperator(tokens[count - 2].type));
 }
 
-// A "-" becomes the sign of the number after it at the beginning and after an operator, nowhere
-// else: "1 - -5" works, "(-5)" inside an expression and "-name" stay two-operand minuses, which
-// cannot be evaluated. One pass from the left; a number just folded is not considered again.
-void foldUnaryMinus(TokenList& tokens) {
-    TokenList folded;
-    folded.reserve(tokens.size());
-    for (std::size_t i = 0; i < tokens.size(); ++i) {
-        const bool signPosition = folded.empty() || isOperator(folded.back().type);
-        if (signPosition && tokens[i].type == TokenType::OP_SUB && i + 1 < tokens.size() &&
-            tokens[i + 1].type == TokenType::TOKEN_NUMBER) {
-            folded.push_back(negated(tokens[i], tokens[i + 1]));
-            ++i;
-        } else {
-            folded.push_back(std::move(tokens[i]));
-        }
-    }
-    tokens = std::move(folded);
+std::int32_t negated(std::int32_t number) {
+    return static_cast<std::int32_t>(0U - static_cast<std::uint32_t>(number));
 }
 
 } // namespace
@@ -90,11 +82,11 @@ ParamDefResult ExpressionTokenizer::readToken(Cursor& line, Expression& expressi
         readString(line, expression);
         return ParamDefResult::incomplete;
     }
-    const auto* const op = std::find_if(operators.begin(), operators.end(),
-                                        [&](const auto& row) { return line.sees(row.text); });
-    if (op != operators.end())
-        return readOperator(line, expression, op->type, op->text.size());
-    return readWord(line, expression);
+    const auto word = line.word(wordDelimiters);
+    if (word.empty())
+        return readSymbol(line, expression);
+    addWord(line, word, expression);
+    return ParamDefResult::incomplete;
 }
 
 void ExpressionTokenizer::readString(Cursor& line, Expression& expression) {
@@ -117,40 +109,50 @@ void ExpressionTokenizer::readIndex(Cursor& line, Expression& expression) {
     keepLine(expression.lines, line.line());
 }
 
-ParamDefResult ExpressionTokenizer::readOperator(Cursor& line, Expression& expression,
-                                                 TokenType type, std::size_t length) {
-    line.advance(length);
+ParamDefResult ExpressionTokenizer::readSymbol(Cursor& line, Expression& expression) {
+    const auto* const op = std::find_if(operators.begin(), operators.end(),
+                                        [&](const auto& row) { return line.sees(row.text); });
+    if (op != operators.end()) {
+        line.advance(op->text.size());
+        return addOperator(line, op->type, expression);
+    }
+    const bool afterName =
+        !expression.empty() && expression.tokens.back().type == TokenType::TOKEN_NAME;
+    if (nameIndices_ == NameIndices::refused || !afterName || !line.accept('['))
+        return ParamDefResult::syntaxError;
+    inside_ = Inside::index;
+    return ParamDefResult::incomplete;
+}
+
+ParamDefResult ExpressionTokenizer::addOperator(Cursor& line, TokenType type,
+                                                Expression& expression) {
     if (type == TokenType::TOKEN_LPAREN)
         ++depth_;
     if (type == TokenType::TOKEN_RPAREN && --depth_ == 0) {
         depth_ = 1;
         line.skipSpace();
-        foldUnaryMinus(expression.tokens);
         return ParamDefResult::ok;
     }
     expression.append(tokenAt(line, type), line.line());
     return ParamDefResult::incomplete;
 }
 
-ParamDefResult ExpressionTokenizer::readWord(Cursor& line, Expression& expression) {
-    const bool afterName =
-        !expression.empty() && expression.tokens.back().type == TokenType::TOKEN_NAME;
-    if (nameIndices_ == NameIndices::accepted && afterName && line.accept('[')) {
-        inside_ = Inside::index;
-        return ParamDefResult::incomplete;
+void ExpressionTokenizer::addWord(const Cursor& line, std::string_view word,
+                                  Expression& expression) {
+    const auto number = wholeNumber(word);
+    if (number && endInSign(expression.tokens)) {
+        auto& sign = expression.tokens.back();
+        sign.type = TokenType::TOKEN_NUMBER;
+        sign.number = negated(*number);
+        keepLine(expression.lines, line.line());
+        return;
     }
-    const auto word = line.word(wordDelimiters);
-    if (word.empty())
-        return ParamDefResult::syntaxError;
-    auto token = tokenAt(line, TokenType::TOKEN_NAME);
-    if (const auto number = wholeNumber(word)) {
-        token.type = TokenType::TOKEN_NUMBER;
+    auto token = tokenAt(line, number ? TokenType::TOKEN_NUMBER : TokenType::TOKEN_NAME);
+    if (number)
         token.number = *number;
-    } else {
+    else
         token.text = word;
-    }
     expression.append(std::move(token), line.line());
-    return ParamDefResult::incomplete;
 }
 
 } // namespace morvane

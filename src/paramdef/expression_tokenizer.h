@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace morvane {
 
@@ -42,9 +43,9 @@ private:
     ParamDefResult readToken(Cursor& line, Expression& expression);
     void readString(Cursor& line, Expression& expression);
     void readIndex(Cursor& line, Expression& expression);
-    ParamDefResult readOperator(Cursor& line, Expression& expression, TokenType type,
-                                std::size_t length);
-    ParamDefResult readWord(Cursor& line, Expression& expression);
+    ParamDefResult readSymbol(Cursor& line, Expression& expression);
+    ParamDefResult addOperator(Cursor& line, TokenType type, Expression& expression);
+    static void addWord(const Cursor& line, std::string_view word, Expression& expression);
 
     NameIndices nameIndices_;
     Inside inside_ = Inside::expression;

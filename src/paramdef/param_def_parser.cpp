@@ -37,6 +37,7 @@ ParamDefResult ParamDefParser::parseParamDefLine(SystemParameterTable& table,
     Cursor cursor({line, lineNumber});
     if (!cursor.skipSpace() || cursor.sees('#'))
         return ParamDefResult::ok;
+    parameter_ = nullptr;
     const auto result =
         readTokens<ParamDefResult::incomplete>(cursor, [&] { return readToken(table, cursor); });
     errorColumn = cursor.tokenColumn();
@@ -72,14 +73,21 @@ ParamDefResult ParamDefParser::readName(SystemParameterTable& table, Cursor& lin
     const auto name = line.word("[]");
     if (name.empty())
         return ParamDefResult::syntaxError;
-    table.insert(name, line.line().number);
+    parameter_ = &table.insert(name, line.line().number);
     name_ = name;
     state_ = State::expectAccess;
     return ParamDefResult::incomplete;
 }
 
+// The parameter of the open block, looked up once a line: between two lines the table may change.
+SystemParameter* ParamDefParser::openParameter(SystemParameterTable& table) {
+    if (parameter_ == nullptr)
+        parameter_ = table.find(name_);
+    return parameter_;
+}
+
 ParamDefResult ParamDefParser::readAccess(SystemParameterTable& table, Cursor& line) {
-    auto* const parameter = table.find(name_);
+    auto* const parameter = openParameter(table);
     if (parameter == nullptr)
         return ParamDefResult::internalError;
     const auto access = accessTypeOf(line.word("{"));
@@ -113,7 +121,7 @@ ParamDefResult ParamDefParser::readAttribute(SystemParameterTable& table, Cursor
     auto result = readAttributeBody(line);
     if (result != ParamDefResult::ok)
         return result;
-    auto* const parameter = table.find(name_);
+    auto* const parameter = openParameter(table);
     if (parameter == nullptr)
         return ParamDefResult::internalError;
     result = finishAttribute(*parameter);

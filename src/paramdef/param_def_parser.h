@@ -49,6 +49,7 @@ public:
 private:
     ParamDefResult readToken(SystemParameterTable& table, Cursor& line);
     ParamDefResult readName(SystemParameterTable& table, Cursor& line);
+    SystemParameter* openParameter(SystemParameterTable& table);
     ParamDefResult readAccess(SystemParameterTable& table, Cursor& line);
     ParamDefResult readAttributeKeyword(Cursor& line);
     ParamDefResult readAttribute(SystemParameterTable& table, Cursor& line);
@@ -56,7 +57,8 @@ private:
     ParamDefResult finishAttribute(SystemParameter& parameter);
 
     ParamDefParseState state_ = ParamDefParseState::expectName;
-    std::string name_; ///< of the open block
+    std::string name_;                     ///< of the open block
+    SystemParameter* parameter_ = nullptr; ///< of that name, once it was needed on this line
     RangeParser range_;
     ExpressionTokenizer tokenizer_;
     Expression expression_; ///< of the open `ctrlRO` or `ctrlValid`

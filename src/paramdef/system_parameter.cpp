@@ -45,7 +45,7 @@ SystemParameter* SystemParameterTable::find(std::string_view name) {
     return found == parameters_.end() ? nullptr : &found->second;
 }
 
-void SystemParameterTable::insert(std::string_view name, std::uint32_t line) {
+SystemParameter& SystemParameterTable::insert(std::string_view name, std::uint32_t line) {
     const auto sizeBefore = parameters_.size();
     // The end is tried first: most files define their parameters more or less in name order.
     const auto place = parameters_.try_emplace(parameters_.end(), std::string(name));
@@ -53,6 +53,7 @@ void SystemParameterTable::insert(std::string_view name, std::uint32_t line) {
         place->second.name = name;
         place->second.line = line;
     }
+    return place->second;
 }
 
 } // namespace morvane

@@ -101,7 +101,8 @@ public:
 
     /// Adds a parameter without attributes. A name that is there already keeps its record and its
     /// line, so that the attributes of a parameter may be spread over several blocks.
-    void insert(std::string_view name, std::uint32_t line);
+    /// @return the record of that name.
+    SystemParameter& insert(std::string_view name, std::uint32_t line);
 
     Map::const_iterator begin() const { return parameters_.begin(); }
     Map::const_iterator end() const { return parameters_.end(); }
