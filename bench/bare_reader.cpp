@@ -1,6 +1,6 @@
 // bare_reader: the least that reading definitions can cost with the containers of the standard
-// library. Reads both definition files through the readers' buffer, counts each word in a map, and
-// puts the keys of the presets into a set.
+// library. Reads both definition files line by line, counts each word in a map, and puts the keys
+// of the presets into a set.
 //
 // Usage: bare_reader PARAMETERS PRESETS KEYS
 //
@@ -28,7 +28,7 @@ void readFile(const char* path, Take take) {
         std::fprintf(stderr, "bare_reader: cannot read %s\n", path);
         std::exit(EXIT_FAILURE);
     }
-    DefinitionLineReader lines(stream.get());
+    LineReader<512> lines(stream.get());
     while (const auto line = lines.next())
         take(*line);
 }

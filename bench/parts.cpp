@@ -15,6 +15,7 @@
 #include "paramdef/param_def_file.h"
 #include "paramdef/postfix.h"
 #include "presetdef/preset_def_file.h"
+#include "support/kept_text.h"
 #include "support/memory_file.h"
 #include "tables/preset_keys.h"
 #include "text/cursor.h"
@@ -176,7 +177,7 @@ Expression expressionOf(std::int64_t repetitions) {
         text += " || (inputs * 2 + 1 > outputs && variant == \"studio\")";
     text += ")";
     Expression expression;
-    Cursor line({text, 1});
+    Cursor line({test::kept(text), 1});
     require(ExpressionTokenizer().parse(line, expression) == ParamDefResult::ok, "an expression");
     return expression;
 }
@@ -205,7 +206,8 @@ BENCHMARK(evaluateExpression)->Arg(1)->Arg(100);
 
 void expandKeySet(benchmark::State& state, std::size_t preset) {
     const auto& manager = managerOf(state.range());
-    const auto definition = definitionsOf(state.range()).presets.presets.at(preset);
+    const auto definitions = definitionsOf(state.range());
+    const auto& definition = definitions.presets.presets.at(preset);
     std::size_t size = 0;
     while (state.KeepRunning())
         size = PresetGenerate::keySet(manager.indices(), manager.readWrite(), manager.readOnly(),

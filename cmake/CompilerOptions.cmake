@@ -42,7 +42,7 @@ option(MORVANE_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSaniti
 if(MORVANE_SANITIZE)
     set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_compile_options(morvane_options INTERFACE ${sanitizers})
-    target_compile_definitions(morvane_options INTERFACE _GLIBCXX_ASSERTIONS)
+    target_compile_definitions(morvane_options INTERFACE MORVANE_SANITIZE _GLIBCXX_ASSERTIONS)
     target_link_options(morvane_options INTERFACE ${sanitizers})
 else()
     target_compile_options(morvane_options INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)

@@ -21,7 +21,8 @@ PresetManager::PresetManager(const Definitions& definitions, const SystemArgumen
     for (const auto& preset : presets.presets) {
         auto keys = PresetGenerate::keySet(indices_, readWrite_, readOnly_, preset);
         if (!keys.empty())
-            presets_.try_emplace(preset.name, std::move(keys)); // the first of each name stays
+            presets_.try_emplace(std::string(preset.name),
+                                 std::move(keys)); // the first of each name stays
     }
 }
 

@@ -40,7 +40,6 @@ ParamDefResult DefaultParser::readToken(Cursor& line) {
 
 ParamDefResult DefaultParser::readValue(Cursor& line) {
     if (string_.open(line)) {
-        keepLine(default_.value.lines, line.line());
         expect_ = Expect::stringEnd;
         return readString(line);
     }
@@ -52,14 +51,14 @@ ParamDefResult DefaultParser::readValue(Cursor& line) {
     const auto result = readBareNumber(line, "}", number);
     if (result != ParamDefResult::ok)
         return result;
-    default_.value.append(std::move(number), line.line());
+    default_.value.tokens.push_back(number);
     expect_ = Expect::closeBrace;
     return ParamDefResult::incomplete;
 }
 
 ParamDefResult DefaultParser::readString(Cursor& line) {
     if (string_.parse(line)) {
-        default_.value.append(string_.take(), line.line());
+        default_.value.tokens.push_back(string_.take());
         expect_ = Expect::closeBrace;
     }
     return ParamDefResult::incomplete;

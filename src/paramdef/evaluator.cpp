@@ -21,7 +21,9 @@ ExprValue numberValue(std::int32_t number) {
 }
 
 ExprValue operandValue(const Token& token) {
-    return {.type = static_cast<Type>(token.type), .number = token.number, .text = token.text};
+    return {.type = static_cast<Type>(token.type),
+            .number = token.number,
+            .text = std::string(token.text)};
 }
 
 // Replaces a name with its value.

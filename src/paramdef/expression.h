@@ -1,5 +1,6 @@
 // The records of the expression language of conditions and computed values: tokens, expressions,
-// and the operands of an evaluation.
+// and the operands of an evaluation. Tokens borrow their texts from the text of the definition
+// file.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +10,6 @@
 #include <vector>
 
 namespace morvane {
-
-struct SourceLine;
 
 /// What a token is. Operators come first, in the order in which their operations are dispatched;
 /// each of them takes two operands.
@@ -54,41 +53,19 @@ struct Token {
     std::uint32_t column = 0; ///< byte offset in the line, counted from 0
     TokenType type = TokenType::TOKEN_NUMBER;
     std::int32_t number = 0; ///< of a TOKEN_NUMBER
-    std::string text;        ///< of a TOKEN_STRING or a TOKEN_NAME
+    std::string_view text;   ///< of a TOKEN_STRING or a TOKEN_NAME
 
     bool operator==(const Token&) const = default;
 };
 
 using TokenList = std::vector<Token>;
 
-/// One line of a definition file, for messages about what is on it.
-struct SourceText {
-    std::uint32_t number = 0; ///< counted from 1
-    std::string text;
-
-    bool operator==(const SourceText&) const = default;
-};
-
-/// Source lines, ordered by number. A flat list: most expressions fit on one line.
-using SourceTexts = std::vector<SourceText>;
-
-/// Tokens in source order, with the text of every line that has one. Empty without tokens.
+/// Tokens in source order.
 struct Expression {
     TokenList tokens;
-    SourceTexts lines;
 
     bool empty() const { return tokens.empty(); }
-
-    /// Appends a token and keeps the text of its line.
-    void append(Token token, const SourceLine& line);
 };
-
-/// Adds the line's text to `texts`, unless it is already the last line there.
-/// @param line not before the lines already there.
-void keepLine(SourceTexts& texts, const SourceLine& line);
-
-/// @return the text of the line with this number, which must be in `texts`; borrowed from them.
-std::string_view textOfLine(const SourceTexts& texts, std::uint32_t number);
 
 /// The value of an operand during an evaluation.
 struct ExprValue {

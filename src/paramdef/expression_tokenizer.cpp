@@ -78,7 +78,6 @@ ParamDefResult ExpressionTokenizer::readToken(Cursor& line, Expression& expressi
     }
     if (string_.open(line)) {
         inside_ = Inside::string;
-        keepLine(expression.lines, line.line());
         readString(line, expression);
         return ParamDefResult::incomplete;
     }
@@ -93,7 +92,7 @@ void ExpressionTokenizer::readString(Cursor& line, Expression& expression) {
     if (!string_.parse(line))
         return;
     inside_ = Inside::expression;
-    expression.append(string_.take(), line.line());
+    expression.tokens.push_back(string_.take());
 }
 
 void ExpressionTokenizer::readIndex(Cursor& line, Expression& expression) {
@@ -104,9 +103,11 @@ void ExpressionTokenizer::readIndex(Cursor& line, Expression& expression) {
     if (close == std::string_view::npos)
         return;
     inside_ = Inside::expression;
-    const auto text = std::exchange(indexText_, {});
-    expression.tokens.back().text.append("[").append(trimSpace(text)).append("]");
-    keepLine(expression.lines, line.line());
+    auto& name = expression.tokens.back().text;
+    std::string indexed(name);
+    indexed.append("[").append(trimSpace(indexText_)).append("]");
+    name = line.keep(std::move(indexed));
+    indexText_.clear();
 }
 
 ParamDefResult ExpressionTokenizer::readSymbol(Cursor& line, Expression& expression) {
@@ -133,7 +134,7 @@ ParamDefResult ExpressionTokenizer::addOperator(Cursor& line, TokenType type,
         line.skipSpace();
         return ParamDefResult::ok;
     }
-    expression.append(tokenAt(line, type), line.line());
+    expression.tokens.push_back(tokenAt(line, type));
     return ParamDefResult::incomplete;
 }
 
@@ -144,7 +145,6 @@ void ExpressionTokenizer::addWord(const Cursor& line, std::string_view word,
         auto& sign = expression.tokens.back();
         sign.type = TokenType::TOKEN_NUMBER;
         sign.number = negated(*number);
-        keepLine(expression.lines, line.line());
         return;
     }
     auto token = tokenAt(line, number ? TokenType::TOKEN_NUMBER : TokenType::TOKEN_NAME);
@@ -152,7 +152,7 @@ void ExpressionTokenizer::addWord(const Cursor& line, std::string_view word,
         token.number = *number;
     else
         token.text = word;
-    expression.append(std::move(token), line.line());
+    expression.tokens.push_back(token);
 }
 
 } // namespace morvane

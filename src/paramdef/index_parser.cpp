@@ -35,8 +35,7 @@ ParamDefResult IndexParser::readName(Cursor& line) {
     const auto name = line.word(",}");
     if (name.empty())
         return ParamDefResult::syntaxError;
-    dimension_.names.push_back({std::string(name), line.line().number, line.tokenColumn()});
-    keepLine(dimension_.lines, line.line());
+    dimension_.names.push_back({name, line.line().number, line.tokenColumn()});
     expect_ = Expect::commaOrClose;
     return ParamDefResult::incomplete;
 }

@@ -29,6 +29,7 @@ bool QuotedString::open(Cursor& line) {
     const auto column = line.column();
     if (!line.accept('"'))
         return false;
+    begun_.clear();
     token_ = {
         .line = line.line().number, .column = column, .type = TokenType::TOKEN_STRING, .text = {}};
     return true;
@@ -38,12 +39,15 @@ bool QuotedString::parse(Cursor& line) {
     const auto rest = line.rest();
     const auto quote = rest.find('"');
     if (quote == std::string_view::npos) {
-        token_.text += rest.substr(0, rest.empty() ? 0 : rest.size() - 1);
+        begun_ += rest.substr(0, rest.empty() ? 0 : rest.size() - 1);
+        token_.text = begun_;
         line.advance(rest.size());
         return false;
     }
-    token_.text += rest.substr(0, quote);
+    token_.text = rest.substr(0, quote);
     line.advance(quote + 1);
+    if (!begun_.empty())
+        token_.text = line.keep(std::exchange(begun_, {}).append(token_.text));
     return true;
 }
 

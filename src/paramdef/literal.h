@@ -4,6 +4,7 @@
 #include "paramdef/expression.h"
 #include "paramdef/param_def_result.h"
 
+#include <string>
 #include <utility>
 
 namespace morvane {
@@ -37,6 +38,7 @@ public:
 
 private:
     Token token_;
+    std::string begun_; ///< what earlier lines gave
 };
 
 } // namespace morvane

@@ -28,12 +28,11 @@ ParamDefResult readParamDefFile(const char* path, SystemParameterTable* table) {
         printAtOnce("Can't open file\n");
         return ParamDefResult::internalError;
     }
-    DefinitionLineReader lines(stream.get());
     ParamDefParser parser;
     ParamDefResult result = ParamDefResult::internalError;
     std::uint32_t lineNumber = 1;
     std::uint32_t errorColumn = 0;
-    while (const auto line = lines.next()) {
+    while (const auto line = table->text().readLine(stream.get())) {
         result = parser.parseParamDefLine(*table, errorColumn, *line, lineNumber);
         if (result != ParamDefResult::ok) {
             printError(result, *line, lineNumber, errorColumn);

@@ -34,7 +34,7 @@ constexpr std::array attributeKeywords{
 ParamDefResult ParamDefParser::parseParamDefLine(SystemParameterTable& table,
                                                  std::uint32_t& errorColumn, std::string_view line,
                                                  std::uint32_t lineNumber) {
-    Cursor cursor({line, lineNumber});
+    Cursor cursor({line, lineNumber, &table.text()});
     if (!cursor.skipSpace() || cursor.sees('#'))
         return ParamDefResult::ok;
     parameter_ = nullptr;

@@ -10,7 +10,6 @@
 #include "paramdef/value_change_parser.h"
 
 #include <cstdint>
-#include <string>
 #include <string_view>
 
 namespace morvane {
@@ -40,6 +39,8 @@ public:
     ///
     /// @param errorColumn the byte offset of the last token that the parser began to read: after an
     ///                    error, where the caret goes. Left alone by a blank or comment line.
+    /// @param line        borrowed by the parameters: a line of `table.text()`, or of a text that
+    ///                    lives longer than the table.
     /// @param lineNumber  counted from 1.
     /// @return ok, also when the line ended inside a construct; invalidAccess, syntaxError, or
     ///         internalError when `table` lost the parameter of the open block.
@@ -57,7 +58,7 @@ private:
     ParamDefResult finishAttribute(SystemParameter& parameter);
 
     ParamDefParseState state_ = ParamDefParseState::expectName;
-    std::string name_;                     ///< of the open block
+    std::string_view name_;                ///< of the open block
     SystemParameter* parameter_ = nullptr; ///< of that name, once it was needed on this line
     RangeParser range_;
     ExpressionTokenizer tokenizer_;

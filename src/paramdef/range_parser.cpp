@@ -84,7 +84,7 @@ ParamDefResult RangeParser::readNumber(Cursor& line, const CharacterSet& delimit
     const auto result = readBareNumber(line, delimiters, number);
     if (result != ParamDefResult::ok)
         return result;
-    bound.push_back(std::move(number));
+    bound.push_back(number);
     expect_ = next;
     return ParamDefResult::incomplete;
 }

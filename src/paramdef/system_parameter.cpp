@@ -48,7 +48,7 @@ SystemParameter* SystemParameterTable::find(std::string_view name) {
 SystemParameter& SystemParameterTable::insert(std::string_view name, std::uint32_t line) {
     const auto sizeBefore = parameters_.size();
     // The end is tried first: most files define their parameters more or less in name order.
-    const auto place = parameters_.try_emplace(parameters_.end(), std::string(name));
+    const auto place = parameters_.try_emplace(parameters_.end(), name);
     if (parameters_.size() > sizeBefore) {
         place->second.name = name;
         place->second.line = line;

@@ -1,13 +1,15 @@
 // The catalogue of system parameters as the parameter definition file declares them. Names, values
-// and conditions stay as they were written; nothing is evaluated here.
+// and conditions stay as they were written, and borrow their texts from the text of the file;
+// nothing is evaluated here.
 #pragma once
 
 #include "paramdef/expression.h"
+#include "text/source_text.h"
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -26,7 +28,7 @@ enum class AccessType : std::int32_t {
 std::optional<AccessType> accessTypeOf(std::string_view keyword);
 
 struct IndexName {
-    std::string name;
+    std::string_view name;
     std::uint32_t line = 0;
     std::uint32_t column = 0;
 
@@ -36,10 +38,9 @@ struct IndexName {
 /// One `index` attribute: one dimension of a parameter.
 struct IndexDimension {
     std::vector<IndexName> names; ///< at least one
-    SourceTexts lines;            ///< the lines that the names are on
 
     /// The index that gives the dimension its values. Further names are kept but not used.
-    const std::string& indexName() const { return names.front().name; }
+    std::string_view indexName() const { return names.front().name; }
 };
 
 /// A single value, or the span from `low` to `high`. Each bound is one number, one string, or the
@@ -65,17 +66,17 @@ struct DefaultSpec {
 struct ValueChange {
     std::uint32_t fromLine = 0;
     std::uint32_t fromColumn = 0;
-    std::string from;
+    std::string_view from;
     std::uint32_t toLine = 0;
     std::uint32_t toColumn = 0;
-    std::string to;
+    std::string_view to;
 
     bool operator==(const ValueChange&) const = default;
 };
 
 /// One parameter, its attribute lists in file order.
 struct SystemParameter {
-    std::string name;
+    std::string_view name;
     std::uint32_t line = 0; ///< where the name was first read
     AccessType access = AccessType::ACCESS_INDEX;
     std::vector<IndexDimension> indices;
@@ -90,10 +91,11 @@ struct SystemParameter {
     bool hasIndex(std::string_view indexName) const;
 };
 
-/// The parameters by name, in bytewise order.
+/// The parameters by name, in bytewise order. Copies share the text that the parameters borrow
+/// from.
 class SystemParameterTable {
 public:
-    using Map = std::map<std::string, SystemParameter, std::less<>>;
+    using Map = std::map<std::string_view, SystemParameter>;
 
     /// @return the parameter, or null; valid as long as the table.
     const SystemParameter* find(std::string_view name) const;
@@ -101,6 +103,9 @@ public:
 
     /// Adds a parameter without attributes. A name that is there already keeps its record and its
     /// line, so that the attributes of a parameter may be spread over several blocks.
+    ///
+    /// @param name borrowed, as all texts of the record will be: from `text()`, or from what lives
+    ///             longer than the table.
     /// @return the record of that name.
     SystemParameter& insert(std::string_view name, std::uint32_t line);
 
@@ -108,7 +113,12 @@ public:
     Map::const_iterator end() const { return parameters_.end(); }
     std::size_t size() const { return parameters_.size(); }
 
+    /// What the parameters borrow their texts from.
+    SourceText& text() { return *text_; }
+    const SourceText& text() const { return *text_; }
+
 private:
+    std::shared_ptr<SourceText> text_ = std::make_shared<SourceText>();
     Map parameters_;
 };
 

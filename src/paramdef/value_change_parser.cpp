@@ -3,8 +3,6 @@
 #include "text/cursor.h"
 #include "text/token_loop.h"
 
-#include <string>
-
 namespace morvane {
 
 ParamDefResult ValueChangeParser::parse(Cursor& line) {
@@ -47,13 +45,13 @@ ParamDefResult ValueChangeParser::readSide(Cursor& line, Expect stringEnd, Expec
         expect_ = stringEnd;
         return readString(line, next);
     }
-    std::string text(line.peekWord(delimiters));
+    const auto text = line.peekWord(delimiters);
     Token side;
     const auto result = readBareNumber(line, delimiters, side);
     if (result != ParamDefResult::ok)
         return result;
-    side.text = std::move(text);
-    finishSide(std::move(side), next);
+    side.text = text;
+    finishSide(side, next);
     return ParamDefResult::incomplete;
 }
 
@@ -63,15 +61,15 @@ ParamDefResult ValueChangeParser::readString(Cursor& line, Expect next) {
     return ParamDefResult::incomplete;
 }
 
-void ValueChangeParser::finishSide(Token side, Expect next) {
+void ValueChangeParser::finishSide(const Token& side, Expect next) {
     if (next == Expect::arrow) {
         change_.fromLine = side.line;
         change_.fromColumn = side.column;
-        change_.from = std::move(side.text);
+        change_.from = side.text;
     } else {
         change_.toLine = side.line;
         change_.toColumn = side.column;
-        change_.to = std::move(side.text);
+        change_.to = side.text;
     }
     expect_ = next;
 }

@@ -34,7 +34,7 @@ private:
     ParamDefResult readToken(Cursor& line);
     ParamDefResult readSide(Cursor& line, Expect stringEnd, Expect next);
     ParamDefResult readString(Cursor& line, Expect next);
-    void finishSide(Token side, Expect next);
+    void finishSide(const Token& side, Expect next);
 
     Expect expect_ = Expect::openBrace;
     QuotedString string_;

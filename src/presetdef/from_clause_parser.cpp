@@ -13,9 +13,9 @@ namespace {
 
 // Reads a word, or a quoted text, which may hold blanks but none of the delimiters. If the closing
 // quote is missing at the end of the line, the line feed becomes part of the text.
-std::string quotedTextOrWord(Cursor& line, const CharacterSet& delimiters) {
+std::string_view quotedTextOrWord(Cursor& line, const CharacterSet& delimiters) {
     if (!line.accept('"'))
-        return std::string(line.word(delimiters));
+        return line.word(delimiters);
     const auto rest = line.rest();
     const auto end = std::find_if(rest.begin(), rest.end(), [&delimiters](char c) {
         return c == '"' || delimiters.contains(c);
@@ -23,7 +23,7 @@ std::string quotedTextOrWord(Cursor& line, const CharacterSet& delimiters) {
     const auto text = rest.substr(0, static_cast<std::size_t>(end - rest.begin()));
     line.advance(text.size());
     line.accept('"');
-    return std::string(text);
+    return text;
 }
 
 } // namespace
@@ -83,10 +83,10 @@ PresetParseResult FromClauseParser::parseKey(Cursor& line) {
 }
 
 PresetParseResult FromClauseParser::parseValue(Cursor& line) {
-    auto value = quotedTextOrWord(line, "},");
+    const auto value = quotedTextOrWord(line, "},");
     if (value.empty())
         return PARSE_PRESET_MISSING_IDENTIFIER;
-    from_.values.try_emplace(std::exchange(key_, {}), std::move(value)); // the first pair stays
+    from_.values.try_emplace(key_, value); // the first pair stays
     expect_ = Expect::commaOrMapEnd;
     return PARSE_PRESET_CONTINUE;
 }

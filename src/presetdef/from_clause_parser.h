@@ -4,7 +4,7 @@
 #include "presetdef/preset_parse_result.h"
 #include "presetdef/translate_section.h"
 
-#include <string>
+#include <string_view>
 #include <utility>
 
 namespace morvane {
@@ -35,7 +35,7 @@ private:
     PresetParseResult parseCommaOrMapEnd(Cursor& line);
 
     Expect expect_ = Expect::openBrace;
-    std::string key_; ///< of the pair being read
+    std::string_view key_; ///< of the pair being read
     FromMapping from_;
 };
 

@@ -57,7 +57,7 @@ PresetParseResult IndexMappingParser::parseText(Cursor& line) {
     const auto text = line.word(",}");
     if (text.empty())
         return PARSE_PRESET_MISSING_IDENTIFIER;
-    mapping_.pairs.emplace_back(std::exchange(indexName_, {}), text);
+    mapping_.pairs.emplace_back(indexName_, text);
     expect_ = Expect::commaOrClose;
     return PARSE_PRESET_CONTINUE;
 }

@@ -4,7 +4,7 @@
 #include "presetdef/preset_parse_result.h"
 #include "presetdef/translate_section.h"
 
-#include <string>
+#include <string_view>
 #include <utility>
 
 namespace morvane {
@@ -33,7 +33,7 @@ private:
     PresetParseResult parseCommaOrClose(Cursor& line);
 
     Expect expect_ = Expect::count;
-    std::string indexName_; ///< of the pair being read
+    std::string_view indexName_; ///< of the pair being read
     IndexMapping mapping_;
 };
 

@@ -28,12 +28,11 @@ PresetParseResult readPresetDefFile(const char* path, PresetDefinitions* definit
     const OwnedStream stream(std::fopen(path, "r"));
     if (!stream)
         return PARSE_PRESET_IO_ERROR;
-    DefinitionLineReader lines(stream.get());
     PresetDefParser parser;
     PresetParseResult result = PARSE_PRESET_IO_ERROR;
     std::uint32_t lineNumber = 1;
     std::uint32_t errorColumn = 0;
-    while (const auto line = lines.next()) {
+    while (const auto line = definitions->text->readLine(stream.get())) {
         result = parser.parsePresetDefLine(*definitions, errorColumn, *line, lineNumber);
         if (result != PARSE_PRESET_OK && result != PARSE_PRESET_CONTINUE) {
             printError(result, *line, lineNumber, errorColumn);

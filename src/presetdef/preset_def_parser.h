@@ -22,6 +22,8 @@ public:
     ///
     /// @param errorColumn after an error, the byte offset at which parsing stopped: after a refused
     ///                    word, at a refused character; else left alone.
+    /// @param line        borrowed by the definitions: a line of their text, or of one that lives
+    ///                    longer.
     /// @param lineNumber  counted from 1.
     /// @return PARSE_PRESET_OK when no block is open, PARSE_PRESET_CONTINUE when one is, or an
     /// error.

@@ -1,11 +1,14 @@
 // The records of the preset definition file. All lists keep file order and duplicates; names and
-// values stay as they were written. A record's line is where it began.
+// values stay as they were written, and are borrowed from the text of the file. A record's line is
+// where it began.
 #pragma once
 
 #include "presetdef/translate_section.h"
+#include "text/source_text.h"
 
 #include <cstdint>
-#include <string>
+#include <memory>
+#include <string_view>
 #include <vector>
 
 namespace morvane {
@@ -30,7 +33,7 @@ struct IndexValueSet {
     /// The kind of the last element. It alone decides which of the three lists counts, so a set of
     /// mixed kinds means less than it says: `{ 1, 2..5 }` is the range alone.
     Kind kind = Kind::none;
-    std::vector<std::string> names;
+    std::vector<std::string_view> names;
     std::vector<std::uint32_t> numbers;
     std::vector<ValueRange> ranges;
 
@@ -38,7 +41,7 @@ struct IndexValueSet {
 };
 
 struct IndexSelector {
-    std::string indexName;
+    std::string_view indexName;
     bool isNot = false;
     IndexValueSet values; ///< of kind none when no set was written
 
@@ -57,7 +60,7 @@ struct IndexSpec {
 /// One parameter named in a list.
 struct PresetItem {
     std::uint32_t line = 0;
-    std::string name;
+    std::string_view name;
     std::vector<IndexSpec> indexSpecs;
 
     bool operator==(const PresetItem&) const = default;
@@ -87,7 +90,7 @@ struct PresetList {
 
 struct PresetDefinition {
     std::uint32_t line = 0;
-    std::string name;
+    std::string_view name;
     std::vector<PresetList> includeLists;
     std::vector<PresetList> excludeLists;
 
@@ -97,8 +100,13 @@ struct PresetDefinition {
 struct PresetDefinitions {
     std::vector<TranslateSection> translateSections;
     std::vector<PresetDefinition> presets;
+    /// What the records borrow their texts from, shared by copies.
+    std::shared_ptr<SourceText> text = std::make_shared<SourceText>();
 
-    bool operator==(const PresetDefinitions&) const = default;
+    /// Compares the records.
+    bool operator==(const PresetDefinitions& other) const {
+        return translateSections == other.translateSections && presets == other.presets;
+    }
 };
 
 } // namespace morvane

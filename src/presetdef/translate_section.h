@@ -1,10 +1,11 @@
 // The records of a translate section: how entries of preset data files that were written for an
-// older parameter set are carried over. Texts stay as they were written.
+// older parameter set are carried over. Texts stay as they were written, and are borrowed from the
+// text of the file.
 #pragma once
 
 #include <cstdint>
 #include <map>
-#include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -13,7 +14,7 @@ namespace morvane {
 /// Old parameters whose entries are dropped.
 struct RemovedList {
     std::uint32_t line = 0;
-    std::vector<std::string> names;
+    std::vector<std::string_view> names;
 
     bool operator==(const RemovedList&) const = default;
 };
@@ -21,8 +22,8 @@ struct RemovedList {
 /// The old parameter that a current one comes from.
 struct FromMapping {
     std::uint32_t line = 0;
-    std::string oldName;
-    std::map<std::string, std::string, std::less<>> values; ///< old value text to new value text
+    std::string_view oldName;
+    std::map<std::string_view, std::string_view> values; ///< old value text to new value text
 
     bool operator==(const FromMapping&) const = default;
 };
@@ -31,14 +32,14 @@ struct FromMapping {
 struct IndexMapping {
     std::uint32_t line = 0;
     std::uint32_t count = 0; ///< the number of indices of the old entries that this is for
-    std::vector<std::pair<std::string, std::string>> pairs; ///< index name, template text
+    std::vector<std::pair<std::string_view, std::string_view>> pairs; ///< index name, template text
 
     bool operator==(const IndexMapping&) const = default;
 };
 
 struct TranslateMapping {
     std::uint32_t line = 0;
-    std::string newName;
+    std::string_view newName;
     std::vector<IndexMapping> indexMappings;
     std::vector<FromMapping> fromMappings;
 

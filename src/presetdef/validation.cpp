@@ -28,7 +28,8 @@ PresetParseResult validateRemovedList(const RemovedList& list,
         if (parameters.find(name) != nullptr)
             return reportInvalid(
                 list.line,
-                name + " - In translate removed list, but still a defined system parameter",
+                std::string(name) +
+                    " - In translate removed list, but still a defined system parameter",
                 PARSE_PRESET_SYNTAX);
     }
     return PARSE_PRESET_OK;
@@ -43,14 +44,17 @@ PresetParseResult validateIndexMapping(const IndexMapping& mapping,
     for (const auto& [indexName, text] : mapping.pairs) {
         const auto found = missing.find(indexName);
         if (found == missing.end())
-            return reportInvalid(
-                mapping.line, indexName + " - is not an index for the parameter " + parameter.name,
-                PARSE_PRESET_INVALID_INDEX);
+            return reportInvalid(mapping.line,
+                                 std::string(indexName)
+                                     .append(" - is not an index for the parameter ")
+                                     .append(parameter.name),
+                                 PARSE_PRESET_INVALID_INDEX);
         missing.erase(found);
     }
     if (!missing.empty())
         return reportInvalid(mapping.line,
-                             parameter.name + " - Missing indices from translate index mapping",
+                             std::string(parameter.name) +
+                                 " - Missing indices from translate index mapping",
                              PARSE_PRESET_INVALID_RANGE);
     return PARSE_PRESET_OK;
 }
@@ -59,7 +63,8 @@ PresetParseResult validateMapping(const TranslateMapping& mapping,
                                   const SystemParameterTable& parameters) {
     const auto* const parameter = parameters.find(mapping.newName);
     if (parameter == nullptr)
-        return reportInvalid(mapping.line, mapping.newName + " - is an undefined system parameter",
+        return reportInvalid(mapping.line,
+                             std::string(mapping.newName) + " - is an undefined system parameter",
                              PARSE_PRESET_ACCESS_ERR);
     for (const auto& indexMapping : mapping.indexMappings) {
         const auto result = validateIndexMapping(indexMapping, *parameter);
@@ -69,7 +74,7 @@ PresetParseResult validateMapping(const TranslateMapping& mapping,
     return PARSE_PRESET_OK;
 }
 
-bool isIndex(const SystemParameterTable& parameters, const std::string& name) {
+bool isIndex(const SystemParameterTable& parameters, std::string_view name) {
     const auto* const parameter = parameters.find(name);
     return parameter != nullptr && parameter->access == AccessType::ACCESS_INDEX;
 }
@@ -86,13 +91,15 @@ PresetParseResult validateClause(const IndexSpec& clause, const SystemParameter*
                                  const SystemParameterTable& parameters) {
     for (const auto& [indexName, isNot, values] : clause.selectors) {
         if (!isIndex(parameters, indexName))
-            return reportInvalid(clause.line, indexName + " - is an undefined system index",
+            return reportInvalid(clause.line,
+                                 std::string(indexName) + " - is an undefined system index",
                                  PARSE_PRESET_INVALID_INDEX);
         if (parameter == nullptr || parameter->hasIndex(indexName))
             continue;
         return reportInvalid(clause.line,
-                             indexName + " - is not defined as an index for the parameter " +
-                                 parameter->name,
+                             std::string(indexName)
+                                 .append(" - is not defined as an index for the parameter ")
+                                 .append(parameter->name),
                              PARSE_PRESET_INVALID_INDEX);
     }
     return PARSE_PRESET_OK;
@@ -102,7 +109,7 @@ PresetParseResult validateClause(const IndexSpec& clause, const SystemParameter*
 PresetParseResult validateItem(const PresetItem& item, PresetList::Access access,
                                const SystemParameterTable& parameters) {
     const auto* const parameter = parameters.find(item.name);
-    const auto subject = " " + item.name;
+    const auto subject = std::string(" ").append(item.name);
     if (parameter == nullptr)
         return reportInvalid(item.line, subject + " - is an undefined system parameter",
                              PARSE_PRESET_ACCESS_ERR);

@@ -55,7 +55,7 @@ ChosenValues ChosenValues::asWritten(const IndexValueSet& set, const IndexValues
     case Kind::none:
         return ChosenValues(indexValues);
     case Kind::name:
-        return ChosenValues(set.names);
+        return ChosenValues(IndexValues(set.names.begin(), set.names.end()));
     case Kind::number:
         return ChosenValues(decimalTexts(set.numbers));
     case Kind::range:

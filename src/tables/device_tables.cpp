@@ -64,7 +64,7 @@ ParameterMap PresetGenerate::parameterMap(const SystemParameterTable& parameters
             continue;
         IndexNames indexNames;
         for (const auto& dimension : parameter.indices)
-            indexNames.push_back(dimension.indexName());
+            indexNames.emplace_back(dimension.indexName());
         map.emplace_hint(map.end(), name, std::move(indexNames));
     }
     return map;

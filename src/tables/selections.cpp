@@ -12,7 +12,7 @@ bool asksForAbsence(const IndexSelector& selector) {
     return selector.isNot && selector.values.kind == IndexValueSet::Kind::none;
 }
 
-bool hasIndex(const IndexNames& indexNames, const std::string& name) {
+bool hasIndex(const IndexNames& indexNames, std::string_view name) {
     return std::find(indexNames.begin(), indexNames.end(), name) != indexNames.end();
 }
 

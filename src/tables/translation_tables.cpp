@@ -5,17 +5,18 @@
 #include <algorithm>
 #include <cstdio>
 #include <optional>
+#include <string_view>
 
 namespace morvane {
 
 namespace {
 
-void reportMissing(const char* what, const std::string& name) {
+void reportMissing(const char* what, std::string_view name) {
     std::fprintf(stderr, "PresetGenerate::transIndexMapList() Error:Cannot locate %s %s\n", what,
-                 name.c_str());
+                 std::string(name).c_str());
 }
 
-const IndexNames* findParameter(const std::string& name, const ParameterMap& readWrite,
+const IndexNames* findParameter(std::string_view name, const ParameterMap& readWrite,
                                 const ParameterMap& readOnly) {
     for (const auto* const map : {&readWrite, &readOnly}) {
         if (const auto found = map->find(name); found != map->end())
@@ -35,7 +36,7 @@ std::optional<IndexTemplate> templateOf(const IndexMapping& mapping, const Index
             reportMissing("parameter index", indexName);
             return std::nullopt;
         }
-        indices.push_back(pair->second);
+        indices.emplace_back(pair->second);
     }
     return indices;
 }
@@ -58,8 +59,9 @@ void addNames(const TranslateSection& section, TranslationTables& tables) {
         tables.removed.insert(list.names.begin(), list.names.end());
     for (const auto& mapping : section.mappings) {
         for (const auto& from : mapping.fromMappings)
-            tables.nameMappings.try_emplace(from.oldName,
-                                            NameMapping{mapping.newName, from.values});
+            tables.nameMappings.try_emplace(std::string(from.oldName),
+                                            NameMapping{std::string(mapping.newName),
+                                                        {from.values.begin(), from.values.end()}});
     }
 }
 
@@ -78,7 +80,8 @@ void PresetGenerate::transIndexMapList(const std::vector<TranslateMapping>& mapp
         if (!templates)
             return;
         if (!templates->empty())
-            indexMaps[mapping.newName].merge(*templates); // what is there already stays
+            indexMaps[std::string(mapping.newName)].merge(
+                *templates); // what is there already stays
     }
 }
 

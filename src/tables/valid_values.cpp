@@ -14,7 +14,7 @@ namespace {
 
 ExprValue valueOf(const TokenList& tokens, const SystemArguments& arguments) {
     ExprValue value;
-    evaluate(Expression{tokens, {}}, arguments, &value);
+    evaluate(Expression{tokens}, arguments, &value);
     return value;
 }
 

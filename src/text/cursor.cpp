@@ -1,6 +1,10 @@
 #include "text/cursor.h"
 
+#include "text/source_text.h"
+
 #include <algorithm>
+#include <cassert>
+#include <utility>
 
 namespace morvane {
 
@@ -44,6 +48,11 @@ std::string_view Cursor::word(const CharacterSet& delimiters) {
     const auto found = peekWord(delimiters);
     position_ += found.size();
     return found;
+}
+
+std::string_view Cursor::keep(std::string text) const {
+    assert(line_.source != nullptr);
+    return line_.source->keep(std::move(text));
 }
 
 void Cursor::advance(std::size_t count) {

@@ -6,15 +6,19 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace morvane {
+
+class SourceText;
 
 /// One line as it was read, line feed included, with its number counted from 1.
 /// Borrows the text.
 struct SourceLine {
     std::string_view text;
     std::uint32_t number = 0;
+    SourceText* source = nullptr; ///< keeps what is put together from several lines
 };
 
 /// Says whether `c` is white space: blank, \t, \n, \v, \f or \r.
@@ -69,6 +73,10 @@ public:
     std::string_view rest() const { return line_.text.substr(position_); }
 
     const SourceLine& line() const { return line_; }
+
+    /// Keeps a text that does not stand on one line as long as the source text, which must be
+    /// there.
+    std::string_view keep(std::string text) const;
 
     /// The byte offset in the line of the next character to read, counted from 0.
     std::uint32_t column() const { return static_cast<std::uint32_t>(position_); }

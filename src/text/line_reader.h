@@ -37,7 +37,4 @@ private:
     std::array<char, BufferSize> buffer_{};
 };
 
-/// For both kinds of definition file. Longer lines are read as several, each with its own number.
-using DefinitionLineReader = LineReader<512>;
-
 } // namespace morvane

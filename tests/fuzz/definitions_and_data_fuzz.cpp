@@ -102,7 +102,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const test::MemoryFile parameters(parts[1]);
     const test::MemoryFile presets(parts[2]);
     const test::MemoryFile stored(parts[3]);
-    const auto definitions = readDefinitions(parameters.path(), presets.path());
+    auto definitions = readDefinitions(parameters.path(), presets.path());
     // Each item or clause may select all of them once more.
     const auto selections =
         std::count_if(text.begin(), text.end(), [](char c) { return c == '{' || c == ','; });
@@ -110,6 +110,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         !(keyCount(*definitions, arguments) * static_cast<double>(selections) <= maxKeys))
         return 0;
     const PresetManager manager(*definitions, arguments);
+    definitions.reset(); // the tables borrow nothing from them
     const OwnedStream stream(std::fopen(stored.path().c_str(), "r"));
     readPresetFile(stream.get(), [&](PresetEntry& entry) {
         if (translateEntry(manager.translation(), entry))

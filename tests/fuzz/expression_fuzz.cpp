@@ -4,6 +4,7 @@
 #include "paramdef/evaluator.h"
 #include "paramdef/expression_tokenizer.h"
 #include "text/cursor.h"
+#include "text/source_text.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace morvane;
@@ -11,11 +12,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const NameTable names{{"a", "1"}, {"b", "text"}, {"c", ""}, {"d", "0x7fffffff"}};
     for (const auto nameIndices : {NameIndices::refused, NameIndices::accepted}) {
         ExpressionTokenizer tokenizer(nameIndices);
+        SourceText source;
         Expression expression;
         auto text = fuzz::textOf(data, size);
         for (std::uint32_t number = 1; !text.empty(); ++number) {
             const auto length = std::min(text.find('\n'), text.size() - 1) + 1;
-            Cursor line({text.substr(0, length), number});
+            Cursor line({text.substr(0, length), number, &source});
             if (tokenizer.parse(line, expression) != ParamDefResult::incomplete)
                 break;
             text.remove_prefix(length);

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "presetdef/preset_parse_result.h"
+#include "support/kept_text.h"
 #include "support/layouts.h"
 #include "support/preset_records.h"
 #include "text/cursor.h"
@@ -28,14 +29,15 @@ struct Reading {
     Record record;    ///< handed over after PARSE_PRESET_OK
 };
 
-/// Feeds `text` to `parser` line by line until it is done or the text ends.
+/// Feeds a copy of `text`, which is kept, to `parser` line by line until it is done or the text
+/// ends.
 template <typename Parser>
 auto readWith(Parser& parser, std::string_view text) {
     using enum PresetParseResult;
     Reading<decltype(parser.take())> reading;
     std::size_t consumed = 0;
     std::uint32_t number = 0;
-    for (const auto line : linesOf(text)) {
+    for (const auto line : linesOf(kept(text))) {
         Cursor cursor({line, ++number});
         reading.result = parser.parse(cursor);
         consumed += cursor.column();

@@ -14,7 +14,7 @@ SystemParameterTable parametersOf(std::string_view text) {
     ParamDefParser parser;
     std::uint32_t column = 0;
     std::uint32_t number = 0;
-    for (const auto line : linesOf(text)) {
+    for (const auto line : linesOf(table.text().keep(std::string(text)))) {
         const auto result = parser.parseParamDefLine(table, column, line, ++number);
         EXPECT_TRUE(result == ParamDefResult::ok) << line << " at column " << column;
     }
@@ -27,7 +27,7 @@ PresetDefinitions presetDefinitionsOf(std::string_view text) {
     auto result = PresetParseResult::PARSE_PRESET_OK;
     std::uint32_t column = 0;
     std::uint32_t number = 0;
-    for (const auto line : linesOf(text))
+    for (const auto line : linesOf(definitions.text->keep(std::string(text))))
         result = parser.parsePresetDefLine(definitions, column, line, ++number);
     EXPECT_EQ(result, PresetParseResult::PARSE_PRESET_OK) << text << "\nat column " << column;
     return definitions;

@@ -17,8 +17,8 @@ std::string placeOf(std::uint32_t line, std::uint32_t column, Places places) {
     return "@" + std::to_string(line) + ":" + std::to_string(column);
 }
 
-std::string quoted(const std::string& text) {
-    return '"' + text + '"';
+std::string quoted(std::string_view text) {
+    return '"' + std::string(text) + '"';
 }
 
 std::string symbolOf(const Token& token) {
@@ -28,7 +28,7 @@ std::string symbolOf(const Token& token) {
     case TokenType::TOKEN_STRING:
         return quoted(token.text);
     case TokenType::TOKEN_NAME:
-        return token.text;
+        return std::string(token.text);
     case TokenType::TOKEN_LPAREN:
         return "(";
     case TokenType::TOKEN_RPAREN:
@@ -71,7 +71,7 @@ std::string textOf(const TokenList& tokens, Places places) {
 
 std::string textOf(const IndexDimension& dimension, Places places) {
     return joined(dimension.names, " ", [places](const IndexName& name) {
-        return name.name + placeOf(name.line, name.column, places);
+        return std::string(name.name) + placeOf(name.line, name.column, places);
     });
 }
 
@@ -98,7 +98,7 @@ std::string textOf(const ValueChange& change, Places places) {
 std::string textOf(const SystemParameter& parameter) {
     const auto text = [](const auto& attribute) { return textOf(attribute); };
     const auto tokens = [](const Expression& expression) { return textOf(expression.tokens); };
-    return parameter.name + "@" + std::to_string(parameter.line) + " " +
+    return std::string(parameter.name) + "@" + std::to_string(parameter.line) + " " +
            std::to_string(static_cast<int>(parameter.access)) +
            attributesText("index", parameter.indices, text) +
            attributesText("rangeValid", parameter.rangeValid, text) +

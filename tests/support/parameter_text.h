@@ -4,6 +4,7 @@
 #include "paramdef/expression.h"
 #include "paramdef/param_def_result.h"
 #include "paramdef/system_parameter.h"
+#include "support/kept_text.h"
 #include "support/layouts.h"
 #include "text/cursor.h"
 
@@ -52,16 +53,16 @@ struct AttributeReading {
         stop; ///< the text with a "@" where the reading stopped; after an error, at the caret
 };
 
-/// Feeds `text` to `read`, which is called with a cursor for each line, until it is done or the
-/// text ends.
+/// Feeds a copy of `text`, which is kept, to `read`, which is called with a cursor for each line,
+/// until it is done or the text ends.
 template <typename Read>
 AttributeReading readAttribute(std::string_view text, Read read) {
     AttributeReading reading;
     std::size_t before = 0;
     std::size_t stop = 0;
     std::uint32_t number = 0;
-    for (const auto line : linesOf(text)) {
-        Cursor cursor({line, ++number});
+    for (const auto line : linesOf(kept(text))) {
+        Cursor cursor({line, ++number, &keptTexts()});
         reading.result = read(cursor);
         const bool failed =
             reading.result != ParamDefResult::ok && reading.result != ParamDefResult::incomplete;

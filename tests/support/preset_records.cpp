@@ -17,7 +17,7 @@ void forgetLines(std::vector<Record>& records) {
 
 } // namespace
 
-IndexValueSet nameSet(std::vector<std::string> names) {
+IndexValueSet nameSet(std::vector<std::string_view> names) {
     return {IndexValueSet::Kind::name, std::move(names), {}, {}};
 }
 
@@ -29,12 +29,12 @@ IndexValueSet rangeSet(std::vector<ValueRange> ranges) {
     return {IndexValueSet::Kind::range, {}, {}, std::move(ranges)};
 }
 
-IndexSelector plain(std::string indexName, IndexValueSet values) {
-    return {std::move(indexName), false, std::move(values)};
+IndexSelector plain(std::string_view indexName, IndexValueSet values) {
+    return {indexName, false, std::move(values)};
 }
 
-IndexSelector negated(std::string indexName, IndexValueSet values) {
-    return {std::move(indexName), true, std::move(values)};
+IndexSelector negated(std::string_view indexName, IndexValueSet values) {
+    return {indexName, true, std::move(values)};
 }
 
 IndexSpec clause(std::uint32_t line, std::vector<IndexSelector> selectors) {

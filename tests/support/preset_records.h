@@ -8,19 +8,19 @@
 
 #include <cstdint>
 #include <iosfwd>
-#include <string>
+#include <string_view>
 #include <vector>
 
 namespace morvane::test {
 
 // Value sets of one kind of elements.
-IndexValueSet nameSet(std::vector<std::string> names);
+IndexValueSet nameSet(std::vector<std::string_view> names);
 IndexValueSet numberSet(std::vector<std::uint32_t> numbers);
 IndexValueSet rangeSet(std::vector<ValueRange> ranges);
 
 // Selectors with and without "not"; without values if no set is given.
-IndexSelector plain(std::string indexName, IndexValueSet values = {});
-IndexSelector negated(std::string indexName, IndexValueSet values = {});
+IndexSelector plain(std::string_view indexName, IndexValueSet values = {});
+IndexSelector negated(std::string_view indexName, IndexValueSet values = {});
 
 // Index clauses.
 IndexSpec clause(std::uint32_t line, std::vector<IndexSelector> selectors);

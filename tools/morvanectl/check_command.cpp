@@ -4,7 +4,6 @@
 #include "commands.h"
 #include "output.h"
 #include "text/diagnostic.h"
-#include "text/line_reader.h"
 #include "warnings.h"
 
 #include <algorithm>
@@ -19,17 +18,12 @@ namespace {
 /// Warnings with the variants on which they occur.
 using Findings = std::map<Warning, std::vector<std::string>>;
 
-/// The lines of a definition file, split where the daemon splits them.
+/// A definition file, where warnings point.
 class SourceFile {
 public:
-    explicit SourceFile(std::string path) : path_(std::move(path)) {
-        const OwnedStream stream(std::fopen(path_.c_str(), "r"));
-        if (!stream)
-            return;
-        DefinitionLineReader reader(stream.get());
-        while (const auto line = reader.next())
-            lines_.emplace_back(*line);
-    }
+    SourceFile(std::string path, const SourceText& source)
+        : path_(std::move(path)),
+          source_(source) {}
 
     struct Place {
         std::uint32_t line;
@@ -48,15 +42,14 @@ public:
 
 private:
     std::string textOf(std::uint32_t line) const {
-        return line - 1 < lines_.size() ? lines_[line - 1] : "";
+        return std::string(source_.line(line).value_or(""));
     }
 
     Place findWord(std::uint32_t line, const std::string& word) const {
-        for (std::size_t i = line - 1; i < lines_.size(); ++i) {
-            const auto column = columnOf(lines_[i], word);
-            if (column != std::string::npos)
-                return {static_cast<std::uint32_t>(i + 1), static_cast<std::uint32_t>(column),
-                        lines_[i]};
+        for (auto number = line; const auto text = source_.line(number); ++number) {
+            const auto column = columnOf(*text, word);
+            if (column != std::string_view::npos)
+                return {number, static_cast<std::uint32_t>(column), std::string(*text)};
         }
         return {line, 0, textOf(line)};
     }
@@ -66,18 +59,19 @@ private:
     }
 
     // The column at which the text is a whole word.
-    static std::size_t columnOf(const std::string& line, const std::string& word) {
-        for (auto at = line.find(word); at != std::string::npos; at = line.find(word, at + 1)) {
+    static std::size_t columnOf(std::string_view line, const std::string& word) {
+        for (auto at = line.find(word); at != std::string_view::npos;
+             at = line.find(word, at + 1)) {
             const auto end = at + word.size();
             if ((at == 0 || !isWordCharacter(line[at - 1])) &&
                 (end == line.size() || !isWordCharacter(line[end])))
                 return at;
         }
-        return std::string::npos;
+        return std::string_view::npos;
     }
 
     std::string path_;
-    std::vector<std::string> lines_;
+    const SourceText& source_;
 };
 
 /// Every combination of the values of the axes, as system arguments, first name first.
@@ -132,9 +126,11 @@ struct Finding {
 /// Writes what was found, in the order of the places.
 class FindingsWriter {
 public:
-    FindingsWriter(const Settings& settings, const Findings& findings)
-        : parameters_(settings.paramDefFile),
-          presets_(settings.presetDefFile),
+    /// @param definitions borrowed for the writer's life.
+    FindingsWriter(const Settings& settings, const Definitions& definitions,
+                   const Findings& findings)
+        : parameters_(settings.paramDefFile, definitions.parameters.text()),
+          presets_(settings.presetDefFile, *definitions.presets.text),
           variantCount_(combinations(settings.axes).size()) {
         for (const auto& [warning, variants] : findings)
             findings_.push_back(
@@ -191,7 +187,7 @@ ExitStatus checkDefinitions(const Settings& settings) {
     if (!definitions)
         return ExitStatus::error;
     const auto findings = findAll(settings, *definitions);
-    const FindingsWriter writer(settings, findings);
+    const FindingsWriter writer(settings, *definitions, findings);
     settings.json ? writer.writeAsJson() : writer.write();
     return findings.empty() ? ExitStatus::yes : ExitStatus::no;
 }

@@ -44,18 +44,18 @@ bool hasStructure(const Expression& condition) {
     NameTable names;
     for (const auto& token : condition.tokens) {
         if (token.type == TokenType::TOKEN_NAME)
-            names.try_emplace(token.text, "1");
+            names.try_emplace(std::string(token.text), "1");
     }
     return canBeEvaluated(condition, names);
 }
 
-std::string textOf(const Expression& condition) {
+std::string textOf(const Expression& condition, const SourceText& source) {
     std::string text;
-    const auto& [tokens, lines] = condition;
+    const auto& tokens = condition.tokens;
     std::size_t end = 0; // of the token before, on its line
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         const auto& token = tokens[i];
-        const auto line = textOfLine(lines, token.line);
+        const auto line = source.line(token.line).value_or("");
         const bool isNewLine = i == 0 || tokens[i - 1].line != token.line;
         if (i > 0 && (isNewLine || token.column > end))
             text += ' ';
@@ -74,7 +74,7 @@ std::vector<std::string> valuesSeen(const Expression& condition,
         if (token.type != TokenType::TOKEN_NAME)
             continue;
         const auto argument = arguments.find(token.text);
-        auto text = token.text;
+        std::string text(token.text);
         if (parameters.find(token.text) != nullptr)
             text += " is a parameter, whose value is not known yet";
         else if (argument == arguments.end())

@@ -23,8 +23,8 @@ Verdict judge(const Expression& condition, const SystemParameterTable& parameter
 /// Whether the condition could be evaluated if its names had values.
 bool hasStructure(const Expression& condition);
 
-/// The condition as it was written, on one line.
-std::string textOf(const Expression& condition);
+/// The condition as it was written in `source`, on one line.
+std::string textOf(const Expression& condition, const SourceText& source);
 
 /// Each name in the condition with the value it has, such as "inputs is 4" or "model has no value".
 std::vector<std::string> valuesSeen(const Expression& condition,

@@ -72,7 +72,7 @@ private:
         }
         const auto access = static_cast<std::size_t>(parameter->access);
         add(settings_.paramDefFile, parameter->line,
-            parameter->name + " is " + accessWords.at(access));
+            std::string(parameter->name) + " is " + accessWords.at(access));
         bool exists = true;
         for (const auto& condition : parameter->ctrlValid)
             exists = explainCondition(condition) && exists;
@@ -98,20 +98,22 @@ private:
                                      ? " does not hold"
                                      : " cannot be evaluated, so it does not hold";
         const auto line = condition.empty() ? 0 : condition.tokens.front().line;
-        add(settings_.paramDefFile, line, "ctrlValid (" + textOf(condition) + ")" + text + seen);
+        add(settings_.paramDefFile, line,
+            "ctrlValid (" + textOf(condition, parameters_.text()) + ")" + text + seen);
         return conditionHolds(condition, parameters_, settings_.systemArguments);
     }
 
     bool explainIndices(const SystemParameter& parameter) {
         if (parameter.indices.size() != key_.indices().size()) {
-            lines_.push_back(parameter.name + " has " + std::to_string(parameter.indices.size()) +
-                             " indices, " + settings_.key + " has " +
-                             std::to_string(key_.indices().size()));
+            lines_.push_back(std::string(parameter.name) + " has " +
+                             std::to_string(parameter.indices.size()) + " indices, " +
+                             settings_.key + " has " + std::to_string(key_.indices().size()));
             return false;
         }
         bool all = true;
         for (std::size_t i = 0; i < key_.indices().size(); ++i)
-            all = explainIndex(parameter.indices[i].indexName(), std::string(key_.indices()[i])) &&
+            all = explainIndex(std::string(parameter.indices[i].indexName()),
+                               std::string(key_.indices()[i])) &&
                   all;
         return all;
     }

@@ -62,15 +62,15 @@ private:
 
     void checkStructure(const Expression& condition) {
         if (!condition.empty() && !hasStructure(condition))
-            addAt(condition.tokens,
-                  "the condition (" + textOf(condition) + ") has a bad structure and never holds");
+            addAt(condition.tokens, "the condition (" + textOf(condition, parameters_.text()) +
+                                        ") has a bad structure and never holds");
     }
 
     void checkCondition(const Expression& condition) {
         if (judge(condition, parameters_, arguments_) != Verdict::unusable)
             return;
         if (hasStructure(condition))
-            addAt(condition.tokens, "the condition (" + textOf(condition) +
+            addAt(condition.tokens, "the condition (" + textOf(condition, parameters_.text()) +
                                         ") cannot be evaluated and does not hold" +
                                         seen(condition));
         else
@@ -79,7 +79,7 @@ private:
 
     bool isComputable(const TokenList& tokens) const {
         ExprValue value;
-        evaluate(Expression{tokens, {}}, arguments_, &value);
+        evaluate(Expression{tokens}, arguments_, &value);
         return value.type != ExprValue::Type::invalid;
     }
 
@@ -90,9 +90,8 @@ private:
         for (const auto& [low, high] : range.items) {
             for (const auto* const bound : {&low, &high}) {
                 if (!bound->empty() && !isComputable(*bound))
-                    addAt(*bound, "a value of " + parameter_.name +
-                                      " cannot be computed and is left out" +
-                                      seen(Expression{*bound, {}}));
+                    addAt(*bound, "a value of " + name_ + " cannot be computed and is left out" +
+                                      seen(Expression{*bound}));
             }
         }
     }
@@ -104,17 +103,16 @@ private:
             return span == nullptr || span->low <= span->high;
         });
         if (!hasValue)
-            add(parameter_.line, parameter_.name,
-                "index " + parameter_.name +
-                    " has no value, so parameters that have it have no key");
+            add(parameter_.line, name_,
+                "index " + name_ + " has no value, so parameters that have it have no key");
     }
 
     void checkDimension(const IndexDimension& dimension) {
-        const auto& name = dimension.indexName();
+        const std::string name(dimension.indexName());
         const auto* const index = parameters_.find(name);
         if (index == nullptr || index->access != AccessType::ACCESS_INDEX)
             add(dimension.names.front().line, name,
-                "there is no index " + name + ", so " + parameter_.name + " has no key");
+                "there is no index " + name + ", so " + name_ + " has no key");
     }
 
     void checkDefault(const DefaultSpec& chosen) {
@@ -125,7 +123,7 @@ private:
         evaluate(chosen.value, arguments_, &value);
         if (value.type == ExprValue::Type::invalid) {
             addAt(chosen.value.tokens,
-                  "the default of " + parameter_.name + " cannot be computed" + seen(chosen.value));
+                  "the default of " + name_ + " cannot be computed" + seen(chosen.value));
             return;
         }
         const auto valid = validValues(parameter_, parameters_, arguments_);
@@ -133,11 +131,12 @@ private:
             valid.begin(), valid.end(),
             [text = valueText(value)](const ValidValue& item) { return standsFor(item, text); });
         if (!valid.empty() && !fits)
-            addAt(chosen.value.tokens, "the default " + valueText(value) + " of " +
-                                           parameter_.name + " is none of its values");
+            addAt(chosen.value.tokens,
+                  "the default " + valueText(value) + " of " + name_ + " is none of its values");
     }
 
     const SystemParameter& parameter_;
+    const std::string name_{parameter_.name};
     const SystemParameterTable& parameters_;
     const SystemArguments& arguments_;
     std::vector<Warning>& warnings_;

@@ -53,17 +53,18 @@ private:
     }
 
     void addItem(const PresetItem& item) {
+        const std::string name(item.name);
         if (item.indexSpecs.empty()) {
             auto alone = emptyList();
             alone.items = {item};
-            add({item.line, "item " + item.name, item.name, nullptr, item.name}, std::move(alone));
+            add({item.line, "item " + name, name, nullptr, name}, std::move(alone));
         }
         for (const auto& clause : item.indexSpecs) {
             auto alone = emptyList();
             alone.items = {{item.line, item.name, {clause}}};
             add({clause.line,
-                 "item " + item.name + ", index clause on line " + std::to_string(clause.line),
-                 "index", &clause, item.name},
+                 "item " + name + ", index clause on line " + std::to_string(clause.line), "index",
+                 &clause, name},
                 std::move(alone));
         }
     }

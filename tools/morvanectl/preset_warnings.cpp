@@ -22,16 +22,16 @@ public:
           warnings_(warnings) {}
 
     void check(const PresetDefinition& preset) {
-        const auto [first, isNew] = firstLines_.try_emplace(preset.name, preset.line);
+        const std::string name(preset.name);
+        const auto [first, isNew] = firstLines_.try_emplace(name, preset.line);
         if (!isNew)
-            add(preset.line, preset.name,
-                "there is a preset " + preset.name + " already, on line " +
-                    std::to_string(first->second) + "; the first that covers a key counts");
+            add(preset.line, name,
+                "there is a preset " + name + " already, on line " + std::to_string(first->second) +
+                    "; the first that covers a key counts");
         if (PresetGenerate::keySet(manager_.indices(), manager_.readWrite(), manager_.readOnly(),
                                    preset)
                 .empty())
-            add(preset.line, preset.name,
-                "preset " + preset.name + " covers no key, so there is no such preset");
+            add(preset.line, name, "preset " + name + " covers no key, so there is no such preset");
         for (const auto& part : partsOf(preset))
             checkPart(part);
     }
@@ -66,7 +66,8 @@ private:
     }
 
     void checkSelector(std::uint32_t line, const IndexSelector& selector) {
-        const auto& [indexName, isNot, values] = selector;
+        const std::string indexName(selector.indexName);
+        const auto& values = selector.values;
         const auto& [kind, names, numbers, ranges] = values;
         const auto kinds = int{!names.empty()} + int{!numbers.empty()} + int{!ranges.empty()};
         if (kinds > 1)
@@ -94,9 +95,10 @@ private:
 
     void checkValues(std::uint32_t line, const std::string& indexName, const IndexValueSet& set,
                      const IndexValues& values) {
-        const auto check = [&](const std::string& value) {
+        const auto check = [&](std::string_view value) {
             if (std::find(values.begin(), values.end(), value) == values.end())
-                add(line, indexName, "index " + indexName + " does not have the value " + value);
+                add(line, indexName,
+                    "index " + indexName + " does not have the value " + std::string(value));
         };
         switch (set.kind) {
         case IndexValueSet::Kind::none:

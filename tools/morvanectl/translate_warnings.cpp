@@ -20,18 +20,19 @@ public:
           warnings_(warnings) {}
 
     void check(const TranslateMapping& mapping) {
-        if (!manager_.isParameter(mapping.newName)) {
+        const std::string name(mapping.newName);
+        if (!manager_.isParameter(name)) {
             const char* const consequence =
                 mapping.indexMappings.empty()
                     ? " on this variant: entries that become it are dropped"
                     : " on this variant: its index mappings and those after it in the section are "
                       "not used";
-            add(mapping.line, mapping.newName, "no parameter " + mapping.newName + consequence);
+            add(mapping.line, name, "no parameter " + name + consequence);
         }
         for (const auto& from : mapping.fromMappings)
             checkOldName(from);
         for (const auto& indexMapping : mapping.indexMappings)
-            checkIndexMapping(mapping.newName, indexMapping);
+            checkIndexMapping(name, indexMapping);
     }
 
 private:
@@ -40,10 +41,11 @@ private:
     }
 
     void checkOldName(const FromMapping& from) {
-        const auto [first, isNew] = oldNames_.try_emplace(from.oldName, from.line);
+        const std::string name(from.oldName);
+        const auto [first, isNew] = oldNames_.try_emplace(name, from.line);
         if (!isNew)
-            add(from.line, from.oldName,
-                from.oldName + " has a mapping already, on line " + std::to_string(first->second) +
+            add(from.line, name,
+                name + " has a mapping already, on line " + std::to_string(first->second) +
                     ", which counts");
     }
 
@@ -57,10 +59,11 @@ private:
             add(mapping.line, "index",
                 entries + " have an index mapping already, on line " +
                     std::to_string(first->second) + ", which counts");
-        for (const auto& [indexName, text] : mapping.pairs) {
+        for (const auto& [indexName, element] : mapping.pairs) {
+            const std::string text(element);
             const auto position = PresetTranslate::referredPosition(text);
             if (position && *position >= mapping.count)
-                add(mapping.line, indexName, text + beyond);
+                add(mapping.line, std::string(indexName), text + beyond);
         }
     }
 

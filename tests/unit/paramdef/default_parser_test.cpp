@@ -38,13 +38,12 @@ TEST(DefaultParser, RefusesMistakes) {
     test::expectSyntaxErrors<DefaultParser>(mistakes);
 }
 
-TEST(DefaultParser, KeepsTheLinesOfItsValue) {
+TEST(DefaultParser, KeepsThePlaceOfItsValue) {
     DefaultParser parser;
     test::readAttribute("(a) {\n \"one \n  two\"\n}",
                         [&](Cursor& line) { return parser.parse(line); });
     const auto value = parser.take();
     EXPECT_EQ(test::textOf(value, test::Places::shown), "[a@1:1] { \"one two\"@2:1 }");
-    EXPECT_EQ(value.value.lines, (SourceTexts{{2, " \"one \n"}, {3, "  two\"\n"}}));
 }
 
 } // namespace

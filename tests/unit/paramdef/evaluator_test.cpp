@@ -1,6 +1,7 @@
 #include "paramdef/evaluator.h"
 #include "paramdef/expression_tokenizer.h"
 #include "paramdef/postfix.h"
+#include "support/kept_text.h"
 #include "text/cursor.h"
 
 #include <gtest/gtest.h>
@@ -36,8 +37,7 @@ std::string textOf(const ExprValue& value) {
 
 Expression expressionOf(std::string_view text) {
     Expression expression;
-    const std::string closed = std::string(text) + ")";
-    Cursor line({closed, 1});
+    Cursor line({test::kept(std::string(text) + ")"), 1});
     EXPECT_EQ(ExpressionTokenizer().parse(line, expression), ParamDefResult::ok) << text;
     return expression;
 }

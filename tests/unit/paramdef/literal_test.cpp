@@ -71,7 +71,7 @@ TEST(QuotedString, EndsAtTheNextQuote) {
         QuotedString reader;
         bool closed = false;
         for (const auto line : test::linesOf(quoted)) {
-            Cursor cursor({line, 1});
+            Cursor cursor({line, 1, &test::keptTexts()});
             if (line.data() == quoted.data())
                 reader.open(cursor);
             closed = reader.parse(cursor);

@@ -11,8 +11,7 @@ namespace {
 
 Expression expressionOf(const std::string& text) {
     Expression expression;
-    const std::string closed = text + ")";
-    Cursor line({closed, 1});
+    Cursor line({test::kept(std::string(text) + ")"), 1});
     EXPECT_EQ(ExpressionTokenizer().parse(line, expression), ParamDefResult::ok) << text;
     return expression;
 }
@@ -99,9 +98,9 @@ TEST(Postfix, FailsForUnbalancedParentheses) {
     const auto close = parenthesis(TokenType::TOKEN_RPAREN);
     const Token number;
     TokenList output;
-    EXPECT_EQ(convertToPostfix({{number, close}, {}}, output), 2U);
-    EXPECT_EQ(convertToPostfix({{open, number}, {}}, output), 2U);
-    EXPECT_EQ(convertToPostfix({{open, open, number, close}, {}}, output), 4U);
+    EXPECT_EQ(convertToPostfix({{number, close}}, output), 2U);
+    EXPECT_EQ(convertToPostfix({{open, number}}, output), 2U);
+    EXPECT_EQ(convertToPostfix({{open, open, number, close}}, output), 4U);
 }
 
 TEST(Postfix, FailsForNothing) {

@@ -75,7 +75,6 @@ TEST(RangeParser, KeepsThePlacesOfItsTokens) {
                         [&](Cursor& line) { return parser.parse(line); });
     const auto range = parser.take();
     EXPECT_EQ(test::textOf(range, test::Places::shown), "[a@1:1] { 5@2:3..6@3:0, \"xy\"@3:3 }");
-    EXPECT_EQ(range.condition.lines, (SourceTexts{{1, "(a)\n"}}));
 }
 
 } // namespace

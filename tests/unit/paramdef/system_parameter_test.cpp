@@ -61,14 +61,14 @@ TEST(SystemParameterTable, IteratesInBytewiseOrder) {
         table.insert(name, 1);
     std::string names;
     for (const auto& [name, parameter] : table)
-        names += name + " ";
+        names.append(name).append(" ");
     EXPECT_EQ(names, "B a a1 b \xff ");
 }
 
 TEST(SystemParameter, HasTheIndexThatNamesADimension) {
     SystemParameter parameter;
     EXPECT_FALSE(parameter.hasIndex("input"));
-    parameter.indices = {{{{"input", 1, 1}, {"other", 1, 8}}, {}}, {{{"band", 1, 20}}, {}}};
+    parameter.indices = {{{{"input", 1, 1}, {"other", 1, 8}}}, {{{"band", 1, 20}}}};
     EXPECT_TRUE(parameter.hasIndex("input"));
     EXPECT_TRUE(parameter.hasIndex("band"));
     EXPECT_FALSE(parameter.hasIndex("other")) << "a further name of a dimension";

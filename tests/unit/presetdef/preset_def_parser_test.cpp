@@ -34,7 +34,7 @@ FileReading readFile(std::string_view text) {
     PresetDefParser parser;
     std::size_t consumed = 0;
     std::uint32_t number = 0;
-    for (const auto line : test::linesOf(text)) {
+    for (const auto line : test::linesOf(test::kept(text))) {
         auto column = untouched;
         reading.result = parser.parsePresetDefLine(reading.definitions, column, line, ++number);
         if (reading.result != PARSE_PRESET_OK && reading.result != PARSE_PRESET_CONTINUE) {

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <utility>
+#include <string_view>
 
 namespace morvane {
 namespace {
@@ -11,8 +11,8 @@ namespace {
 using enum PresetParseResult;
 
 // A mapping that only names an old parameter.
-TranslateMapping renamed(std::uint32_t line, std::string newName, std::string oldName) {
-    return {line, std::move(newName), {}, {{line, std::move(oldName), {}}}};
+TranslateMapping renamed(std::uint32_t line, std::string_view newName, std::string_view oldName) {
+    return {line, newName, {}, {{line, oldName, {}}}};
 }
 
 struct SectionRow {
