@@ -9,10 +9,10 @@ namespace morvane {
 using enum PresetParseResult;
 
 std::optional<Definitions> readDefinitions(const std::string& paramDefPath,
-                                           const std::string& presetDefPath) {
+                                           const std::string& presetDefPath, KeptAttributes kept) {
     std::optional<Definitions> definitions(std::in_place);
     auto& [parameters, presets] = *definitions;
-    if (readParamDefFile(paramDefPath.c_str(), &parameters) != ParamDefResult::ok ||
+    if (readParamDefFile(paramDefPath.c_str(), &parameters, kept) != ParamDefResult::ok ||
         readPresetDefFile(presetDefPath.c_str(), &presets) != PARSE_PRESET_OK ||
         validatePresetDefinitions(presets, parameters) != PARSE_PRESET_OK)
         return std::nullopt;

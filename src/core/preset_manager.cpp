@@ -7,7 +7,8 @@ namespace morvane {
 
 PresetManager::PresetManager(const std::string& paramDefPath, const std::string& presetDefPath,
                              const SystemArguments& arguments) {
-    if (const auto definitions = readDefinitions(paramDefPath, presetDefPath))
+    if (const auto definitions =
+            readDefinitions(paramDefPath, presetDefPath, KeptAttributes::ofStartUp))
         *this = PresetManager(*definitions, arguments);
 }
 

@@ -65,6 +65,13 @@ struct Expression {
     TokenList tokens;
 
     bool empty() const { return tokens.empty(); }
+
+    /// Hands over the tokens, without memory to spare, and keeps its own for the next ones.
+    Expression take() {
+        Expression taken{tokens};
+        tokens.clear();
+        return taken;
+    }
 };
 
 /// The value of an operand during an evaluation.

@@ -1,6 +1,5 @@
 #include "paramdef/param_def_file.h"
 
-#include "paramdef/param_def_parser.h"
 #include "text/diagnostic.h"
 #include "text/line_reader.h"
 
@@ -20,7 +19,8 @@ void printError(ParamDefResult result, std::string_view line, std::uint32_t line
 
 } // namespace
 
-ParamDefResult readParamDefFile(const char* path, SystemParameterTable* table) {
+ParamDefResult readParamDefFile(const char* path, SystemParameterTable* table,
+                                KeptAttributes kept) {
     if (path == nullptr || table == nullptr)
         return ParamDefResult::internalError;
     const OwnedStream stream(std::fopen(path, "r"));
@@ -28,7 +28,7 @@ ParamDefResult readParamDefFile(const char* path, SystemParameterTable* table) {
         printAtOnce("Can't open file\n");
         return ParamDefResult::internalError;
     }
-    ParamDefParser parser;
+    ParamDefParser parser(kept);
     ParamDefResult result = ParamDefResult::internalError;
     std::uint32_t lineNumber = 1;
     std::uint32_t errorColumn = 0;

@@ -1,6 +1,7 @@
 // Reads the parameter definition file into the table of system parameters.
 #pragma once
 
+#include "paramdef/param_def_parser.h"
 #include "paramdef/param_def_result.h"
 #include "paramdef/system_parameter.h"
 
@@ -12,8 +13,10 @@ namespace morvane {
 ///
 /// @param path  may be null, which is internalError without a report.
 /// @param table to be filled; may be null likewise.
+/// @param kept  which attributes to fill it with.
 /// @return ok or the first error; internalError also when the file cannot be opened, which is
 ///         reported, and when it has no lines, which is not.
-ParamDefResult readParamDefFile(const char* path, SystemParameterTable* table);
+ParamDefResult readParamDefFile(const char* path, SystemParameterTable* table,
+                                KeptAttributes kept = KeptAttributes::all);
 
 } // namespace morvane

@@ -37,7 +37,6 @@ ParamDefResult ParamDefParser::parseParamDefLine(SystemParameterTable& table,
     Cursor cursor({line, lineNumber, &table.text()});
     if (!cursor.skipSpace() || cursor.sees('#'))
         return ParamDefResult::ok;
-    parameter_ = nullptr;
     const auto result =
         readTokens<ParamDefResult::incomplete>(cursor, [&] { return readToken(table, cursor); });
     errorColumn = cursor.tokenColumn();
@@ -73,21 +72,13 @@ ParamDefResult ParamDefParser::readName(SystemParameterTable& table, Cursor& lin
     const auto name = line.word("[]");
     if (name.empty())
         return ParamDefResult::syntaxError;
-    parameter_ = &table.insert(name, line.line().number);
-    name_ = name;
+    table.insert(name, line.line().number);
     state_ = State::expectAccess;
     return ParamDefResult::incomplete;
 }
 
-// The parameter of the open block, looked up once a line: between two lines the table may change.
-SystemParameter* ParamDefParser::openParameter(SystemParameterTable& table) {
-    if (parameter_ == nullptr)
-        parameter_ = table.find(name_);
-    return parameter_;
-}
-
 ParamDefResult ParamDefParser::readAccess(SystemParameterTable& table, Cursor& line) {
-    auto* const parameter = openParameter(table);
+    auto* const parameter = table.lastInserted();
     if (parameter == nullptr)
         return ParamDefResult::internalError;
     const auto access = accessTypeOf(line.word("{"));
@@ -121,7 +112,7 @@ ParamDefResult ParamDefParser::readAttribute(SystemParameterTable& table, Cursor
     auto result = readAttributeBody(line);
     if (result != ParamDefResult::ok)
         return result;
-    auto* const parameter = openParameter(table);
+    auto* const parameter = table.lastInserted();
     if (parameter == nullptr)
         return ParamDefResult::internalError;
     result = finishAttribute(*parameter);
@@ -154,6 +145,13 @@ ParamDefResult ParamDefParser::readAttributeBody(Cursor& line) {
     return ParamDefResult::internalError;
 }
 
+// Adds an attribute that the start of the daemon does not use.
+template <typename Attribute>
+void ParamDefParser::addUnused(std::vector<Attribute>& attributes, Attribute attribute) const {
+    if (kept_ == KeptAttributes::all)
+        attributes.push_back(std::move(attribute));
+}
+
 // Moves the attribute that was just completed to the end of its list.
 ParamDefResult ParamDefParser::finishAttribute(SystemParameter& parameter) {
     switch (state_) {
@@ -161,22 +159,22 @@ ParamDefResult ParamDefParser::finishAttribute(SystemParameter& parameter) {
         parameter.rangeValid.push_back(range_.take());
         break;
     case State::inRangeDoc:
-        parameter.rangeDoc.push_back(range_.take());
+        addUnused(parameter.rangeDoc, range_.take());
         break;
     case State::inCtrlRO:
         // Nobody reads a write-only parameter, so making it read-only for a while is a mistake.
         if (parameter.access == AccessType::ACCESS_WO)
             return ParamDefResult::invalidAccess;
-        parameter.ctrlRO.push_back(std::exchange(expression_, {}));
+        addUnused(parameter.ctrlRO, expression_.take());
         break;
     case State::inCtrlValid:
-        parameter.ctrlValid.push_back(std::exchange(expression_, {}));
+        parameter.ctrlValid.push_back(expression_.take());
         break;
     case State::inDefault:
-        parameter.defaults.push_back(default_.take());
+        addUnused(parameter.defaults, default_.take());
         break;
     case State::inValueChange:
-        parameter.valueChange.push_back(valueChange_.take());
+        addUnused(parameter.valueChange, valueChange_.take());
         break;
     case State::inIndex:
         parameter.indices.push_back(index_.take());

@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 namespace morvane {
 
@@ -31,10 +32,18 @@ enum class ParamDefParseState : std::int32_t {
     inIndex = 10,
 };
 
+/// Which attributes get into the table. All of them are checked.
+enum class KeptAttributes {
+    all,
+    ofStartUp, ///< those that decide which keys there are: `index`, `rangeValid` and `ctrlValid`
+};
+
 /// The state survives from one line to the next, so a block, a string or an expression may run over
 /// several lines. A new parser is at the beginning of a file.
 class ParamDefParser {
 public:
+    explicit ParamDefParser(KeptAttributes kept = KeptAttributes::all) : kept_(kept) {}
+
     /// Parses one line into `table`. After an error the parser must not be fed again.
     ///
     /// @param errorColumn the byte offset of the last token that the parser began to read: after an
@@ -50,16 +59,16 @@ public:
 private:
     ParamDefResult readToken(SystemParameterTable& table, Cursor& line);
     ParamDefResult readName(SystemParameterTable& table, Cursor& line);
-    SystemParameter* openParameter(SystemParameterTable& table);
     ParamDefResult readAccess(SystemParameterTable& table, Cursor& line);
     ParamDefResult readAttributeKeyword(Cursor& line);
     ParamDefResult readAttribute(SystemParameterTable& table, Cursor& line);
     ParamDefResult readAttributeBody(Cursor& line);
     ParamDefResult finishAttribute(SystemParameter& parameter);
+    template <typename Attribute>
+    void addUnused(std::vector<Attribute>& attributes, Attribute attribute) const;
 
+    KeptAttributes kept_;
     ParamDefParseState state_ = ParamDefParseState::expectName;
-    std::string_view name_;                ///< of the open block
-    SystemParameter* parameter_ = nullptr; ///< of that name, once it was needed on this line
     RangeParser range_;
     ExpressionTokenizer tokenizer_;
     Expression expression_; ///< of the open `ctrlRO` or `ctrlValid`

@@ -3,10 +3,20 @@
 #include "text/cursor.h"
 #include "text/token_loop.h"
 
+#include <iterator>
+
 namespace morvane {
 
 ParamDefResult RangeParser::parse(Cursor& line) {
     return readTokens<ParamDefResult::incomplete>(line, [&] { return readToken(line); });
+}
+
+RangeSpec RangeParser::take() {
+    RangeSpec taken{
+        range_.condition.take(),
+        {std::move_iterator(range_.items.begin()), std::move_iterator(range_.items.end())}};
+    range_.items.clear();
+    return taken;
 }
 
 ParamDefResult RangeParser::readToken(Cursor& line) {
@@ -73,7 +83,7 @@ ParamDefResult RangeParser::readExpression(Cursor& line, TokenList& bound, Expec
     const auto result = tokenizer_.parse(line, bound_);
     if (result != ParamDefResult::ok)
         return result;
-    bound = std::exchange(bound_, {}).tokens;
+    bound = bound_.take().tokens;
     expect_ = next;
     return ParamDefResult::incomplete;
 }

@@ -36,24 +36,24 @@ bool SystemParameter::hasIndex(std::string_view indexName) const {
 }
 
 const SystemParameter* SystemParameterTable::find(std::string_view name) const {
-    const auto found = parameters_.find(name);
-    return found == parameters_.end() ? nullptr : &found->second;
+    const auto found = content_->parameters.find(name);
+    return found == content_->parameters.end() ? nullptr : &found->second;
 }
 
 SystemParameter* SystemParameterTable::find(std::string_view name) {
-    const auto found = parameters_.find(name);
-    return found == parameters_.end() ? nullptr : &found->second;
+    const auto found = content_->parameters.find(name);
+    return found == content_->parameters.end() ? nullptr : &found->second;
 }
 
-SystemParameter& SystemParameterTable::insert(std::string_view name, std::uint32_t line) {
-    const auto sizeBefore = parameters_.size();
+void SystemParameterTable::insert(std::string_view name, std::uint32_t line) {
+    auto& [text, parameters, lastInserted] = *content_;
+    const auto sizeBefore = parameters.size();
     // The end is tried first: most files define their parameters more or less in name order.
-    const auto place = parameters_.try_emplace(parameters_.end(), name);
-    if (parameters_.size() > sizeBefore) {
-        place->second.name = name;
-        place->second.line = line;
+    lastInserted = &parameters.try_emplace(parameters.end(), name)->second;
+    if (parameters.size() > sizeBefore) {
+        lastInserted->name = name;
+        lastInserted->line = line;
     }
-    return place->second;
 }
 
 } // namespace morvane

@@ -91,8 +91,7 @@ struct SystemParameter {
     bool hasIndex(std::string_view indexName) const;
 };
 
-/// The parameters by name, in bytewise order. Copies share the text that the parameters borrow
-/// from.
+/// The parameters by name, in bytewise order.
 class SystemParameterTable {
 public:
     using Map = std::map<std::string_view, SystemParameter>;
@@ -106,20 +105,27 @@ public:
     ///
     /// @param name borrowed, as all texts of the record will be: from `text()`, or from what lives
     ///             longer than the table.
-    /// @return the record of that name.
-    SystemParameter& insert(std::string_view name, std::uint32_t line);
+    void insert(std::string_view name, std::uint32_t line);
 
-    Map::const_iterator begin() const { return parameters_.begin(); }
-    Map::const_iterator end() const { return parameters_.end(); }
-    std::size_t size() const { return parameters_.size(); }
+    /// @return the record of the last name inserted, or null before the first.
+    SystemParameter* lastInserted() { return content_->lastInserted; }
+
+    Map::const_iterator begin() const { return content_->parameters.begin(); }
+    Map::const_iterator end() const { return content_->parameters.end(); }
+    std::size_t size() const { return content_->parameters.size(); }
 
     /// What the parameters borrow their texts from.
-    SourceText& text() { return *text_; }
-    const SourceText& text() const { return *text_; }
+    SourceText& text() { return content_->text; }
+    const SourceText& text() const { return content_->text; }
 
 private:
-    std::shared_ptr<SourceText> text_ = std::make_shared<SourceText>();
-    Map parameters_;
+    /// Stays where it is when the table is moved, and what points into it with it.
+    struct Content {
+        SourceText text;
+        Map parameters;
+        SystemParameter* lastInserted = nullptr;
+    };
+    std::unique_ptr<Content> content_ = std::make_unique<Content>();
 };
 
 } // namespace morvane

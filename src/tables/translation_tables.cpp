@@ -79,9 +79,8 @@ void PresetGenerate::transIndexMapList(const std::vector<TranslateMapping>& mapp
         auto templates = templatesOf(mapping, *indexNames);
         if (!templates)
             return;
-        if (!templates->empty())
-            indexMaps[std::string(mapping.newName)].merge(
-                *templates); // what is there already stays
+        if (!templates->empty()) // what is there already stays
+            indexMaps[std::string(mapping.newName)].merge(*templates);
     }
 }
 

@@ -102,14 +102,14 @@ void addFindings(const Variant& variant, const SystemArguments& arguments, const
     }
 }
 
-Findings findAll(const Settings& settings, const Definitions& definitions) {
+Findings findAll(const Settings& settings, const std::shared_ptr<const Definitions>& definitions) {
     Findings findings;
     for (const auto& combination : combinations(settings.axes)) {
         SystemArguments arguments;
         for (const auto& argument : combination)
             addSystemArgument(arguments, argument);
         arguments.insert(settings.systemArguments.begin(), settings.systemArguments.end());
-        const Variant variant{definitions, PresetManager(definitions, arguments)};
+        const Variant variant{definitions, PresetManager(*definitions, arguments)};
         addFindings(variant, arguments, joined(combination, " "), findings);
     }
     return findings;
@@ -186,7 +186,7 @@ ExitStatus checkDefinitions(const Settings& settings) {
     const auto definitions = readBothFiles(settings);
     if (!definitions)
         return ExitStatus::error;
-    const auto findings = findAll(settings, *definitions);
+    const auto findings = findAll(settings, definitions);
     const FindingsWriter writer(settings, *definitions, findings);
     settings.json ? writer.writeAsJson() : writer.write();
     return findings.empty() ? ExitStatus::yes : ExitStatus::no;

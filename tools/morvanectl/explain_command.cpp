@@ -31,8 +31,8 @@ class Explanation {
 public:
     Explanation(const Settings& settings, const Variant& variant)
         : settings_(settings),
-          parameters_(variant.definitions.parameters),
-          presets_(variant.definitions.presets.presets),
+          parameters_(variant.definitions->parameters),
+          presets_(variant.definitions->presets.presets),
           manager_(variant.manager),
           key_(keyOf(settings.key)) {}
 

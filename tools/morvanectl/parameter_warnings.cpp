@@ -146,7 +146,7 @@ private:
 
 std::vector<Warning> parameterWarnings(const Variant& variant, const SystemArguments& arguments) {
     std::vector<Warning> warnings;
-    const auto& parameters = variant.definitions.parameters;
+    const auto& parameters = variant.definitions->parameters;
     for (const auto& [name, parameter] : parameters)
         ParameterCheck(parameter, parameters, arguments, warnings).check();
     return warnings;

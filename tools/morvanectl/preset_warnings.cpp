@@ -130,7 +130,7 @@ private:
 std::vector<Warning> presetWarnings(const Variant& variant) {
     std::vector<Warning> warnings;
     PresetCheck check(variant.manager, warnings);
-    for (const auto& preset : variant.definitions.presets.presets)
+    for (const auto& preset : variant.definitions->presets.presets)
         check.check(preset);
     return warnings;
 }

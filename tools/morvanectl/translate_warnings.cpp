@@ -78,7 +78,7 @@ private:
 std::vector<Warning> translateWarnings(const Variant& variant) {
     std::vector<Warning> warnings;
     TranslateCheck check(variant.manager, warnings);
-    for (const auto& section : variant.definitions.presets.translateSections) {
+    for (const auto& section : variant.definitions->presets.translateSections) {
         for (const auto& mapping : section.mappings)
             check.check(mapping);
     }

@@ -21,14 +21,15 @@ bool isReadable(const std::string& path) {
 
 } // namespace
 
-std::optional<Definitions> readBothFiles(const Settings& settings) {
+std::shared_ptr<const Definitions> readBothFiles(const Settings& settings) {
     if (!isReadable(settings.paramDefFile) || !isReadable(settings.presetDefFile))
-        return std::nullopt;
+        return nullptr;
     auto definitions = readDefinitions(settings.paramDefFile, settings.presetDefFile);
-    if (!definitions)
-        fail("cannot use " + settings.paramDefFile + " and " + settings.presetDefFile +
-             "; without a reason above, one is empty or ends inside a block");
-    return definitions;
+    if (definitions)
+        return std::make_shared<const Definitions>(*std::move(definitions));
+    fail("cannot use " + settings.paramDefFile + " and " + settings.presetDefFile +
+         "; without a reason above, one is empty or ends inside a block");
+    return nullptr;
 }
 
 std::optional<Variant> readVariant(const Settings& settings) {
@@ -36,7 +37,7 @@ std::optional<Variant> readVariant(const Settings& settings) {
     if (!definitions)
         return std::nullopt;
     PresetManager manager(*definitions, settings.systemArguments);
-    return Variant{*std::move(definitions), std::move(manager)};
+    return Variant{std::move(definitions), std::move(manager)};
 }
 
 std::optional<Variant> readVariantWithPreset(const Settings& settings) {

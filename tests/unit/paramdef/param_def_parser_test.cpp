@@ -14,9 +14,9 @@ struct Outcome {
     std::string table;
 };
 
-Outcome read(std::string_view text) {
+Outcome read(std::string_view text, KeptAttributes kept = KeptAttributes::all) {
     Outcome outcome;
-    ParamDefParser parser;
+    ParamDefParser parser(kept);
     SystemParameterTable table;
     std::size_t before = 0;
     std::uint32_t number = 0;
@@ -129,6 +129,7 @@ struct MistakeRow {
     const char* table; ///< what had been read
 };
 
+constexpr auto ok = ParamDefResult::ok;
 constexpr auto access = ParamDefResult::invalidAccess;
 constexpr auto syntax = ParamDefResult::syntaxError;
 
@@ -169,6 +170,41 @@ TEST(ParamDefParser, RefusesMistakesWhereTheyStand) {
         const auto outcome = read(test::withoutMark(text));
         EXPECT_EQ(outcome.reading.result, result);
         EXPECT_EQ(outcome.reading.stop, text);
+        EXPECT_EQ(outcome.table, table);
+    }
+}
+
+struct KeptRow {
+    const char* why;
+    std::string_view text; ///< "@" at the caret of a mistake, if there is one
+    ParamDefResult result;
+    std::string_view table;
+};
+
+constexpr KeptRow keptRows[] = {
+    {"every attribute",
+     "p rw { index { i } rangeValid { 1 } rangeDoc { 2 } ctrlRO ( a ) ctrlValid ( b ) "
+     "default { 3 } valueChange { 4 -> 5 } rangeValid ( c ) { 6..7 } }@",
+     ok, "p@1 4 index i; rangeValid { 1 }; rangeValid [c] { 6..7 }; ctrlValid b;"},
+    {"one attribute after the other, the next as if there had been none before",
+     "p rw { rangeDoc (a) { 2, 3 } rangeValid { 1 } default (b) { 3 } default { 4 } ctrlRO ( a ) "
+     "ctrlValid ( b ) }@",
+     ok, "p@1 4 rangeValid { 1 }; ctrlValid b;"},
+    {"a range of a parameter that becomes an index later", "p rw { rangeValid { 1 } } p index { }@",
+     ok, "p@1 0 rangeValid { 1 };"},
+    {"ctrlRO of a write-only parameter", "p wo { ctrlRO (1@) }", access, "p@1 3"},
+    {"a mistake in a documented range", "p rw { rangeDoc { @, } }", syntax, "p@1 4"},
+    {"a mistake in a default", "p rw { default { @} }", syntax, "p@1 4"},
+    {"a mistake in a value change", "p rw { valueChange { 1 @} }", syntax, "p@1 4"},
+    {"a mistake in an expression", "p rw { ctrlRO (a @!b) }", syntax, "p@1 4"},
+};
+
+TEST(ParamDefParser, ChecksWhatItDoesNotKeep) {
+    for (const auto& [why, text, result, table] : keptRows) {
+        SCOPED_TRACE(why);
+        const auto outcome = read(test::withoutMark(text), KeptAttributes::ofStartUp);
+        EXPECT_EQ(outcome.reading.result, result);
+        EXPECT_EQ(outcome.reading.stop, result == ok ? "" : text);
         EXPECT_EQ(outcome.table, table);
     }
 }

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace morvane {
 namespace {
@@ -53,6 +54,19 @@ TEST(SystemParameterTable, KeepsTheFirstRecordOfAName) {
     EXPECT_EQ(table.size(), 1U);
     EXPECT_EQ(table.find("gain")->line, 3U);
     EXPECT_EQ(table.find("gain")->ctrlValid.size(), 1U);
+}
+
+TEST(SystemParameterTable, KnowsTheRecordThatWasAskedForLast) {
+    SystemParameterTable table;
+    EXPECT_EQ(table.lastInserted(), nullptr);
+    for (const char* const name : {"b", "a", "c", "b"}) {
+        table.insert(name, 1);
+        EXPECT_EQ(table.lastInserted(), table.find(name)) << name;
+    }
+    auto moved = std::move(table);
+    EXPECT_EQ(moved.lastInserted(), moved.find("b"));
+    moved = {};
+    EXPECT_EQ(moved.lastInserted(), nullptr);
 }
 
 TEST(SystemParameterTable, IteratesInBytewiseOrder) {
