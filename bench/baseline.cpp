@@ -1,25 +1,27 @@
 // baseline: the least that a request can cost, directly on libdbus: the same calls of the Parameter
-// Handler, the same file with the same renames and syncs, and nothing else. It has the one preset
-// PRESET, with the sorted keys of the file KEYS, and offers the daemon's methods as
-// org.norvix.baseline.
+// Handler, the same file with the same renames and syncs, and nothing else. Files are read and
+// written in blocks of 64 KiB, memory stays from request to request, and nothing that it reads is
+// checked or looked up. It has the one preset PRESET, with the sorted keys of the file KEYS, and
+// offers the daemon's methods as org.norvix.baseline.
 //
 // Usage: baseline PRESET KEYS
 
 #include "bus.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <iterator>
 
 namespace {
 
 using namespace morvane::bench;
 
 constexpr const char* parameterHandler = "org.norvix.transaction";
+constexpr std::size_t blockSize = std::size_t{64} << 10U; // of what is read or written at once
 
 Message parameterCall(const char* method) {
     return Message(
@@ -67,7 +69,7 @@ private:
         if (method == "is_preset")
             return isPreset;
         if (method == "in_preset")
-            return isPreset && hasAny(readStrings(arguments));
+            return isPreset && hasAny(arguments);
         if (method == "load_default")
             loadDefault();
         else if (method == "store")
@@ -77,8 +79,9 @@ private:
         return true;
     }
 
-    bool hasAny(const std::vector<const char*>& keys) const {
-        return std::ranges::any_of(keys, [this](const char* key) {
+    bool hasAny(DBusMessageIter& arguments) {
+        readStrings(arguments, names_);
+        return std::ranges::any_of(names_, [this](const char* key) {
             return std::binary_search(keys_.begin(), keys_.end(), key, std::less<>());
         });
     }
@@ -99,46 +102,50 @@ private:
         const auto reply = call(bus_, get);
         DBusMessageIter arguments;
         dbus_message_iter_init(reply.get(), &arguments);
-        write(path, readStrings(arguments));
+        readStrings(arguments, values_);
+        write(path);
         call(bus_, inTransaction("end", transaction));
     }
 
-    void write(const std::string& path, const std::vector<const char*>& values) const {
+    void write(const std::string& path) {
         const auto backup = path + "_bak";
         std::rename(path.c_str(), backup.c_str());
         syncFolder(path);
-        std::FILE* const file = std::fopen(path.c_str(), "w");
-        for (std::size_t i = 0; i < keys_.size(); ++i) {
-            std::fputs(keyTexts_[i], file);
-            std::fputc('=', file);
-            std::fputs(values[i], file);
-            std::fputc('\n', file);
-        }
-        std::fflush(file);
-        fsync(fileno(file));
-        std::fclose(file);
+        const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+        writeLines(file);
+        fsync(file);
+        close(file);
         syncFolder(path);
         std::remove(backup.c_str());
         syncFolder(path);
     }
 
-    void load(const char* path, bool withDefaults) {
-        const std::string text = read(path);
-        std::vector<const char*> names;
-        std::vector<const char*> values;
-        for (const char* at = text.c_str(); *at != '\0';) { // lines that read() has split
-            names.push_back(at);
-            at += std::strlen(at) + 1;
-            values.push_back(at);
-            at += std::strlen(at) + 1;
+    void writeLines(int file) {
+        text_.clear();
+        for (std::size_t i = 0; i < keys_.size(); ++i) {
+            text_.append(keys_[i]).append(1, '=').append(values_[i]).append(1, '\n');
+            if (text_.size() >= blockSize)
+                writeBlock(file);
         }
+        writeBlock(file);
+    }
+
+    void writeBlock(int file) {
+        if (::write(file, text_.data(), text_.size()) != std::ssize(text_))
+            giveUp("cannot write a file");
+        text_.clear();
+    }
+
+    void load(const char* path, bool withDefaults) {
+        read(path);
+        splitLines();
         const auto transaction = start();
         const auto set = inTransaction("set_bulk", transaction);
-        append(set.get(), names);
-        append(set.get(), values);
+        append(set.get(), names_);
+        append(set.get(), values_);
         call(bus_, set);
         if (withDefaults)
-            reset(transaction, allBut(names));
+            reset(transaction, allOthers());
         commit(transaction);
     }
 
@@ -156,33 +163,50 @@ private:
         dbus_pending_call_unref(pending);
     }
 
-    // The whole file, with a null character for each "=" and line feed.
-    static std::string read(const char* path) {
+    // The whole file, into `text_`.
+    void read(const char* path) {
         const int file = open(path, O_RDONLY);
-        struct stat status {};
-        fstat(file, &status);
-        std::string text(static_cast<std::size_t>(status.st_size), '\0');
-        if (::read(file, text.data(), text.size()) != status.st_size)
-            giveUp("cannot read a file");
-        close(file);
-        for (auto& c : text) {
-            if (c == '=' || c == '\n')
-                c = '\0';
+        std::size_t size = 0;
+        for (ssize_t count = 1; count > 0; size += static_cast<std::size_t>(count)) {
+            if (text_.size() < size + blockSize)
+                text_.resize(2 * (size + blockSize));
+            count = ::read(file, text_.data() + size, blockSize);
+            if (count < 0)
+                giveUp("cannot read a file");
         }
-        return text;
+        close(file);
+        text_[size] = '\0';
     }
 
-    // Both lists are sorted.
-    std::vector<const char*> allBut(const std::vector<const char*>& names) const {
-        std::vector<const char*> others;
+    // Every line has a "=" and a line feed, which become the null characters that end its parts.
+    void splitLines() {
+        names_.clear();
+        values_.clear();
+        for (char* at = text_.data(); *at != '\0';) {
+            names_.push_back(at);
+            at = cutAt(at, '=');
+            values_.push_back(at);
+            at = cutAt(at, '\n');
+        }
+    }
+
+    static char* cutAt(char* text, char separator) {
+        auto* const found = static_cast<char*>(rawmemchr(text, separator));
+        *found = '\0';
+        return found + 1;
+    }
+
+    // The keys that the file does not have. Both are sorted.
+    const std::vector<const char*>& allOthers() {
+        others_.clear();
         std::size_t next = 0;
         for (const char* const key : keyTexts_) {
-            if (next < names.size() && std::strcmp(names[next], key) == 0)
+            if (next < names_.size() && std::strcmp(names_[next], key) == 0)
                 ++next;
             else
-                others.push_back(key);
+                others_.push_back(key);
         }
-        return others;
+        return others_;
     }
 
     void reset(dbus_uint32_t transaction, const std::vector<const char*>& keys) {
@@ -195,6 +219,12 @@ private:
     std::string_view preset_;
     std::vector<std::string> keys_;
     std::vector<const char*> keyTexts_;
+
+    // Kept, so that a request allocates as little as possible.
+    std::string text_; ///< of a file
+    std::vector<const char*> names_;
+    std::vector<const char*> values_;
+    std::vector<const char*> others_;
 };
 
 } // namespace

@@ -86,14 +86,14 @@ inline const char* readString(DBusMessageIter& arguments) {
 }
 
 /// Reads a list of strings in the same way.
-inline std::vector<const char*> readStrings(DBusMessageIter& arguments) {
-    std::vector<const char*> texts;
+/// @param texts replaced by pointers into the message.
+inline void readStrings(DBusMessageIter& arguments, std::vector<const char*>& texts) {
+    texts.clear();
     DBusMessageIter list;
     dbus_message_iter_recurse(&arguments, &list);
     while (dbus_message_iter_get_arg_type(&list) == DBUS_TYPE_STRING)
         texts.push_back(readString(list));
     dbus_message_iter_next(&arguments);
-    return texts;
 }
 
 /// The lines of a file without their line feeds.

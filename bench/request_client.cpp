@@ -57,22 +57,24 @@ public:
 
 private:
     void get(DBusMessageIter& arguments, DBusMessage* reply) {
-        std::vector<const char*> texts = readStrings(arguments);
-        for (auto& text : texts)
+        readStrings(arguments, keys_);
+        for (auto& text : keys_)
             text = values_[text].c_str();
-        append(reply, texts);
+        append(reply, keys_);
     }
 
     void set(DBusMessageIter& arguments) {
-        const auto keys = readStrings(arguments);
-        const auto values = readStrings(arguments);
-        for (std::size_t i = 0; i < keys.size(); ++i)
-            values_[keys[i]] = values[i];
+        readStrings(arguments, keys_);
+        readStrings(arguments, newValues_);
+        for (std::size_t i = 0; i < keys_.size(); ++i)
+            values_[keys_[i]] = newValues_[i];
     }
 
     dbus_uint32_t started_ = 0;
     dbus_uint32_t ended_ = 0;
     std::unordered_map<std::string, std::string> values_;
+    std::vector<const char*> keys_;      ///< of the current call
+    std::vector<const char*> newValues_; ///< of the current call
 };
 
 /// The connection over which services are called, and call their Parameter Handler.

@@ -4,6 +4,7 @@ That is the baseline (bench/baseline.cpp). Prints tables of medians and quartile
 of neighbouring calls.
 """
 
+import math
 import statistics
 
 from measuring import (BUILD, DAEMON, PRESET, Session, parse_options, print_head, print_row,
@@ -15,10 +16,13 @@ QUERIES = ("is_preset", "in_preset")
 QUESTION_ROUNDS = 20  # times as many samples of what takes microseconds
 ELAPSED, CPU = 0, 1  # columns of a sample of the daemon; the baseline's come two later
 TIMES = ("elapsed", "CPU time")
-TARGETS = (
-    ("store", ELAPSED, 1.12), ("store", CPU, 1.35), ("load", ELAPSED, 1.12), ("load", CPU, 1.40),
-    ("load_with_default", ELAPSED, 1.15), ("is_preset", ELAPSED, 1.05),
-    ("in_preset", ELAPSED, 1.05))
+TARGETS = (  # the highest ratio, for this number of keys and more, and for less than that
+    ("store", ELAPSED, 1.18, 0, 10000), ("store", ELAPSED, 1.12, 10000, math.inf),
+    ("store", CPU, 1.35, 0, math.inf),
+    ("load", ELAPSED, 1.18, 0, 100000), ("load", ELAPSED, 1.12, 100000, math.inf),
+    ("load", CPU, 1.50, 0, 100000), ("load", CPU, 1.35, 100000, math.inf),
+    ("load_with_default", ELAPSED, 1.15, 0, math.inf), ("is_preset", ELAPSED, 1.05, 0, math.inf),
+    ("in_preset", ELAPSED, 1.05, 0, math.inf))
 GROWTH_FROM, GROWTH_TO, GROWTH = 10000, 1000000, 1.15  # keys, and the highest ratio
 
 
@@ -75,13 +79,22 @@ def print_growth(measured):
                                          for size in measured))
 
 
+def keys_text(sizes):
+    """Numbers of keys, as text."""
+    first, last = min(sizes), max(sizes)
+    return f"{first} keys" if first == last else f"{first} to {last} keys"
+
+
 def targets_of(measured):
-    """The worst ratio of all sizes, and how the cost of a key grows, if that was measured."""
-    sizes = f"{min(measured)} to {max(measured)} keys"
-    for method, column, most in TARGETS:
-        worst = max(statistics.median(ratios_of(measured[size][method], column))
-                    for size in measured)
-        yield f"{method}, {TIMES[column]} against the baseline, {sizes}", most, worst, ""
+    """The worst ratio of the sizes of a target, and how the cost of a key grows, as far as they
+    were measured."""
+    for method, column, most, least, end in TARGETS:
+        sizes = [size for size in measured if least <= size < end]
+        if sizes:
+            worst = max(statistics.median(ratios_of(measured[size][method], column))
+                        for size in sizes)
+            yield (f"{method}, {TIMES[column]} against the baseline, {keys_text(sizes)}", most,
+                   worst, "")
     if GROWTH_FROM in measured and GROWTH_TO in measured:
         for method in OPERATIONS[:3]:
             costs = [cost_of_key(measured, size, method, CPU) for size in (GROWTH_TO, GROWTH_FROM)]
