@@ -1,6 +1,7 @@
-// Reads a text file piece by piece through a buffer of fixed size.
+// Reads a text file line by line, in blocks, so that memory does not grow with the file.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdio>
@@ -21,20 +22,55 @@ using OwnedStream = std::unique_ptr<std::FILE, StreamCloser>;
 template <std::size_t BufferSize>
 class LineReader {
 public:
+    /// What is read at once, in bytes.
+    static constexpr std::size_t blockSize = std::size_t{64} << 10U;
+
     /// @param stream open for reading; borrowed, stays open.
     explicit LineReader(std::FILE* stream) : stream_(stream) {}
 
     /// @return the next piece with its line feed, valid until the next call; nothing at the end of
-    ///         the file or after a read error.
+    ///         the file or after a read error, which takes with it what was read of its line.
     std::optional<std::string_view> next() {
-        if (std::fgets(buffer_.data(), static_cast<int>(buffer_.size()), stream_) == nullptr)
-            return std::nullopt;
-        return std::string_view(buffer_.data());
+        auto piece = firstPiece();
+        if (!isWhole(piece)) {
+            readBlock();
+            piece = firstPiece();
+            if (piece.empty() || (!isWhole(piece) && std::ferror(stream_) != 0))
+                return std::nullopt;
+        }
+        unread_.remove_prefix(piece.size());
+        return piece.substr(0, piece.find('\0'));
     }
 
 private:
+    static constexpr std::size_t longestPiece = BufferSize - 1;
+    static_assert(longestPiece < blockSize);
+
+    // As much of it as has been read.
+    std::string_view firstPiece() const {
+        const auto piece = unread_.substr(0, longestPiece);
+        const auto lineFeed = piece.find('\n');
+        return lineFeed == std::string_view::npos ? piece : piece.substr(0, lineFeed + 1);
+    }
+
+    static bool isWhole(std::string_view piece) {
+        return piece.size() == longestPiece || piece.ends_with('\n');
+    }
+
+    // The piece that the last block has only in part begins the new one.
+    void readBlock() {
+        if (std::feof(stream_) != 0 || std::ferror(stream_) != 0)
+            return;
+        std::copy(unread_.begin(), unread_.end(), block_->begin());
+        const auto size = unread_.size();
+        char* const data = block_->data();
+        unread_ = {data, size + std::fread(data + size, 1, blockSize - size, stream_)};
+    }
+
     std::FILE* stream_;
-    std::array<char, BufferSize> buffer_{};
+    using Block = std::array<char, blockSize>;
+    std::unique_ptr<Block> block_ = std::make_unique_for_overwrite<Block>();
+    std::string_view unread_; ///< in the block
 };
 
 } // namespace morvane

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cerrno>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -39,6 +42,67 @@ TEST(LineReader, HandsOutPieces) {
         EXPECT_EQ(read, pieces);
         EXPECT_EQ(reader.next(), std::nullopt) << "the end stays the end";
     }
+}
+
+// The pieces that fgets makes of a file, each up to its first null byte.
+template <std::size_t Size>
+std::vector<std::string> piecesOfFgets(const std::string& path) {
+    const OwnedStream stream(std::fopen(path.c_str(), "r"));
+    std::vector<std::string> pieces;
+    std::array<char, Size> buffer{};
+    while (std::fgets(buffer.data(), Size, stream.get()) != nullptr)
+        pieces.emplace_back(buffer.data());
+    return pieces;
+}
+
+template <std::size_t Size>
+std::vector<std::string> piecesOf(std::FILE* stream) {
+    LineReader<Size> reader(stream);
+    std::vector<std::string> pieces;
+    while (const auto piece = reader.next())
+        pieces.emplace_back(*piece);
+    return pieces;
+}
+
+// Several blocks, with lines of every length across their ends.
+TEST(LineReader, ReadsThePiecesOfFgets) {
+    const test::TempFolder folder;
+    std::minstd_rand random(1);
+    for (const unsigned longest : {3U, 40U, 1022U, 1023U, 1024U, 5000U, 200'000U}) {
+        SCOPED_TRACE(longest);
+        std::string text;
+        while (text.size() < 300'000) {
+            text.append(random() % longest, 'x') += random() % 50 == 0 ? '\0' : '\n';
+            text.append(random() % 3, '\n');
+        }
+        for (const std::size_t size : {text.size(), std::size_t{131'072}, std::size_t{65'536}}) {
+            const auto path = folder.write("file", text.substr(0, size));
+            const OwnedStream stream(std::fopen(path.c_str(), "r"));
+            EXPECT_EQ(piecesOf<1024>(stream.get()), piecesOfFgets<1024>(path));
+            std::rewind(stream.get());
+            EXPECT_EQ(piecesOf<8>(stream.get()), piecesOfFgets<8>(path));
+        }
+    }
+}
+
+// What was read of the line at which the error is, is lost; the lines before it are not.
+TEST(LineReader, EndsAtAReadErrorInTheMiddle) {
+    std::string text = "ab\ncd\nef";
+    const auto read = [](void* data, char* buffer, std::size_t) -> ssize_t {
+        auto& rest = *static_cast<std::string*>(data);
+        if (rest.empty()) {
+            errno = EIO;
+            return -1;
+        }
+        const auto size = rest.copy(buffer, 4);
+        rest.erase(0, size);
+        return static_cast<ssize_t>(size);
+    };
+    const OwnedStream stream(fopencookie(&text, "r", {read, nullptr, nullptr, nullptr}));
+    std::setvbuf(stream.get(), nullptr, _IONBF, 0);
+    EXPECT_EQ(piecesOf<8>(stream.get()), (std::vector<std::string>{"ab\n", "cd\n"}));
+    EXPECT_EQ(errno, EIO);
+    EXPECT_NE(std::ferror(stream.get()), 0);
 }
 
 TEST(LineReader, EndsAtAReadError) {
