@@ -284,7 +284,7 @@ ParameterOperations idleOperations() {
         .parm_start_trans = [](Transaction&) { return true; },
         .parm_end_trans = [](Transaction) { return true; },
         .parm_get =
-            [](Transaction, const KeySet& keys, ReceivedStrings& values) {
+            [](Transaction, std::span<const CStringView> keys, ReceivedStrings& values) {
                 using Texts = std::vector<const char*>;
                 auto* const texts = new Texts(keys.size(), "-60");
                 values = {{texts, [](void* owner) { delete static_cast<Texts*>(owner); }}, *texts};

@@ -28,8 +28,9 @@ ParameterOperations bindOperations(const Connection& connection) {
                 return parm_end_trans(connection, transaction);
             },
         .parm_get =
-            [connection](Transaction transaction, const KeySet& keys, ReceivedStrings& values) {
-                return parm_get(connection, &transaction, bulkGetOption, keys.keys(), values);
+            [connection](Transaction transaction, std::span<const CStringView> keys,
+                         ReceivedStrings& values) {
+                return parm_get(connection, &transaction, bulkGetOption, keys, values);
             },
         .parm_set =
             [connection](Transaction transaction, std::span<const KeyValue> values) {

@@ -2,7 +2,6 @@
 // client; tests bind them to a recorder.
 #pragma once
 
-#include "tables/key_set.h"
 #include "text/c_string_view.h"
 #include "text/request_texts.h"
 
@@ -29,7 +28,8 @@ struct ParameterOperations {
 
     /// Reads the values of `keys`.
     /// @param values replaced by one value for each key, in their order; left alone on failure.
-    std::function<bool(Transaction transaction, const KeySet& keys, ReceivedStrings& values)>
+    std::function<bool(Transaction transaction, std::span<const CStringView> keys,
+                       ReceivedStrings& values)>
         parm_get;
 
     /// Sets read-write parameters, in list order; a repeated key is sent each time. An empty list

@@ -88,10 +88,13 @@ bool recover(const std::string& path) {
            std::rename(backupOf(path).c_str(), path.c_str()) == 0;
 }
 
+// Without a buffer: what reads or writes preset data does so in blocks of its own.
 std::FILE* streamOf(int file, const char* mode) {
     std::FILE* const stream = fdopen(file, mode);
     if (stream == nullptr)
         close(file);
+    else
+        std::setvbuf(stream, nullptr, _IONBF, 0);
     return stream;
 }
 

@@ -1,33 +1,49 @@
 #include "engine/preset_file.h"
 
+#include "text/c_string_view.h"
+
 #include <cassert>
 
 namespace morvane {
 
-bool writePresetEntry(std::FILE* stream, std::string_view key, std::string_view value,
-                      std::string& line) {
-    const auto canonical = canonicalKey(key, line);
-    if (canonical.empty() || value.empty())
-        return false;
-    if (canonical.data() != line.data()) // else it has been assembled there
-        line = canonical;
-    line += '=';
-    line += value;
-    line += '\n';
-    return std::fputs(line.c_str(), stream) != EOF;
+namespace {
+
+constexpr std::size_t blockSize = std::size_t{64} << 10U; // of what is written at once
+
+bool writeBlock(std::FILE* stream, std::string& lines) {
+    const bool isWritten = std::fwrite(lines.data(), 1, lines.size(), stream) == lines.size();
+    lines.clear();
+    return isWritten;
 }
 
-int writePresetFile(std::FILE* stream, std::span<const std::string> keys,
-                    std::span<const char* const> values) {
+} // namespace
+
+bool writePresetEntry(std::string& lines, std::string_view key, std::string_view value) {
+    if (key.empty() || value.empty())
+        return false;
+    lines.append(key).append(1, '=').append(value).append(1, '\n');
+    return true;
+}
+
+int writePresetFile(std::FILE* stream, const KeySet& keys, std::span<const char* const> values) {
     assert(values.size() == keys.size());
-    std::string line;
+    std::string lines;
+    lines.reserve(blockSize + presetLineBufferSize); // the last line may go beyond the block
+    std::string buffer;
     int count = 0;
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-        if (!writePresetEntry(stream, keys[i], values[i], line))
+    int written = 0;
+    for (const CStringView key : keys) {
+        const auto canonical = keys.isCanonical() ? key.view() : canonicalKey(key.view(), buffer);
+        if (!writePresetEntry(lines, canonical, values[static_cast<std::size_t>(count)]))
             break;
         ++count;
+        if (lines.size() < blockSize)
+            continue;
+        if (!writeBlock(stream, lines))
+            return written;
+        written = count;
     }
-    return count;
+    return writeBlock(stream, lines) ? count : written;
 }
 
 } // namespace morvane

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "engine/preset_entry.h"
+#include "tables/key_set.h"
 #include "text/line_reader.h"
 
 #include <cstddef>
@@ -25,35 +26,46 @@ constexpr std::size_t presetLineBufferSize = 1024;
 /// @return the number of entries handed out.
 template <typename Use>
 int readPresetFile(std::FILE* stream, Use use) {
+    return readPresetFile(
+        stream, [](std::string_view) { return false; }, use);
+}
+
+/// The same for a reader that takes some lines before they are parsed.
+///
+/// @param take a callable that takes the line and returns whether it was an entry that it has
+///             used; any other line is parsed.
+/// @return the number of entries taken or handed out.
+template <typename Take, typename Use>
+int readPresetFile(std::FILE* stream, Take take, Use use) {
     LineReader<presetLineBufferSize> lines(stream);
     PresetEntry entry;
     int count = 0;
     while (const auto line = lines.next()) {
-        parsePresetLine(*line, entry);
-        if (entry.name().empty() || entry.value().empty())
-            continue;
-        use(entry);
+        if (!take(*line)) {
+            parsePresetLine(*line, entry);
+            if (entry.name().empty() || entry.value().empty())
+                continue;
+            use(entry);
+        }
         ++count;
     }
     return count;
 }
 
-/// Writes the line of one entry with a line feed.
+/// Appends the line of one entry with a line feed to the lines of a file.
 ///
-/// @param stream open for writing; borrowed, stays open.
-/// @param key    written in its canonical form, which has the same parts when read back.
-/// @param line   overwritten: a buffer to be reused for all lines of a file.
-/// @return false if the key has no name or the value is empty, with nothing written, or if the
-///         stream refuses the line, with its error indicator set.
-bool writePresetEntry(std::FILE* stream, std::string_view key, std::string_view value,
-                      std::string& line);
+/// @param key in its canonical form.
+/// @return false if the key or the value is empty; nothing is appended then.
+bool writePresetEntry(std::string& lines, std::string_view key, std::string_view value);
 
-/// Writes a line for each key with its value, in order, and stops at the first that cannot be
-/// written. Lines already written stay.
+/// Writes a line for each key with its value, in order, and stops at the first without a name or a
+/// value, or when the stream refuses a block of lines, with its error indicator set. Lines already
+/// written stay.
 ///
+/// @param stream open for writing; borrowed, stays open. What it is given comes in blocks.
+/// @param keys   written in their canonical form, which has the same parts when read back.
 /// @param values one for each key.
-/// @return the number of lines written.
-int writePresetFile(std::FILE* stream, std::span<const std::string> keys,
-                    std::span<const char* const> values);
+/// @return the number of lines in the blocks that the stream has taken.
+int writePresetFile(std::FILE* stream, const KeySet& keys, std::span<const char* const> values);
 
 } // namespace morvane

@@ -29,14 +29,22 @@ KeySet commonKeys(const KeySet& chosen, const KeySet& presetKeys) {
     return KeySet(std::move(keys));
 }
 
+using Keys = std::vector<CStringView>;
+
+Keys listOf(const KeySet& keys) {
+    return {keys.begin(), keys.end()};
+}
+
 bool isSendable(const ParameterOperations& operations, const KeySet& keys,
                 const std::string& presetName) {
-    return operations.isSendable({.origin = presetName, .get = keys.keys()});
+    return operations.isSendable(
+        {.origin = presetName, .keysAreUtf8 = keys.isUtf8(), .get = listOf(keys)});
 }
 
 bool readValues(const ParameterOperations& operations, Transaction transaction, const KeySet& keys,
                 ReceivedStrings& values) {
-    return withRetries("parm_get", [&] { return operations.parm_get(transaction, keys, values); });
+    const auto list = listOf(keys);
+    return withRetries("parm_get", [&] { return operations.parm_get(transaction, list, values); });
 }
 
 bool endTransaction(const ParameterOperations& operations, Transaction transaction) {
@@ -51,7 +59,7 @@ bool writeValues(const StoreWords& words, const KeySet& keys, const ReceivedStri
         return false;
     }
     // An empty value ends the file, which is not an error; a failed write shows at close.
-    writePresetFile(stream, keys.keys(), values.texts);
+    writePresetFile(stream, keys, values.texts);
     // Programs that search the log for this line expect it before the close, without a line feed.
     syslog(LOG_INFO, "%s(): %s %s %s", words.operation, presetName.c_str(), words.done,
            filePath.c_str());

@@ -137,7 +137,7 @@ bool parm_end_trans(const Connection& connection, guint32 transaction) {
 }
 
 bool parm_get(const Connection& connection, const guint32* transaction, guint32 option,
-              std::span<const std::string> names, ReceivedStrings& values) {
+              std::span<const CStringView> names, ReceivedStrings& values) {
     if (connection.proxy == nullptr)
         return false;
     if (names.empty()) {

@@ -28,7 +28,7 @@ bool parm_end_trans(const Connection& connection, guint32 transaction);
 /// @param option see `bulkGetOption`.
 /// @param values replaced by one value for each name, in their order; left alone on failure.
 bool parm_get(const Connection& connection, const guint32* transaction, guint32 option,
-              std::span<const std::string> names, ReceivedStrings& values);
+              std::span<const CStringView> names, ReceivedStrings& values);
 
 /// Sets read-write parameters, in list order.
 bool parm_set(const Connection& connection, const guint32* transaction,

@@ -20,25 +20,22 @@ static_assert(ArraySize::maximum == DBUS_MAXIMUM_ARRAY_LENGTH);
 /// Checks one call after the other, and logs only the first problem.
 class Check {
 public:
-    explicit Check(std::string_view origin) : origin_(origin) {}
+    explicit Check(const RequestTexts& texts)
+        : origin_(texts.origin),
+          keysAreUtf8_(texts.keysAreUtf8) {}
 
     bool passed() const { return passed_; }
 
-    void get(std::span<const std::string> keys) {
-        const char* const failureText = keys.size() == 1 ? getFailed : bulkGetFailed;
-        ArraySize size;
-        for (const auto& key : keys) {
-            requireUtf8(failureText, "key", key, key);
-            size.add(key);
-        }
-        requireRoom(failureText, size, {});
+    void get(std::span<const CStringView> keys) {
+        check(keys.size() == 1 ? getFailed : bulkGetFailed, keys);
     }
 
     void set(std::span<const KeyValue> request) {
         ArraySize keys;
         ArraySize values;
         for (const auto& [key, value] : request) {
-            requireUtf8(setFailed, "key", key.view(), key.view());
+            if (!keysAreUtf8_)
+                requireUtf8(setFailed, "key", key.view(), key.view());
             requireUtf8(setFailed, "value", value.view(), key.view());
             keys.add(key.view());
             values.add(value.view());
@@ -46,16 +43,19 @@ public:
         requireRoom(setFailed, keys, values);
     }
 
-    void reset(std::span<const CStringView> keys) {
-        ArraySize size;
-        for (const auto& key : keys) {
-            requireUtf8(resetFailed, "key", key.view(), key.view());
-            size.add(key.view());
-        }
-        requireRoom(resetFailed, size, {});
-    }
+    void reset(std::span<const CStringView> keys) { check(resetFailed, keys); }
 
 private:
+    void check(const char* failureText, std::span<const CStringView> keys) {
+        ArraySize size;
+        for (const auto& key : keys) {
+            if (!keysAreUtf8_)
+                requireUtf8(failureText, "key", key.view(), key.view());
+            size.add(key.view());
+        }
+        requireRoom(failureText, size, {});
+    }
+
     void requireUtf8(const char* failureText, const char* what, std::string_view text,
                      std::string_view key) {
         if (!isUtf8(text))
@@ -84,13 +84,14 @@ private:
     }
 
     std::string_view origin_;
+    bool keysAreUtf8_;
     bool passed_ = true;
 };
 
 } // namespace
 
 bool isSendable(const RequestTexts& texts) {
-    Check check(texts.origin);
+    Check check(texts);
     check.get(texts.get);
     check.set(texts.set);
     check.set(texts.setStatus);

@@ -1,5 +1,7 @@
 #include "tables/key_set.h"
 
+#include "text/utf8.h"
+
 #include <algorithm>
 #include <functional>
 #include <iterator>
@@ -26,6 +28,28 @@ Keys merged(Keys::iterator begin, Keys::iterator second, Keys::iterator end) {
     return result;
 }
 
+bool isCanonicalKey(std::string_view key) {
+    constexpr std::string_view trimmed = "\t\f\v\n\r";
+    if (key.empty() || key.front() == '[' || trimmed.find(key.back()) != std::string_view::npos)
+        return false;
+    enum class In {
+        name,
+        group,
+        rest
+    } in = In::name;
+    for (const char c : key) {
+        if (c == '=' || (c == '[' && in == In::group) || (c == ']' && in != In::group))
+            return false;
+        if (c == '[')
+            in = In::group;
+        else if (c == ']')
+            in = In::rest;
+        else if (in == In::rest)
+            return false;
+    }
+    return in != In::group;
+}
+
 void sortUnique(Keys& keys) {
     std::sort(keys.begin(), keys.end());
     keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
@@ -45,6 +69,8 @@ KeySet::KeySet(std::vector<std::string> keys) {
     }
     keys.shrink_to_fit();
     keys_ = std::move(keys);
+    isUtf8_ = std::all_of(keys_.begin(), keys_.end(), morvane::isUtf8);
+    isCanonical_ = std::all_of(keys_.begin(), keys_.end(), isCanonicalKey);
 }
 
 bool KeySet::contains(std::string_view key) const {

@@ -32,10 +32,20 @@ public:
     /// The keys in order; valid as long as the set.
     std::span<const std::string> keys() const { return keys_; }
 
+    /// Whether every key is UTF-8, which the bus requires.
+    bool isUtf8() const { return isUtf8_; }
+
+    /// Whether every key is a name, which is not empty, and groups without brackets within them,
+    /// with no "=" anywhere and no white space at the end. A line of such a key in a preset data
+    /// file reads back as this key.
+    bool isCanonical() const { return isCanonical_; }
+
     bool operator==(const KeySet&) const = default;
 
 private:
     std::vector<std::string> keys_;
+    bool isUtf8_ = true;
+    bool isCanonical_ = true;
 };
 
 /// Finds many keys of a set, one after the other. Searches onwards from the last key found: keys in

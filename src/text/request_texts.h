@@ -6,7 +6,6 @@
 
 #include <cstddef>
 #include <span>
-#include <string>
 #include <string_view>
 #include <utility>
 
@@ -32,8 +31,9 @@ using KeyValue = std::pair<CStringView, CStringView>;
 
 /// Everything that one request sends, by operation. All of it is borrowed.
 struct RequestTexts {
-    std::string_view origin; ///< the file of a load, or the preset; for the log
-    std::span<const std::string> get = {};
+    std::string_view origin;  ///< the file of a load, or the preset; for the log
+    bool keysAreUtf8 = false; ///< known of all keys below, which then need no check
+    std::span<const CStringView> get = {};
     std::span<const KeyValue> set = {};
     std::span<const KeyValue> setStatus = {};
     std::span<const CStringView> reset = {};

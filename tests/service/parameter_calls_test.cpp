@@ -27,6 +27,7 @@ namespace {
 
 using Log = std::vector<test::LogRecord>;
 using Names = std::vector<std::string>;
+using Keys = std::vector<CStringView>;
 using Request = std::vector<KeyValue>;
 using Borrowed = std::vector<CStringView>;
 
@@ -89,7 +90,7 @@ protected:
 
     std::string valueOf(const std::string& name) {
         ReceivedStrings values;
-        EXPECT_TRUE(parm_get(connection_, nullptr, bulkGetOption, Names{name}, values));
+        EXPECT_TRUE(parm_get(connection_, nullptr, bulkGetOption, Keys{name}, values));
         takeCalls();
         return values.texts.empty() ? "" : values.texts.front();
     }
@@ -158,14 +159,14 @@ const CallRow callRows[] = {
     {"get one",
      [](auto& connection, auto* id) {
          ReceivedStrings values;
-         return parm_get(connection, id, 7, Names{"t"}, values) &&
+         return parm_get(connection, id, 7, Keys{"t"}, values) &&
                 test::copied(values) == Names{"4"};
      },
      "get (uint32 1, 't')", "single_get ('t',)"},
     {"get several, with the option passed through",
      [](auto& connection, auto* id) {
          auto values = test::receivedStrings({"left over"});
-         return parm_get(connection, id, 7, Names{"t", "s"}, values) &&
+         return parm_get(connection, id, 7, Keys{"t", "s"}, values) &&
                 test::copied(values) == Names{"4", "3"};
      },
      "get_bulk (uint32 1, uint32 7, ['t', 's'])", "single_get_bulk (uint32 7, ['t', 's'])"},
@@ -219,7 +220,7 @@ TEST_F(ParameterCalls, FailSilentlyWithoutAProxy) {
     EXPECT_FALSE(parm_set_status({}, nullptr, Request{{"s", "1"}}));
     EXPECT_FALSE(parm_reset({}, nullptr, Borrowed{"a"}));
     EXPECT_FALSE(parm_reset_status({}, nullptr, Borrowed{"s"}));
-    EXPECT_FALSE(parm_get({}, nullptr, bulkGetOption, Names{"a"}, values));
+    EXPECT_FALSE(parm_get({}, nullptr, bulkGetOption, Keys{"a"}, values));
     EXPECT_FALSE(parm_check_set({}, nullptr, "a", "1", accepted));
     EXPECT_FALSE(parm_commit({}, transaction));
     EXPECT_FALSE(parm_commit_sync({}, transaction));
@@ -251,10 +252,10 @@ TEST_F(ParameterCalls, LogTheirFailureTextOnceWhenTheyAreRefused) {
              return parm_reset_status(connection_, &unknown, Borrowed{"s", "t"});
          },
          "parm_reset_() - reset failed"},
-        {[&] { return parm_get(connection_, &unknown, bulkGetOption, Names{"a"}, values); },
+        {[&] { return parm_get(connection_, &unknown, bulkGetOption, Keys{"a"}, values); },
          "parm_get_() - get failed"},
         {[&] {
-             return parm_get(connection_, &unknown, bulkGetOption, Names{"a", "b"}, values);
+             return parm_get(connection_, &unknown, bulkGetOption, Keys{"a", "b"}, values);
          },
          "parm_get_() - bulk get failed"},
         {[&] { return parm_check_set(connection_, &unknown, "a", "1", accepted); },

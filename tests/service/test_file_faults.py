@@ -78,7 +78,8 @@ def test_a_power_cut_leaves_the_old_or_the_new_preset(world):
     ("open", errno.EMFILE), ("open", errno.EACCES), ("open", errno.ENOSPC),
     ("fchown", errno.EPERM), ("fchmod", errno.EIO), ("stat", errno.EIO), ("rename", errno.EIO),
     ("rename", errno.EACCES), ("remove", errno.EIO), ("remove", errno.EACCES),
-    ("fputs", errno.ENOSPC), ("fputs", errno.EIO), ("fflush", errno.ENOSPC), ("fflush", errno.EIO),
+    ("fwrite", errno.ENOSPC), ("fwrite", errno.EIO), ("fflush", errno.ENOSPC),
+    ("fflush", errno.EIO),
     ("fsync", errno.EIO), ("fsync", errno.ENOSPC), ("fsync", errno.EINVAL),
     ("fclose", errno.ENOSPC), ("fclose", errno.EIO),
 ])

@@ -27,8 +27,7 @@ std::string textOf(std::span<const CStringView> keys) {
 }
 
 std::string textOf(const RequestTexts& texts) {
-    const std::vector<CStringView> get(texts.get.begin(), texts.get.end());
-    return std::string(texts.origin) + ":" + textOf(get) + textOf(texts.set) +
+    return std::string(texts.origin) + ":" + textOf(texts.get) + textOf(texts.set) +
            textOf(texts.setStatus) + textOf(texts.reset) + textOf(texts.resetStatus);
 }
 
@@ -51,13 +50,15 @@ ParameterOperations ParameterRecorder::operations() {
                 return record("parm_end_trans", textOf(transaction));
             },
         .parm_get =
-            [this](Transaction transaction, const KeySet& keys, ReceivedStrings& read) {
-                const std::vector<CStringView> names(keys.begin(), keys.end());
-                if (!record("parm_get", textOf(transaction) + textOf(names)))
+            [this](Transaction transaction, std::span<const CStringView> keys,
+                   ReceivedStrings& read) {
+                if (!record("parm_get", textOf(transaction) + textOf(keys)))
                     return false;
                 std::vector<std::string> texts;
-                for (const auto& key : keys)
-                    texts.push_back(values.contains(key) ? values[key] : "?");
+                for (const auto& key : keys) {
+                    const auto value = values.find(key.c_str());
+                    texts.push_back(value != values.end() ? value->second : "?");
+                }
                 read = receivedStrings(std::move(texts));
                 return true;
             },

@@ -118,14 +118,14 @@ int remove(const char* path) {
 }
 
 /* A stream that could not be written to records the error. */
-int fputs(const char* text, FILE* stream) {
-    if (!descriptor_fails("fputs", fileno(stream)))
-        return ORIGINAL(fputs)(text, stream);
+size_t fwrite(const void* data, size_t size, size_t count, FILE* stream) {
+    if (!descriptor_fails("fwrite", fileno(stream)))
+        return ORIGINAL(fwrite)(data, size, count, stream);
     const int error = errno;
     if (fgetc(stream) != EOF || !ferror(stream)) /* fails on a write-only stream */
         abort();
     errno = error;
-    return EOF;
+    return 0;
 }
 
 /* A stream that could not be flushed has lost what was in its buffer. */

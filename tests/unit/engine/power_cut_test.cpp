@@ -26,7 +26,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-const Lines keys{"gain[1]", "mode"};
+const KeySet keys({"gain[1]", "mode"});
 const Lines oldEntries{"gain[1]=old", "mode=old"};
 const Lines newEntries{"gain[1]=new", "mode=new"};
 const Lines newestEntries{"gain[1]=newest", "mode=newest"};

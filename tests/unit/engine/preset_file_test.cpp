@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <string>
+#include <vector>
 
 namespace morvane {
 namespace {
@@ -57,12 +60,25 @@ TEST(PresetFile, CountsTheEntriesThatItHandsOut) {
     EXPECT_EQ(readPresetFile(stream.get(), [](PresetEntry&) {}), 2);
 }
 
+TEST(PresetFile, ParsesOnlyTheLinesThatWereNotTaken) {
+    const test::TempFolder folder;
+    const OwnedStream stream(
+        std::fopen(folder.write("preset", "a=1\n\nb=2\nc=3\n# no entry\n").c_str(), "r"));
+    Lines used;
+    const int count = readPresetFile(
+        stream.get(), [](std::string_view line) { return line == "b=2\n"; },
+        [&](const PresetEntry& entry) { used.push_back(test::lineOf(entry)); });
+    EXPECT_EQ(used, (Lines{"a=1", "c=3"}));
+    EXPECT_EQ(count, 3) << "with the one that was taken";
+}
+
 struct WriteResult {
     std::string text;
     int count = 0;
 };
 
-WriteResult write(const Lines& keys, const std::vector<const char*>& values) {
+// The values are those of the keys in their order in the set, bytewise.
+WriteResult write(const KeySet& keys, const std::vector<const char*>& values) {
     const test::TempFolder folder;
     std::FILE* const stream = std::fopen(folder.path("preset").c_str(), "w");
     WriteResult result;
@@ -73,9 +89,12 @@ WriteResult write(const Lines& keys, const std::vector<const char*>& values) {
 }
 
 TEST(PresetFile, WritesOneLineForEachKeyInOrder) {
-    const auto result = write({"gain[1][2]", "a", "b[3]c[4"}, {"7", "x=y ", "1"});
-    EXPECT_EQ(result.text, "gain[1][2]=7\na=x=y \nb[3]=1\n");
-    EXPECT_EQ(result.count, 3);
+    for (const char* const last : {"z", "z[3]y[4"}) {
+        const auto result = write(KeySet({"gain[1][2]", "a", last}), {"x=y ", "7", "1"});
+        EXPECT_EQ(result.text,
+                  std::string("a=x=y \ngain[1][2]=7\nz") + (last[1] == 0 ? "" : "[3]") + "=1\n");
+        EXPECT_EQ(result.count, 3);
+    }
 }
 
 struct KeyRow {
@@ -105,20 +124,21 @@ const KeyRow keyRows[] = {
 TEST(PresetFile, WritesCanonicalKeys) {
     for (const auto& [why, key, line] : keyRows) {
         SCOPED_TRACE(why);
-        EXPECT_EQ(write({key}, {"v"}).text, line);
-        EXPECT_EQ(write({"a[1", key}, {"v", "v"}).text, std::string("a=v\n") + line)
-            << "after another";
+        EXPECT_EQ(write(KeySet({key}), {"v"}).text, line);
+        EXPECT_EQ(write(KeySet({key, "z[1"}), {"v", "v"}).text,
+                  *line == '\0' ? "" : std::string(line) + "z=v\n")
+            << "before another";
     }
 }
 
 TEST(PresetFile, StopsWritingAtTheFirstEntryWithoutAValue) {
-    const auto result = write({"a", "b", "c", "d"}, {"1", "2", "", "4"});
+    const auto result = write(KeySet({"a", "b", "c", "d"}), {"1", "2", "", "4"});
     EXPECT_EQ(result.text, "a=1\nb=2\n");
     EXPECT_EQ(result.count, 2);
 }
 
 TEST(PresetFile, StopsWritingAtTheFirstEntryWithoutAName) {
-    const auto result = write({"[1]", "b"}, {"1", "2"});
+    const auto result = write(KeySet({"[1]", "b"}), {"1", "2"});
     EXPECT_EQ(result.text, "");
     EXPECT_EQ(result.count, 0);
 }
@@ -126,20 +146,66 @@ TEST(PresetFile, StopsWritingAtTheFirstEntryWithoutAName) {
 TEST(PresetFile, StopsWritingWhenTheStreamRefuses) {
     const test::TempFolder folder;
     const OwnedStream stream(std::fopen(folder.write("preset", "").c_str(), "r"));
-    std::string line;
-    EXPECT_FALSE(writePresetEntry(stream.get(), "a", "1", line));
+    EXPECT_EQ(writePresetFile(stream.get(), KeySet({"a", "b"}), std::vector{"1", "2"}), 0);
     EXPECT_NE(std::ferror(stream.get()), 0);
-    EXPECT_EQ(writePresetFile(stream.get(), Lines{"a", "b"}, std::vector{"1", "2"}), 0);
+}
+
+/// A stream that takes some blocks, and then none.
+class FillingDisk {
+public:
+    explicit FillingDisk(std::size_t blocks) : blocks_(blocks) {
+        std::setvbuf(stream_.get(), nullptr, _IONBF, 0);
+    }
+
+    std::FILE* stream() const { return stream_.get(); }
+    const std::vector<std::string>& taken() const { return taken_; }
+
+private:
+    static ssize_t take(void* disk, const char* data, std::size_t size) {
+        auto& self = *static_cast<FillingDisk*>(disk);
+        if (self.taken_.size() == self.blocks_) {
+            errno = ENOSPC;
+            return 0; // which is how such a stream reports an error
+        }
+        self.taken_.emplace_back(data, size);
+        return static_cast<ssize_t>(size);
+    }
+
+    std::size_t blocks_;
+    std::vector<std::string> taken_;
+    OwnedStream stream_{fopencookie(this, "w", {nullptr, take, nullptr, nullptr})};
+};
+
+// 20,000 lines of 12 bytes: three blocks of 64 KiB and a rest.
+TEST(PresetFile, WritesBlocksUntilTheStreamRefusesOne) {
+    constexpr std::size_t size = 20000;
+    Lines keys;
+    for (std::size_t i = 0; i < size; ++i)
+        keys.push_back("key[" + std::to_string(10000 + i) + "]");
+    const KeySet set(keys);
+    const std::vector<const char*> values(size, "1");
+    for (const std::size_t blocks : {0U, 1U, 3U, 4U}) {
+        SCOPED_TRACE(blocks);
+        const FillingDisk disk(blocks);
+        const auto count = writePresetFile(disk.stream(), set, values);
+        std::string text;
+        for (const auto& block : disk.taken())
+            text += block;
+        EXPECT_EQ(count, std::count(text.begin(), text.end(), '\n'));
+        EXPECT_EQ(count == size, blocks == 4);
+        EXPECT_TRUE(text.empty() || text.ends_with("=1\n")) << "whole lines";
+        EXPECT_EQ(std::ferror(disk.stream()) != 0, blocks < 4);
+    }
 }
 
 TEST(PresetFile, ReadsBackWhatItWrote) {
     const std::string longValue(1017, 'x');
-    const Lines keys{"gain[1][2]", "name with blanks []", "utf8\xc3\xa4[a b]", "long"};
-    const std::vector<const char*> values{"-7", " v ", "a=b=[c]", longValue.c_str()};
+    const Lines keys{"gain[1][2]", "long", "name with blanks []", "utf8\xc3\xa4[a b]"};
+    const std::vector<const char*> values{"-7", longValue.c_str(), " v ", "a=b=[c]"};
     Lines lines;
     for (std::size_t i = 0; i < keys.size(); ++i)
         lines.push_back(keys[i] + "=" + values[i]);
-    EXPECT_EQ(readText(write(keys, values).text), lines);
+    EXPECT_EQ(readText(write(KeySet(keys), values).text), lines);
 }
 
 } // namespace

@@ -160,9 +160,13 @@ ParameterOperations operationsOn(sim::ValueStore& device) {
             },
         .parm_end_trans = [&device](Transaction transaction) { return !device.end(transaction); },
         .parm_get =
-            [&device](Transaction transaction, const KeySet& keys, ReceivedStrings& values) {
+            [&device](Transaction transaction, std::span<const CStringView> keys,
+                      ReceivedStrings& values) {
+                std::vector<std::string> names;
+                for (const auto& key : keys)
+                    names.emplace_back(key.view());
                 std::vector<std::string> texts;
-                const bool refused = device.get(transaction, keys.keys(), texts).has_value();
+                const bool refused = device.get(transaction, names, texts).has_value();
                 values = test::receivedStrings(std::move(texts));
                 return !refused;
             },

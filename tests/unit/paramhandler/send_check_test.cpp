@@ -47,15 +47,15 @@ TEST_F(IsSendable, AgreesWithLibdbusAboutUtf8) {
     };
     for (const auto& text : texts) {
         const bool valid = dbus_validate_utf8(text.c_str(), nullptr) != FALSE;
-        EXPECT_EQ(refusal({.origin = "p", .get = {&text, 1}}).empty(), valid)
+        EXPECT_EQ(refusal({.origin = "p", .get = Keys{text}}).empty(), valid)
             << testing::PrintToString(text);
     }
 }
 
 TEST_F(IsSendable, NamesTheFirstTextThatIsNotUtf8) {
     const std::string bad = "b\xff\n";
-    const std::vector<std::string> oneName{bad};
-    const std::vector<std::string> names{"good", bad, "\xfe"};
+    const Keys oneName{bad};
+    const Keys names{"good", bad, "\xfe"};
     const Pairs badValue{{"good", "1"}, {"mode", bad}, {"\xfe", "1"}};
     const Pairs badKey{{bad, "\xfe"}};
     const Keys keys{"good", bad};
@@ -84,6 +84,18 @@ TEST_F(IsSendable, NamesTheFirstTextThatIsNotUtf8) {
         EXPECT_EQ(refusal(texts), line);
 }
 
+// Only a key set knows that, and only of keys.
+TEST_F(IsSendable, ChecksNoKeysThatAreKnownToBeUtf8) {
+    const std::string bad = "b\xff";
+    const Keys keys{bad};
+    const Pairs badKey{{bad, "1"}};
+    const Pairs badValue{{"mode", bad}};
+    EXPECT_EQ(refusal({.origin = "p", .keysAreUtf8 = true, .get = keys, .reset = keys}), "");
+    EXPECT_EQ(refusal({.origin = "p", .keysAreUtf8 = true, .set = badKey}), "");
+    EXPECT_EQ(refusal({.origin = "/p", .keysAreUtf8 = true, .set = badValue}),
+              "ERROR: parm_set_() - set failed (/p: value of mode is not valid UTF-8)\n");
+}
+
 constexpr std::size_t mebibyte = 1U << 20U;
 
 // A string of 1 MiB with its length and its end, so that the sizes below are whole.
@@ -92,7 +104,7 @@ const std::string mebibyteOnBus(mebibyte - 5, 'x');
 // As many as fit, and one byte more.
 TEST_F(IsSendable, KeepsToTheLimitOfAList) {
     const std::string overByOne(mebibyte - 4, 'x');
-    std::vector<std::string> names(64, mebibyteOnBus);
+    Keys names(64, mebibyteOnBus);
     EXPECT_EQ(refusal({.origin = "scene", .get = names}), "");
     names.back() = overByOne;
     EXPECT_EQ(refusal({.origin = "scene", .get = names}),

@@ -51,6 +51,24 @@ TEST(KeySet, CanBeEmpty) {
     EXPECT_FALSE(keys.contains(""));
 }
 
+TEST(KeySet, KnowsWhetherItsKeysAreUtf8) {
+    EXPECT_TRUE(KeySet().isUtf8());
+    EXPECT_TRUE(KeySet({"a", "a[\xc3\xa4]"}).isUtf8());
+    EXPECT_FALSE(KeySet({"a[\xff]", "b"}).isUtf8());
+    EXPECT_FALSE(KeySet({"a", "b[\xc3"}).isUtf8());
+}
+
+TEST(KeySet, KnowsWhetherItsKeysAreCanonical) {
+    EXPECT_TRUE(KeySet().isCanonical());
+    for (const char* const key :
+         {"a", "a[1]", "a[1][]", "a b [ 2 ][\xc3\xa4]", "a[\t]", "a\tb", "a[x\n]"})
+        EXPECT_TRUE(KeySet({"b", key, "c[1]"}).isCanonical()) << key;
+    for (const char* const key :
+         {"", "[1]", "a]", "a[1", "a[1]x", "a[1]x[2]", "a[1]b]", "a[1]]", "a[1[2]", "a[[1]]",
+          "a]b[1]", "a=b", "a[=]", "a[1]=", "a\t", "a\n", "a\v", "a\f", "a\r"})
+        EXPECT_FALSE(KeySet({"b", key, "c[1]"}).isCanonical()) << key;
+}
+
 TEST(KeySet, EqualsASetOfTheSameKeys) {
     EXPECT_EQ(KeySet({"a", "b"}), KeySet({"b", "a", "b"}));
     EXPECT_NE(KeySet({"a", "b"}), KeySet({"a"}));
