@@ -9,39 +9,61 @@ namespace morvane {
 
 LoadPlan::LoadPlan(const PresetManager& manager, const KeySet& presetKeys)
     : manager_(manager),
-      presetKeys_(presetKeys.keys()),
+      presetKeys_(presetKeys),
       search_(presetKeys),
       isSet_(presetKeys.size()) {
     values_.reserve(presetKeys.size()); // as many as a stored file has, unless it is a sub-preset
 }
 
+bool LoadPlan::addAsWritten(std::string_view line) {
+    const auto text = trimEnd(line);
+    const auto equals = text.find('=');
+    if (!presetKeys_.isCanonical() || equals >= text.size() - 1)
+        return false;
+    const auto place = search_.find(text.substr(0, equals));
+    if (!place)
+        return false;
+    const auto& parameter = parameterOf(keyAt(*place));
+    if (parameter.isTranslated)
+        return false;
+    addValue(*place, parameter, text.substr(equals + 1));
+    return true;
+}
+
 void LoadPlan::add(PresetEntry& entry) {
     if (!translateEntry(manager_.translation(), entry))
         return;
-    const auto place = search_.find(entry.key(key_));
-    if (!place) {
+    if (const auto place = search_.find(entry.key(key_)))
+        addValue(*place, parameterOf(keyAt(*place)), entry.value());
+    else
         empty_ = empty_ && !isOfKnownParameter(manager_, entry);
-        return;
-    }
-    empty_ = false;
-    isSet_[*place] = true;
-    auto& list = manager_.isReadOnly(entry.name()) ? statusValues_ : values_;
-    list.emplace_back(presetKeys_[*place], kept(entry.value()));
 }
 
-KeysToReset LoadPlan::unsetKeys() const {
+void LoadPlan::addValue(std::size_t place, const Parameter& parameter, std::string_view value) {
+    empty_ = false;
+    isSet_[place] = true;
+    auto& list = parameter.isReadOnly ? statusValues_ : values_;
+    list.emplace_back(keyAt(place), kept(value));
+}
+
+KeysToReset LoadPlan::unsetKeys() {
     KeysToReset unset;
-    for (std::size_t i = 0; i < presetKeys_.size(); ++i) {
-        if (isSet_[i])
-            continue;
-        auto& list = isReadOnlyParameter(presetKeys_[i]) ? unset.statusKeys : unset.keys;
-        list.emplace_back(presetKeys_[i]);
+    std::size_t place = 0;
+    for (const CStringView key : presetKeys_) {
+        if (!isSet_[place++])
+            (parameterOf(key).isReadOnly ? unset.statusKeys : unset.keys).push_back(key);
     }
     return unset;
 }
 
-bool LoadPlan::isReadOnlyParameter(std::string_view key) const {
-    return manager_.isReadOnly(key.substr(0, key.find('[')));
+const LoadPlan::Parameter& LoadPlan::parameterOf(CStringView key) {
+    const auto text = key.view();
+    const auto size = parameter_.name.size();
+    if (text.starts_with(parameter_.name) && (text.size() == size || text[size] == '['))
+        return parameter_;
+    const auto name = text.substr(0, text.find('['));
+    parameter_ = {name, manager_.isReadOnly(name), manager_.translation().mentions(name)};
+    return parameter_;
 }
 
 // A copy that stays until the values have been sent.

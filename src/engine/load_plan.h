@@ -29,6 +29,12 @@ public:
     /// Both are borrowed for the plan's life; what it hands out is borrowed from them and from it.
     LoadPlan(const PresetManager& manager, const KeySet& presetKeys);
 
+    /// Takes the value of a line if the key stands in it as it stands in the preset, and nothing is
+    /// to be translated. Saves parsing and translating most lines.
+    ///
+    /// @return false, with nothing taken, for any other line: it is to be parsed and added.
+    bool addAsWritten(std::string_view line);
+
     /// Translates an entry and, if its key is in the preset, takes its value. A key that occurs
     /// twice is set twice.
     /// @param entry as it was read; changed by the translation.
@@ -42,14 +48,24 @@ public:
     std::span<const KeyValue> statusValues() const { return statusValues_; }
 
     /// The keys of the preset that no entry sets, in order.
-    KeysToReset unsetKeys() const;
+    KeysToReset unsetKeys();
 
 private:
-    bool isReadOnlyParameter(std::string_view key) const;
+    /// What all keys of a parameter have in common.
+    struct Parameter {
+        std::string_view name;
+        bool isReadOnly = false;
+        bool isTranslated = false;
+    };
+
+    CStringView keyAt(std::size_t place) const { return presetKeys_.keys()[place]; }
+    const Parameter& parameterOf(CStringView key);
+    void addValue(std::size_t place, const Parameter& parameter, std::string_view value);
     CStringView kept(std::string_view value);
 
     const PresetManager& manager_;
-    std::span<const std::string> presetKeys_;
+    const KeySet& presetKeys_;
+    Parameter parameter_; ///< of the last key: those of a parameter follow each other
     KeySearch search_;
     std::vector<bool> isSet_; ///< by place in the preset
     bool empty_ = true;

@@ -25,7 +25,9 @@ bool readEntries(const std::string& filePath, LoadPlan& plan, int& count) {
         return false;
     }
     const OwnedStream stream(raw);
-    count = readPresetFile(stream.get(), [&plan](PresetEntry& entry) { plan.add(entry); });
+    count = readPresetFile(
+        stream.get(), [&plan](std::string_view line) { return plan.addAsWritten(line); },
+        [&plan](PresetEntry& entry) { plan.add(entry); });
     if (std::ferror(stream.get()) != 0) {
         syslog(LOG_ERR, "Error reading file: %s (%s)\n", filePath.c_str(), std::strerror(errno));
         return false;
@@ -86,6 +88,7 @@ bool loadPreset(const ParameterOperations* operations, const std::string& preset
         return acceptEmpty(LOG_INFO, filePath);
     const auto unset = withDefaults ? plan.unsetKeys() : KeysToReset{};
     const RequestTexts texts{.origin = filePath,
+                             .keysAreUtf8 = presetKeys->isUtf8(),
                              .set = plan.values(),
                              .setStatus = plan.statusValues(),
                              .reset = unset.keys,
@@ -114,8 +117,10 @@ bool loadDefaults(const ParameterOperations* operations, const std::string& pres
         return false;
     }
     const auto keys = LoadPlan(manager, *presetKeys).unsetKeys();
-    const RequestTexts texts{
-        .origin = presetName, .reset = keys.keys, .resetStatus = keys.statusKeys};
+    const RequestTexts texts{.origin = presetName,
+                             .keysAreUtf8 = presetKeys->isUtf8(),
+                             .reset = keys.keys,
+                             .resetStatus = keys.statusKeys};
     Transaction transaction = 0;
     const bool loaded =
         operations->isSendable(texts) && startTransaction(*operations, transaction) &&

@@ -9,13 +9,6 @@ constexpr bool isTrimmed(char c) {
     return c == '\t' || c == '\f' || c == '\v' || c == '\n' || c == '\r';
 }
 
-std::string_view trimEnd(std::string_view text) {
-    auto end = text.size();
-    while (end > 0 && isTrimmed(text[end - 1]))
-        --end;
-    return text.substr(0, end);
-}
-
 struct KeyParts {
     std::string_view name;
     bool isCanonical; ///< nothing is dropped from the key
@@ -46,6 +39,12 @@ void appendIndex(std::string_view index, std::string& key) {
 }
 
 } // namespace
+
+std::string_view trimEnd(std::string_view text) {
+    while (!text.empty() && isTrimmed(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
 
 void parsePresetKey(std::string_view key, PresetEntry& entry) {
     const auto text = trimEnd(key);

@@ -55,14 +55,17 @@ private:
     std::string_view canonicalText_;
 };
 
-/// Splits a key such as "gain[1][2]" into its parts. Trailing \t, \f, \v, \n and \r are trimmed,
-/// blanks are not; an unclosed group and text between groups are dropped.
+/// The text without the white space at its end: \t, \f, \v, \n and \r, but not blanks.
+std::string_view trimEnd(std::string_view text);
+
+/// Splits a key such as "gain[1][2]" into its parts. Its end is trimmed; an unclosed group and
+/// text between groups are dropped.
 ///
 /// @param entry replaced by one without a value. Callers that read many keys reuse one entry, so
 ///              that its list of indices is not allocated for each.
 void parsePresetKey(std::string_view key, PresetEntry& entry);
 
-/// Splits a line at its first "=". Trailing white space is trimmed as in a key.
+/// Splits a line at its first "=", after its end has been trimmed.
 /// @param entry replaced: by an empty one if there is no "="; otherwise by one whose name or value
 ///              may be empty.
 void parsePresetLine(std::string_view line, PresetEntry& entry);

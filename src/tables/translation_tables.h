@@ -7,6 +7,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace morvane {
@@ -38,6 +39,11 @@ struct TranslationTables {
     std::set<std::string, std::less<>> removed; ///< names of parameters whose entries are dropped
     std::map<std::string, NameMapping, std::less<>> nameMappings; ///< by old name
     IndexMaps indexMaps;
+
+    /// Whether entries of this name may be dropped or changed.
+    bool mentions(std::string_view name) const {
+        return removed.contains(name) || nameMappings.contains(name) || indexMaps.contains(name);
+    }
 };
 
 namespace PresetGenerate {
