@@ -4,6 +4,7 @@
 #include "engine/preset_translate.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace morvane {
 
@@ -20,29 +21,29 @@ bool LoadPlan::addAsWritten(std::string_view line) {
     const auto equals = text.find('=');
     if (!presetKeys_.isCanonical() || equals >= text.size() - 1)
         return false;
-    const auto place = search_.find(text.substr(0, equals));
-    if (!place)
-        return false;
-    const auto& parameter = parameterOf(keyAt(*place));
-    if (parameter.isTranslated)
-        return false;
-    addValue(*place, parameter, text.substr(equals + 1));
-    return true;
+    const auto key = text.substr(0, equals);
+    const auto& parameter = parameterOf(key);
+    const auto place = parameter.isTranslated ? std::nullopt : search_.find(key);
+    if (place)
+        addValue(*place, parameter.isReadOnly, text.substr(equals + 1));
+    return place.has_value();
 }
 
 void LoadPlan::add(PresetEntry& entry) {
     if (!translateEntry(manager_.translation(), entry))
         return;
-    if (const auto place = search_.find(entry.key(key_)))
-        addValue(*place, parameterOf(keyAt(*place)), entry.value());
+    key_.clear();
+    appendPresetKey(entry, key_);
+    if (const auto place = search_.find(key_))
+        addValue(*place, manager_.isReadOnly(entry.name), entry.value);
     else
         empty_ = empty_ && !isOfKnownParameter(manager_, entry);
 }
 
-void LoadPlan::addValue(std::size_t place, const Parameter& parameter, std::string_view value) {
+void LoadPlan::addValue(std::size_t place, bool isReadOnly, std::string_view value) {
     empty_ = false;
     isSet_[place] = true;
-    auto& list = parameter.isReadOnly ? statusValues_ : values_;
+    auto& list = isReadOnly ? statusValues_ : values_;
     list.emplace_back(keyAt(place), kept(value));
 }
 
@@ -51,18 +52,18 @@ KeysToReset LoadPlan::unsetKeys() {
     std::size_t place = 0;
     for (const CStringView key : presetKeys_) {
         if (!isSet_[place++])
-            (parameterOf(key).isReadOnly ? unset.statusKeys : unset.keys).push_back(key);
+            (parameterOf(key.view()).isReadOnly ? unset.statusKeys : unset.keys).push_back(key);
     }
     return unset;
 }
 
-const LoadPlan::Parameter& LoadPlan::parameterOf(CStringView key) {
-    const auto text = key.view();
+const LoadPlan::Parameter& LoadPlan::parameterOf(std::string_view key) {
     const auto size = parameter_.name.size();
-    if (text.starts_with(parameter_.name) && (text.size() == size || text[size] == '['))
+    if (key.starts_with(parameter_.name) && (key.size() == size || key[size] == '['))
         return parameter_;
-    const auto name = text.substr(0, text.find('['));
-    parameter_ = {name, manager_.isReadOnly(name), manager_.translation().mentions(name)};
+    const auto name = key.substr(0, key.find('['));
+    parameter_ = {std::string(name), manager_.isReadOnly(name),
+                  manager_.translation().mentions(name)};
     return parameter_;
 }
 

@@ -53,23 +53,23 @@ public:
 private:
     /// What all keys of a parameter have in common.
     struct Parameter {
-        std::string_view name;
+        std::string name;
         bool isReadOnly = false;
         bool isTranslated = false;
     };
 
     CStringView keyAt(std::size_t place) const { return presetKeys_.keys()[place]; }
-    const Parameter& parameterOf(CStringView key);
-    void addValue(std::size_t place, const Parameter& parameter, std::string_view value);
+    const Parameter& parameterOf(std::string_view key);
+    void addValue(std::size_t place, bool isReadOnly, std::string_view value);
     CStringView kept(std::string_view value);
 
     const PresetManager& manager_;
     const KeySet& presetKeys_;
-    Parameter parameter_; ///< of the last key: those of a parameter follow each other
+    Parameter parameter_; ///< of the last key asked for: those of one follow each other
     KeySearch search_;
     std::vector<bool> isSet_; ///< by place in the preset
     bool empty_ = true;
-    std::string key_; ///< the one buffer for keys that must be assembled
+    std::string key_; ///< reused for the keys of all entries
     std::pmr::monotonic_buffer_resource texts_;
     std::vector<KeyValue> values_;
     std::vector<KeyValue> statusValues_;

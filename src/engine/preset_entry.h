@@ -3,56 +3,16 @@
 
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace morvane {
 
 /// A parameter instance and its value. All texts are borrowed: from the line that was read or,
 /// where a translation has changed them, from the translation tables.
-class PresetEntry {
-public:
-    PresetEntry() = default;
-    PresetEntry(std::string_view name, std::vector<std::string_view> indices,
-                std::string_view value)
-        : name_(name),
-          indices_(std::move(indices)),
-          value_(value) {}
-
-    /// The key up to its first "[".
-    std::string_view name() const { return name_; }
-
-    /// One per bracketed group of the key, as text.
-    const std::vector<std::string_view>& indices() const { return indices_; }
-
-    std::string_view value() const { return value_; }
-
-    void setName(std::string_view name) {
-        name_ = name;
-        canonicalText_ = {};
-    }
-    void setIndices(std::vector<std::string_view> indices) {
-        indices_ = std::move(indices);
-        canonicalText_ = {};
-    }
-    void setValue(std::string_view value) { value_ = value; }
-
-    /// The canonical key: the name and "[" index "]" for each index. Empty if the name is.
-    ///
-    /// @param buffer overwritten if the key must be assembled.
-    /// @return borrowed from the entry's texts or the buffer.
-    std::string_view key(std::string& buffer) const;
-
-private:
-    friend void parsePresetKey(std::string_view key, PresetEntry& entry);
-
-    std::string_view name_;
-    std::vector<std::string_view> indices_;
-    std::string_view value_;
-
-    /// The canonical key if the line contains it as it is, which saves assembling it; otherwise
-    /// empty.
-    std::string_view canonicalText_;
+struct PresetEntry {
+    std::string_view name;                 ///< the key up to its first "["
+    std::vector<std::string_view> indices; ///< one per bracketed group of the key, as text
+    std::string_view value;
 };
 
 /// The text without the white space at its end: \t, \f, \v, \n and \r, but not blanks.
@@ -70,17 +30,13 @@ void parsePresetKey(std::string_view key, PresetEntry& entry);
 ///              may be empty.
 void parsePresetLine(std::string_view line, PresetEntry& entry);
 
-/// The canonical key of an entry, as a copy.
+/// The canonical key of an entry: the name and "[" index "]" for each index. Empty if the name is.
 std::string presetKey(const PresetEntry& entry);
 
-/// The canonical key of the entry that `parsePresetKey` would make of `key`, without making it.
-///
-/// @param buffer overwritten if the key must be assembled.
-/// @return borrowed from the key or the buffer.
-std::string_view canonicalKey(std::string_view key, std::string& buffer);
+/// The same at the end of a text, for callers that reuse its memory.
+void appendPresetKey(const PresetEntry& entry, std::string& text);
 
 /// The entry's line without a line feed: canonical key, "=" and value.
-/// @param line overwritten.
-void formatPresetLine(const PresetEntry& entry, std::string& line);
+std::string formatPresetLine(const PresetEntry& entry);
 
 } // namespace morvane

@@ -10,6 +10,12 @@ namespace {
 
 constexpr std::size_t blockSize = std::size_t{64} << 10U; // of what is written at once
 
+std::string canonicalKey(std::string_view key) {
+    PresetEntry entry;
+    parsePresetKey(key, entry);
+    return presetKey(entry);
+}
+
 bool writeBlock(std::FILE* stream, std::string& lines) {
     const bool isWritten = std::fwrite(lines.data(), 1, lines.size(), stream) == lines.size();
     lines.clear();
@@ -29,11 +35,13 @@ int writePresetFile(std::FILE* stream, const KeySet& keys, std::span<const char*
     assert(values.size() == keys.size());
     std::string lines;
     lines.reserve(blockSize + presetLineBufferSize); // the last line may go beyond the block
-    std::string buffer;
+    std::string assembled;
     int count = 0;
     int written = 0;
     for (const CStringView key : keys) {
-        const auto canonical = keys.isCanonical() ? key.view() : canonicalKey(key.view(), buffer);
+        if (!keys.isCanonical())
+            assembled = canonicalKey(key.view());
+        const std::string_view canonical = keys.isCanonical() ? key.view() : assembled;
         if (!writePresetEntry(lines, canonical, values[static_cast<std::size_t>(count)]))
             break;
         ++count;

@@ -43,7 +43,7 @@ int readPresetFile(std::FILE* stream, Take take, Use use) {
     while (const auto line = lines.next()) {
         if (!take(*line)) {
             parsePresetLine(*line, entry);
-            if (entry.name().empty() || entry.value().empty())
+            if (entry.name.empty() || entry.value.empty())
                 continue;
             use(entry);
         }

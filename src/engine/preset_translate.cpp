@@ -18,9 +18,9 @@ std::optional<std::string_view> indexOf(const std::string& element, const Preset
     const auto position = PresetTranslate::referredPosition(element);
     if (!position)
         return element;
-    if (*position >= entry.indices().size())
+    if (*position >= entry.indices.size())
         return std::nullopt;
-    return entry.indices()[*position];
+    return entry.indices[*position];
 }
 
 std::optional<std::vector<std::string_view>> newIndices(const PresetEntry& entry,
@@ -33,8 +33,8 @@ std::optional<std::vector<std::string_view>> newIndices(const PresetEntry& entry
             std::fprintf(stderr,
                          "PresetTranslate::translate() Error:Could not locate index value for %s "
                          "for parameter %swith %d indices\n",
-                         element.c_str(), std::string(entry.name()).c_str(),
-                         static_cast<int>(entry.indices().size()));
+                         element.c_str(), std::string(entry.name).c_str(),
+                         static_cast<int>(entry.indices.size()));
             return std::nullopt;
         }
         indices.push_back(*index);
@@ -43,13 +43,13 @@ std::optional<std::vector<std::string_view>> newIndices(const PresetEntry& entry
 }
 
 void mapName(const TranslationTables& tables, PresetEntry& entry) {
-    const auto mapping = tables.nameMappings.find(entry.name());
+    const auto mapping = tables.nameMappings.find(entry.name);
     if (mapping == tables.nameMappings.end())
         return;
     const auto& [newName, values] = mapping->second;
-    entry.setName(newName);
-    if (const auto value = values.find(entry.value()); value != values.end())
-        entry.setValue(value->second);
+    entry.name = newName;
+    if (const auto value = values.find(entry.value); value != values.end())
+        entry.value = value->second;
 }
 
 } // namespace
@@ -64,11 +64,11 @@ std::optional<std::size_t> PresetTranslate::referredPosition(std::string_view el
 }
 
 PresetEntry PresetTranslate::translate(PresetEntry entry, const IndexMaps& indexMaps) {
-    const auto found = indexMaps.find(entry.name());
+    const auto found = indexMaps.find(entry.name);
     if (found == indexMaps.end())
         return entry;
     const auto& templates = found->second;
-    const auto count = entry.indices().size();
+    const auto count = entry.indices.size();
     if (count == templates.begin()->second.size())
         return entry;
     const auto elements = templates.find(count);
@@ -76,19 +76,19 @@ PresetEntry PresetTranslate::translate(PresetEntry entry, const IndexMaps& index
         std::fprintf(stderr,
                      "PresetTranslate::translate() Error:Could not located index mapping for %s "
                      "with %d indices\n",
-                     std::string(entry.name()).c_str(), static_cast<int>(count));
+                     std::string(entry.name).c_str(), static_cast<int>(count));
         return {};
     }
     auto indices = newIndices(entry, elements->second);
     if (!indices)
         return {};
-    entry.setIndices(*std::move(indices));
+    entry.indices = *std::move(indices);
     return entry;
 }
 
 bool translateEntry(const TranslationTables& tables, PresetEntry& entry) {
     mapName(tables, entry);
-    if (tables.removed.contains(entry.name()))
+    if (tables.removed.contains(entry.name))
         return false;
     if (!tables.indexMaps.empty())
         entry = PresetTranslate::translate(std::move(entry), tables.indexMaps);
@@ -96,7 +96,7 @@ bool translateEntry(const TranslationTables& tables, PresetEntry& entry) {
 }
 
 bool isOfKnownParameter(const PresetManager& manager, const PresetEntry& entry) {
-    return entry.name().empty() || manager.isParameter(entry.name());
+    return entry.name.empty() || manager.isParameter(entry.name);
 }
 
 } // namespace morvane

@@ -1,9 +1,8 @@
 // UTF-8, for texts that come from files and go to the bus or to the log.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
-#include <cstdint>
-#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -14,20 +13,10 @@ namespace morvane {
 ///         overlong form, a surrogate, or beyond U+10FFFF.
 std::size_t utf8CharacterLength(std::string_view text);
 
-/// Whether a text has nothing but bytes below 128. Eight at a time, and inline: every text that is
-/// read or sent comes through here.
+/// Whether a text has nothing but bytes below 128.
 inline bool isAscii(std::string_view text) {
-    const char* next = text.data();
-    const char* const end = next + text.size();
-    std::uint64_t seen = 0;
-    for (std::uint64_t bytes = 0; end - next >= std::ptrdiff_t{sizeof bytes};
-         next += sizeof bytes) {
-        std::memcpy(&bytes, next, sizeof bytes);
-        seen |= bytes;
-    }
-    for (; next != end; ++next)
-        seen |= static_cast<unsigned char>(*next);
-    return (seen & 0x8080808080808080U) == 0;
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 /// The slow path of `isUtf8`.

@@ -104,7 +104,7 @@ TEST(Examples, TranslateTheOlderFile) {
             const int count = readPresetFile(stream.get(), [&](PresetEntry& entry) {
                 if (translateEntry(manager.translation(), entry) &&
                     isOfKnownParameter(manager, entry))
-                    lines += test::lineOf(entry) + "\n";
+                    lines += formatPresetLine(entry) + "\n";
             });
             EXPECT_EQ(count, 7);
         };

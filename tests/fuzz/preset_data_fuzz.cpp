@@ -8,22 +8,16 @@
 
 namespace {
 
-std::string lineOf(const morvane::PresetEntry& entry) {
-    std::string line;
-    morvane::formatPresetLine(entry, line);
-    return line;
-}
-
 // A line that does not fit into a piece, and a key that ends in white space because an unclosed
 // group was dropped from it, read back differently.
 bool comesBack(const morvane::PresetEntry& entry) {
     constexpr std::size_t longest = 1000;
     constexpr std::string_view trimmed = "\t\f\v\n\r";
     const bool endsInSpace =
-        entry.indices().empty() && trimmed.find(entry.name().back()) != std::string_view::npos;
-    return !endsInSpace && lineOf(entry).size() < longest &&
-           entry.name().find(']') == std::string_view::npos &&
-           std::none_of(entry.indices().begin(), entry.indices().end(), [](std::string_view index) {
+        entry.indices.empty() && trimmed.find(entry.name.back()) != std::string_view::npos;
+    return !endsInSpace && formatPresetLine(entry).size() < longest &&
+           entry.name.find(']') == std::string_view::npos &&
+           std::none_of(entry.indices.begin(), entry.indices.end(), [](std::string_view index) {
                return index.find('[') != std::string_view::npos;
            });
 }
@@ -34,7 +28,7 @@ std::vector<std::string> read(const std::string& path) {
     const morvane::OwnedStream stream(std::fopen(path.c_str(), "r"));
     morvane::readPresetFile(stream.get(), [&](const morvane::PresetEntry& entry) {
         if (comesBack(entry))
-            lines.push_back(lineOf(entry));
+            lines.push_back(formatPresetLine(entry));
     });
     return lines;
 }

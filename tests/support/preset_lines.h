@@ -9,13 +9,6 @@
 
 namespace morvane::test {
 
-/// The line of an entry without its line feed.
-inline std::string lineOf(const PresetEntry& entry) {
-    std::string line;
-    formatPresetLine(entry, line);
-    return line;
-}
-
 /// The entry of a line, which it borrows its texts from.
 inline PresetEntry entryOf(std::string_view line) {
     PresetEntry entry;
@@ -26,7 +19,8 @@ inline PresetEntry entryOf(std::string_view line) {
 /// The lines of all entries that are read from a stream.
 inline std::vector<std::string> readLines(std::FILE* stream) {
     std::vector<std::string> lines;
-    readPresetFile(stream, [&](const PresetEntry& entry) { lines.push_back(lineOf(entry)); });
+    readPresetFile(stream,
+                   [&](const PresetEntry& entry) { lines.push_back(formatPresetLine(entry)); });
     return lines;
 }
 

@@ -33,7 +33,7 @@ std::optional<Values> readValues(const std::string& file, Takes takes) {
     Values values;
     readPresetFile(stream.get(), [&](PresetEntry& entry) {
         if (takes(entry))
-            values[presetKey(entry)] = entry.value();
+            values[presetKey(entry)] = entry.value;
     });
     return values;
 }

@@ -64,9 +64,9 @@ private:
 
     // Says whether the parameter and this instance of it exist on this variant.
     bool explainParameter() {
-        const auto* const parameter = parameters_.find(key_.name());
+        const auto* const parameter = parameters_.find(key_.name);
         if (parameter == nullptr) {
-            lines_.push_back("no parameter " + std::string(key_.name()) + " in " +
+            lines_.push_back("no parameter " + std::string(key_.name) + " in " +
                              settings_.paramDefFile);
             return false;
         }
@@ -104,16 +104,16 @@ private:
     }
 
     bool explainIndices(const SystemParameter& parameter) {
-        if (parameter.indices.size() != key_.indices().size()) {
+        if (parameter.indices.size() != key_.indices.size()) {
             lines_.push_back(std::string(parameter.name) + " has " +
                              std::to_string(parameter.indices.size()) + " indices, " +
-                             settings_.key + " has " + std::to_string(key_.indices().size()));
+                             settings_.key + " has " + std::to_string(key_.indices.size()));
             return false;
         }
         bool all = true;
-        for (std::size_t i = 0; i < key_.indices().size(); ++i)
+        for (std::size_t i = 0; i < key_.indices.size(); ++i)
             all = explainIndex(std::string(parameter.indices[i].indexName()),
-                               std::string(key_.indices()[i])) &&
+                               std::string(key_.indices[i])) &&
                   all;
         return all;
     }
@@ -139,7 +139,7 @@ private:
                 (has ? " has the value " + value
                      : " has " + shortList(values) + ", which is not " + value));
         // An include list may name values that the index does not have.
-        return has || manager_.isReadOnly(key_.name());
+        return has || manager_.isReadOnly(key_.name);
     }
 
     void explainPreset() {
@@ -171,13 +171,13 @@ private:
     }
 
     void explainLists(const PresetDefinition& preset) {
-        const bool includes = manager_.isReadOnly(key_.name());
+        const bool includes = manager_.isReadOnly(key_.name);
         add(settings_.presetDefFile, preset.line,
             includes ? "read-only parameters are in a preset if an include list adds them"
                      : "read-write parameters are in a preset unless an exclude list takes them "
                        "away");
         const auto& map = includes ? manager_.readOnly() : manager_.readWrite();
-        const ParameterMap alone{*map.find(key_.name())};
+        const ParameterMap alone{*map.find(key_.name)};
         bool any = false;
         for (const auto& part : partsOf(preset)) {
             if ((part.kind == Kind::include) != includes ||

@@ -22,19 +22,19 @@ struct TranslatedLine {
 
 std::string changes(const PresetEntry& before, const PresetEntry& after) {
     std::vector<std::string> what;
-    if (after.name() != before.name())
+    if (after.name != before.name)
         what.emplace_back("renamed");
-    if (after.value() != before.value())
+    if (after.value != before.value)
         what.emplace_back("value mapped");
-    if (after.indices() != before.indices())
+    if (after.indices != before.indices)
         what.emplace_back("re-indexed");
     return what.empty() ? "kept" : joined(what, ", ");
 }
 
 std::string reasonForDropping(const PresetEntry& entry, const PresetManager& manager) {
     const auto& [removed, nameMappings, indexMaps] = manager.translation();
-    const auto mapping = nameMappings.find(entry.name());
-    const std::string name(mapping == nameMappings.end() ? entry.name() : mapping->second.newName);
+    const auto mapping = nameMappings.find(entry.name);
+    const std::string name(mapping == nameMappings.end() ? entry.name : mapping->second.newName);
     return removed.contains(name) ? "dropped: " + name + " is in a removed list"
                                   : "dropped: no parameter " + name + " on this variant";
 }
@@ -44,7 +44,7 @@ TranslatedLine translateLine(std::string_view line, std::uint32_t number,
     TranslatedLine result{number, std::string(trimSpace(line)), {}, {}};
     PresetEntry entry;
     parsePresetLine(line, entry);
-    if (entry.name().empty() || entry.value().empty()) {
+    if (entry.name.empty() || entry.value.empty()) {
         result.what = "skipped: not NAME=VALUE";
         return result;
     }
@@ -52,11 +52,11 @@ TranslatedLine translateLine(std::string_view line, std::uint32_t number,
     if (!translateEntry(manager.translation(), translated) ||
         !isOfKnownParameter(manager, translated)) {
         result.what = reasonForDropping(entry, manager);
-    } else if (translated.name().empty()) {
+    } else if (translated.name.empty()) {
         result.what =
-            "dropped: its " + std::to_string(entry.indices().size()) + " indices cannot be mapped";
+            "dropped: its " + std::to_string(entry.indices.size()) + " indices cannot be mapped";
     } else {
-        formatPresetLine(translated, result.after);
+        result.after = formatPresetLine(translated);
         result.what = changes(entry, translated);
     }
     return result;

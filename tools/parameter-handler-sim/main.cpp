@@ -46,7 +46,7 @@ Refusal readValues(const std::string& path, const Device& device, ValueStore& va
         const auto* const parameter = device.find(key);
         const auto target =
             parameter != nullptr && parameter->isReadOnly() ? Target::status : Target::value;
-        const std::array assignment{Assignment{key, std::string(entry.value())}};
+        const std::array assignment{Assignment{key, std::string(entry.value)}};
         if (const auto reason = values.set({}, target, assignment))
             refusal = path + ": " + *reason;
     });

@@ -88,7 +88,7 @@ private:
     static void addParsed(LoadPlan& plan, std::string_view line) {
         PresetEntry entry;
         parsePresetLine(line, entry);
-        if (!entry.name().empty() && !entry.value().empty())
+        if (!entry.name.empty() && !entry.value.empty())
             plan.add(entry);
     }
 };

@@ -67,7 +67,7 @@ TEST(PresetFile, ParsesOnlyTheLinesThatWereNotTaken) {
     Lines used;
     const int count = readPresetFile(
         stream.get(), [](std::string_view line) { return line == "b=2\n"; },
-        [&](const PresetEntry& entry) { used.push_back(test::lineOf(entry)); });
+        [&](const PresetEntry& entry) { used.push_back(formatPresetLine(entry)); });
     EXPECT_EQ(used, (Lines{"a=1", "c=3"}));
     EXPECT_EQ(count, 3) << "with the one that was taken";
 }

@@ -137,7 +137,7 @@ TEST_F(PresetTranslateTest, TranslatesOlderEntries) {
         if (!kept)
             EXPECT_EQ(dropped, result);
         else
-            EXPECT_EQ(entry.name().empty() ? unusable : test::lineOf(entry), result);
+            EXPECT_EQ(entry.name.empty() ? unusable : formatPresetLine(entry), result);
     }
 }
 
