@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string_view>
 
 namespace morvane {
@@ -16,6 +17,66 @@ struct StreamCloser {
     void operator()(std::FILE* stream) const noexcept { std::fclose(stream); }
 };
 using OwnedStream = std::unique_ptr<std::FILE, StreamCloser>;
+
+/// Cuts what is read of a file into pieces: a line with its line feed, or as much of it as a piece
+/// may have. Borrows the blocks that are read.
+class PieceCutter {
+public:
+    /// @param longest in bytes, the line feed included.
+    explicit PieceCutter(std::size_t longest) : longest_(longest) {}
+
+    /// Takes the next piece.
+    ///
+    /// @param stream    read when what is left is not a whole piece, unless it has ended or failed.
+    /// @param nextBlock returns the block to read into, a span of more than `longest` bytes. What
+    /// is
+    ///                  left of the one before is moved to its beginning: it may be the same one.
+    /// @return the piece, null bytes included; nothing at the end of the file or after a read
+    /// error,
+    ///         which takes with it what was read of its line.
+    template <typename NextBlock>
+    std::optional<std::string_view> next(std::FILE* stream, NextBlock nextBlock) {
+        auto piece = first();
+        if (!isWhole(piece)) {
+            if (std::feof(stream) == 0 && std::ferror(stream) == 0)
+                read(stream, nextBlock());
+            piece = first();
+            if (piece.empty() || (!isWhole(piece) && std::ferror(stream) != 0))
+                return std::nullopt;
+        }
+        unread_.remove_prefix(piece.size());
+        return piece;
+    }
+
+    /// The first piece of a text, as `next` would cut it.
+    std::string_view firstOf(std::string_view text) const {
+        const auto piece = text.substr(0, longest_);
+        const auto lineFeed = piece.find('\n');
+        return lineFeed == std::string_view::npos ? piece : piece.substr(0, lineFeed + 1);
+    }
+
+private:
+    std::string_view first() const { return firstOf(unread_); }
+
+    bool isWhole(std::string_view piece) const {
+        return piece.size() == longest_ || piece.ends_with('\n');
+    }
+
+    void read(std::FILE* stream, std::span<char> block) {
+        std::copy(unread_.begin(), unread_.end(), block.begin());
+        const auto free = block.subspan(unread_.size());
+        const auto size = unread_.size() + std::fread(free.data(), 1, free.size(), stream);
+        unread_ = {block.data(), size};
+    }
+
+    std::size_t longest_;
+    std::string_view unread_; ///< in the last block
+};
+
+/// What a reader sees of a piece: a null byte ends it, as it ends a string.
+inline std::string_view upToNull(std::string_view piece) {
+    return piece.substr(0, piece.find('\0'));
+}
 
 /// Hands out the lines of a stream. A line longer than `BufferSize` - 1 bytes comes out as several
 /// pieces, each of which counts as a line; a null byte ends its piece.
@@ -31,46 +92,17 @@ public:
     /// @return the next piece with its line feed, valid until the next call; nothing at the end of
     ///         the file or after a read error, which takes with it what was read of its line.
     std::optional<std::string_view> next() {
-        auto piece = firstPiece();
-        if (!isWhole(piece)) {
-            readBlock();
-            piece = firstPiece();
-            if (piece.empty() || (!isWhole(piece) && std::ferror(stream_) != 0))
-                return std::nullopt;
-        }
-        unread_.remove_prefix(piece.size());
-        return piece.substr(0, piece.find('\0'));
+        const auto piece = cutter_.next(stream_, [this] { return std::span(*block_); });
+        return piece ? std::optional(upToNull(*piece)) : std::nullopt;
     }
 
 private:
-    static constexpr std::size_t longestPiece = BufferSize - 1;
-    static_assert(longestPiece < blockSize);
-
-    // As much of it as has been read.
-    std::string_view firstPiece() const {
-        const auto piece = unread_.substr(0, longestPiece);
-        const auto lineFeed = piece.find('\n');
-        return lineFeed == std::string_view::npos ? piece : piece.substr(0, lineFeed + 1);
-    }
-
-    static bool isWhole(std::string_view piece) {
-        return piece.size() == longestPiece || piece.ends_with('\n');
-    }
-
-    // The piece that the last block has only in part begins the new one.
-    void readBlock() {
-        if (std::feof(stream_) != 0 || std::ferror(stream_) != 0)
-            return;
-        std::copy(unread_.begin(), unread_.end(), block_->begin());
-        const auto size = unread_.size();
-        char* const data = block_->data();
-        unread_ = {data, size + std::fread(data + size, 1, blockSize - size, stream_)};
-    }
+    static_assert(BufferSize <= blockSize);
 
     std::FILE* stream_;
     using Block = std::array<char, blockSize>;
     std::unique_ptr<Block> block_ = std::make_unique_for_overwrite<Block>();
-    std::string_view unread_; ///< in the block
+    PieceCutter cutter_{BufferSize - 1};
 };
 
 } // namespace morvane

@@ -1,6 +1,8 @@
 // The text of a definition file, in memory as long as the definitions that were parsed from it.
 #pragma once
 
+#include "text/line_reader.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -46,16 +48,9 @@ public:
     std::string_view keep(std::string text);
 
 private:
-    struct Block {
-        std::unique_ptr<char[]> bytes;
-        std::size_t size = 0;
-    };
-
-    void readBlock(std::FILE* stream);
-
     std::size_t blockSize_;
-    std::vector<Block> blocks_;
-    std::string_view unread_; ///< what the last block has after the last line read
+    std::vector<std::unique_ptr<char[]>> blocks_; ///< null bytes after the end of the file
+    PieceCutter cutter_{longestLine};
     // By number, where the lines begin, counting a whole block for each block before. Files of
     // more than 4 GiB are read, but the lines beyond are not found again.
     std::vector<std::uint32_t> lineBegins_;
