@@ -67,10 +67,12 @@ private:
         const auto free = block.subspan(unread_.size());
         const auto size = unread_.size() + std::fread(free.data(), 1, free.size(), stream);
         unread_ = {block.data(), size};
+        if (size < block.size())
+            block[size] = '\0';
     }
 
     std::size_t longest_;
-    std::string_view unread_; ///< in the last block
+    std::string_view unread_; ///< in the last block, before a null byte if that is not full
 };
 
 /// What a reader sees of a piece: a null byte ends it, as it ends a string.

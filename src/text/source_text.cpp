@@ -7,7 +7,7 @@ namespace morvane {
 
 std::optional<std::string_view> SourceText::readLine(std::FILE* stream) {
     const auto line = cutter_.next(stream, [this] {
-        blocks_.push_back(std::make_unique<char[]>(blockSize_));
+        blocks_.push_back(std::make_unique_for_overwrite<Block>(blockSize_));
         return std::span(blocks_.back().get(), blockSize_);
     });
     if (!line)
@@ -22,7 +22,7 @@ std::optional<std::string_view> SourceText::line(std::uint32_t number) const {
         return std::nullopt;
     const auto begin = lineBegins_[number - 1];
     const std::string_view block(blocks_[begin / blockSize_].get(), blockSize_);
-    return upToNull(cutter_.firstOf(block.substr(begin % blockSize_)));
+    return cutter_.firstOf(upToNull(block.substr(begin % blockSize_)));
 }
 
 std::string_view SourceText::keep(std::string text) {

@@ -1,9 +1,11 @@
+#include "core/definitions.h"
 #include "core/preset_manager.h"
 #include "support/output_capture.h"
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <optional>
 #include <set>
 #include <string>
@@ -165,6 +167,68 @@ TEST(PresetManager, TakesTheTranslationFromAllSections) {
     EXPECT_EQ(translation.removed, (std::set<std::string, std::less<>>{"a", "b"}));
     EXPECT_EQ(translation.nameMappings.at("way").newName, "mode");
     EXPECT_EQ(translation.indexMaps.at("status"), (IndexTemplateMap{{0, {"1"}}}));
+}
+
+// Every text of the tables.
+std::string textsOf(const PresetManager& manager) {
+    std::string texts;
+    const auto add = [&texts](std::string_view text) { texts.append(text).append(" "); };
+    for (const auto* const table :
+         {&manager.indices(), &manager.readOnly(), &manager.readWrite()}) {
+        for (const auto& [name, values] : *table) {
+            add(name);
+            std::for_each(values.begin(), values.end(), add);
+        }
+    }
+    const auto& [removed, nameMappings, indexMaps] = manager.translation();
+    std::for_each(removed.begin(), removed.end(), add);
+    for (const auto& [oldName, mapping] : nameMappings) {
+        add(oldName);
+        add(mapping.newName);
+        for (const auto& [oldValue, newValue] : mapping.values) {
+            add(oldValue);
+            add(newValue);
+        }
+    }
+    for (const auto& [name, templates] : indexMaps) {
+        add(name);
+        for (const auto& [count, elements] : templates)
+            std::for_each(elements.begin(), elements.end(), add);
+    }
+    for (const auto& [name, keys] : manager.presets()) {
+        add(name);
+        std::for_each(keys.begin(), keys.end(), add);
+    }
+    return texts;
+}
+
+// Nothing in the tables is borrowed from the definitions. AddressSanitizer finds what is.
+TEST(PresetManager, OutlivesItsDefinitions) {
+    const test::TempFolder folder;
+    auto definitions = readDefinitions(
+        folder.write("parameters", "a_long_name_of_an_index index { rangeValid { 1..2,\n"
+                                   " \"a long text of one value,\n in two lines\" } }\n"
+                                   "a_long_name_of_a_parameter rw { index {\n"
+                                   " a_long_name_of_an_index } }\n"
+                                   "another_long_name_of_a_parameter ro { }\n"),
+        folder.write(
+            "presets",
+            "a_long_name_of_a_preset preset { include ro { all } }\n"
+            "another_long_name_of_a_preset preset { exclude rw {\n"
+            " index { a_long_name_of_an_index { a_long_name_of_a_value } } } }\n"
+            "translate { removed { a_long_name_that_was_removed }\n"
+            " a_long_name_of_a_parameter {\n"
+            "  from { an_old_name_of_a_parameter { \"an old value of it\" = \"a new value\" } }\n"
+            "  index 1 { a_long_name_of_an_index = a_long_text_of_a_new_index } } }\n"));
+    ASSERT_TRUE(definitions);
+    const PresetManager manager(*definitions, {});
+    const auto before = textsOf(manager);
+    definitions.reset();
+    EXPECT_EQ(textsOf(manager), before);
+    EXPECT_TRUE(
+        manager.in_preset("a_long_name_of_a_parameter[a long text of one value,in two lines]",
+                          "a_long_name_of_a_preset"));
+    EXPECT_TRUE(manager.isReadOnly("another_long_name_of_a_parameter"));
 }
 
 TEST(PresetManager, AcceptsAParameterFileThatEndsInsideABlock) {
