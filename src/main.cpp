@@ -12,5 +12,6 @@ int main(int argc, char** argv) {
     const auto parameterHandler = morvane::connectParameterHandler();
     morvane::PresetManager manager(arguments.paramDefFile, arguments.presetDefFile,
                                    arguments.systemArguments);
+    morvane::returnFreedMemory();
     return morvane::run_server(parameterHandler, manager, arguments.daemonize);
 }

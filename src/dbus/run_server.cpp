@@ -10,6 +10,7 @@
 #include <dbus/dbus-glib.h>
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -88,6 +89,13 @@ void openStandardStreams() {
     while (descriptor >= 0 && descriptor <= STDERR_FILENO)
         descriptor = open("/dev/null", O_RDWR);
     close(descriptor); // the one beyond them
+}
+
+void returnFreedMemory() {
+#ifdef __GLIBC__
+    // What the definitions took while they were read would stay for the rest of the run.
+    malloc_trim(0);
+#endif
 }
 
 std::int32_t run_server(const Connection& parameterHandler, PresetManager& manager,

@@ -1,4 +1,5 @@
-// The daemon's life: its standard streams, its name on the session bus, its object, serving.
+// The daemon's life: its standard streams, its memory, its name on the session bus, its object,
+// serving.
 #pragma once
 
 #include "paramhandler/connection.h"
@@ -13,6 +14,9 @@ class PresetManager;
 /// first would take its descriptor: reports would go into the socket of the bus, and detaching
 /// would replace it.
 void openStandardStreams();
+
+/// Gives the memory that has been freed back to the system, where the C library can.
+void returnFreedMemory();
 
 /// Serves until "die" is called. A failure before that is logged and ends the process with
 /// status 1; a failure to detach aborts it.
