@@ -19,11 +19,10 @@ PresetManager::PresetManager(const Definitions& definitions, const SystemArgumen
     readWrite_ = PresetGenerate::parameterMap(parameters, arguments, AccessSelector::readWrite);
     for (const auto& section : presets.translateSections)
         PresetGenerate::addTranslation(section, readWrite_, readOnly_, translation_);
-    for (const auto& preset : presets.presets) {
-        auto keys = PresetGenerate::keySet(indices_, readWrite_, readOnly_, preset);
-        if (!keys.empty())
-            presets_.try_emplace(std::string(preset.name),
-                                 std::move(keys)); // the first of each name stays
+    auto keySets = PresetGenerate::keySets(indices_, readWrite_, readOnly_, presets.presets);
+    for (std::size_t i = 0; i < keySets.size(); ++i) {
+        if (!keySets[i].empty()) // the first of each name stays
+            presets_.try_emplace(std::string(presets.presets[i].name), std::move(keySets[i]));
     }
 }
 
@@ -42,11 +41,11 @@ const KeySet* PresetManager::findPreset(std::string_view presetName) const {
 }
 
 bool PresetManager::isReadOnly(std::string_view name) const {
-    return readOnly_.contains(name);
+    return readOnly_.find(name).has_value();
 }
 
 bool PresetManager::isParameter(std::string_view name) const {
-    return isReadOnly(name) || readWrite_.contains(name);
+    return isReadOnly(name) || readWrite_.find(name).has_value();
 }
 
 } // namespace morvane

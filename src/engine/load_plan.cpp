@@ -44,7 +44,7 @@ void LoadPlan::addValue(std::size_t place, bool isReadOnly, std::string_view val
     empty_ = false;
     isSet_[place] = true;
     auto& list = isReadOnly ? statusValues_ : values_;
-    list.emplace_back(keyAt(place), kept(value));
+    list.emplace_back(presetKeys_[place], kept(value));
 }
 
 KeysToReset LoadPlan::unsetKeys() {

@@ -58,7 +58,6 @@ private:
         bool isTranslated = false;
     };
 
-    CStringView keyAt(std::size_t place) const { return presetKeys_.keys()[place]; }
     const Parameter& parameterOf(std::string_view key);
     void addValue(std::size_t place, bool isReadOnly, std::string_view value);
     CStringView kept(std::string_view value);

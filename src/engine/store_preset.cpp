@@ -8,9 +8,8 @@
 
 #include <syslog.h>
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
+#include <vector>
 
 namespace morvane {
 
@@ -24,8 +23,10 @@ struct StoreWords {
 
 KeySet commonKeys(const KeySet& chosen, const KeySet& presetKeys) {
     std::vector<std::string> keys;
-    std::copy_if(chosen.begin(), chosen.end(), std::back_inserter(keys),
-                 [&](const std::string& key) { return presetKeys.contains(key); });
+    for (const auto key : chosen) {
+        if (presetKeys.contains(key.view()))
+            keys.emplace_back(key.view());
+    }
     return KeySet(std::move(keys));
 }
 

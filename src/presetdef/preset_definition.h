@@ -6,6 +6,7 @@
 #include "presetdef/translate_section.h"
 #include "text/source_text.h"
 
+#include <compare>
 #include <cstdint>
 #include <memory>
 #include <string_view>
@@ -18,7 +19,7 @@ struct ValueRange {
     std::int32_t low = 0;
     std::int32_t high = 0;
 
-    bool operator==(const ValueRange&) const = default;
+    auto operator<=>(const ValueRange&) const = default;
 };
 
 /// A braced set of numbers, ranges and names.

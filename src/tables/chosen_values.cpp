@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <tuple>
 #include <utility>
 
 namespace morvane {
@@ -53,7 +54,7 @@ ChosenValues ChosenValues::asWritten(const IndexValueSet& set, const IndexValues
     using Kind = IndexValueSet::Kind;
     switch (set.kind) {
     case Kind::none:
-        return ChosenValues(indexValues);
+        return allOf(indexValues);
     case Kind::name:
         return ChosenValues(IndexValues(set.names.begin(), set.names.end()));
     case Kind::number:
@@ -66,7 +67,28 @@ ChosenValues ChosenValues::asWritten(const IndexValueSet& set, const IndexValues
     return ranges;
 }
 
+ChosenValues ChosenValues::allOf(const IndexValues& indexValues) {
+    ChosenValues values;
+    values.all_ = indexValues;
+    return values;
+}
+
+ChosenValues ChosenValues::united(std::span<const ChosenValues* const> sets) {
+    ChosenValues result;
+    for (const auto* const set : sets) {
+        if (result.all_.empty())
+            result.all_ = set->all_;
+        result.texts_.insert(result.texts_.end(), set->texts_.begin(), set->texts_.end());
+        result.ranges_.insert(result.ranges_.end(), set->ranges_.begin(), set->ranges_.end());
+    }
+    std::sort(result.texts_.begin(), result.texts_.end());
+    result.ranges_ = merged(std::move(result.ranges_));
+    return result;
+}
+
 bool ChosenValues::contains(std::string_view value) const {
+    if (!all_.empty())
+        return true;
     if (std::binary_search(texts_.begin(), texts_.end(), value, std::less<>{}))
         return true;
     // A range stands for the texts that its numbers are printed as: "7", not "07".
@@ -91,10 +113,17 @@ bool ChosenValues::rangesContain(std::int32_t number) const {
 }
 
 IndexValues ChosenValues::list() const {
-    IndexValues values = texts_;
+    IndexValues values(all_.begin(), all_.end());
+    values.insert(values.end(), texts_.begin(), texts_.end());
     for (const auto& range : ranges_)
         appendNumbers(range.low, range.high, values);
     return values;
+}
+
+bool ChosenValues::operator<(const ChosenValues& other) const {
+    const auto count = all_.size();
+    const auto otherCount = other.all_.size();
+    return std::tie(count, texts_, ranges_) < std::tie(otherCount, other.texts_, other.ranges_);
 }
 
 } // namespace morvane

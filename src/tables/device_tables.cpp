@@ -5,6 +5,8 @@
 #include "tables/valid_values.h"
 #include "text/number.h"
 
+#include <cassert>
+#include <set>
 #include <utility>
 
 namespace morvane {
@@ -37,6 +39,41 @@ bool isSelected(AccessType access, AccessSelector selector) {
 
 } // namespace
 
+ParameterMap::ParameterMap(
+    std::initializer_list<std::pair<std::string_view, IndexNames>> parameters) {
+    for (const auto& [name, indexNames] : parameters)
+        append(name, indexNames);
+}
+
+void ParameterMap::append(std::string_view name, const IndexNames& indexNames) {
+    assert(names_.empty() || names_[names_.size() - 1].view() < name);
+    groupOf_.push_back(groupWith(indexNames));
+    names_.append(name);
+}
+
+ParameterMap::Group ParameterMap::groupWith(const IndexNames& indexNames) {
+    const auto number = static_cast<Group>(groups_.size());
+    const auto [group, isNew] = numbers_.try_emplace(indexNames, number);
+    if (isNew) {
+        groups_.push_back(indexNames);
+        for (const auto& indexName : std::set<std::string>(indexNames.begin(), indexNames.end()))
+            groupsWith_[indexName].push_back(number);
+    }
+    return group->second;
+}
+
+std::optional<std::size_t> ParameterMap::find(std::string_view name) const {
+    const auto place = names_.lowerBound(name);
+    if (place == names_.size() || names_[place].view() != name)
+        return std::nullopt;
+    return place;
+}
+
+std::span<const ParameterMap::Group> ParameterMap::groupsWith(std::string_view indexName) const {
+    const auto groups = groupsWith_.find(indexName);
+    return groups == groupsWith_.end() ? std::span<const Group>() : groups->second;
+}
+
 // Counts in 64 bits: a span may end at the largest number.
 void appendNumbers(std::int32_t low, std::int32_t high, IndexValues& values) {
     for (std::int64_t number = low; number <= high; ++number)
@@ -58,14 +95,15 @@ ParameterMap PresetGenerate::parameterMap(const SystemParameterTable& parameters
                                           const SystemArguments& arguments,
                                           AccessSelector selector) {
     ParameterMap map;
+    IndexNames indexNames;
     for (const auto& [name, parameter] : parameters) {
         if (!isSelected(parameter.access, selector) ||
             !conditionsHold(parameter.ctrlValid, parameters, arguments))
             continue;
-        IndexNames indexNames;
+        indexNames.clear();
         for (const auto& dimension : parameter.indices)
             indexNames.emplace_back(dimension.indexName());
-        map.emplace_hint(map.end(), name, std::move(indexNames));
+        map.append(name, indexNames);
     }
     return map;
 }

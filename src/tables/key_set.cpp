@@ -3,30 +3,11 @@
 #include "text/utf8.h"
 
 #include <algorithm>
-#include <functional>
-#include <iterator>
 #include <utility>
 
 namespace morvane {
 
 namespace {
-
-using Keys = std::vector<std::string>;
-
-// The first key that is not greater than the one before it.
-Keys::iterator firstOutOfOrder(Keys::iterator begin, Keys::iterator end) {
-    const auto before = std::adjacent_find(begin, end, std::greater_equal<>{});
-    return before == end ? end : std::next(before);
-}
-
-// The keys of both runs, each of which is sorted and has no duplicates.
-Keys merged(Keys::iterator begin, Keys::iterator second, Keys::iterator end) {
-    Keys result;
-    result.reserve(static_cast<std::size_t>(end - begin));
-    std::set_union(std::move_iterator(begin), std::move_iterator(second),
-                   std::move_iterator(second), std::move_iterator(end), std::back_inserter(result));
-    return result;
-}
 
 bool isCanonicalKey(std::string_view key) {
     constexpr std::string_view trimmed = "\t\f\v\n\r";
@@ -50,57 +31,103 @@ bool isCanonicalKey(std::string_view key) {
     return in != In::group;
 }
 
-void sortUnique(Keys& keys) {
-    std::sort(keys.begin(), keys.end());
-    keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
+// `firstNotLess` by exponential search onwards, so that skipping a few places costs a few
+// comparisons.
+template <typename IsLess>
+std::size_t nextNotLess(std::size_t first, std::size_t last, IsLess isLess) {
+    std::size_t step = 1;
+    while (step <= last - first && isLess(first + step - 1)) {
+        first += step;
+        step *= 2;
+    }
+    return firstNotLess(first, first + std::min(step - 1, last - first), isLess);
 }
 
 } // namespace
 
-// A preset's keys come as two runs, of read-only and of read-write parameters, each in order unless
-// the values of an index are not.
-KeySet::KeySet(std::vector<std::string> keys) {
-    const auto second = firstOutOfOrder(keys.begin(), keys.end());
-    if (second != keys.end()) {
-        if (firstOutOfOrder(second, keys.end()) == keys.end())
-            keys = merged(keys.begin(), second, keys.end());
-        else
-            sortUnique(keys);
+void KeyTexts::examine() {
+    areUtf8 = areCanonical = true;
+    for (std::size_t place = 0; place < list.size(); ++place) {
+        const auto key = list[place].view();
+        areUtf8 = areUtf8 && isUtf8(key);
+        areCanonical = areCanonical && isCanonicalKey(key);
     }
-    keys.shrink_to_fit();
-    keys_ = std::move(keys);
-    isUtf8_ = std::all_of(keys_.begin(), keys_.end(), morvane::isUtf8);
-    isCanonical_ = std::all_of(keys_.begin(), keys_.end(), isCanonicalKey);
+}
+
+KeySet::KeySet(std::vector<std::string> keys) {
+    auto texts = std::make_shared<KeyTexts>();
+    texts->list.appendSorted(std::move(keys));
+    texts->examine();
+    texts_ = std::move(texts);
+    append(0, texts_->list.size());
+}
+
+void KeySet::append(std::size_t first, std::size_t last) {
+    if (first == last)
+        return;
+    if (runs_.empty() || runs_.back().first + (size_ - runs_.back().place) != first)
+        runs_.push_back({static_cast<std::uint32_t>(first), static_cast<std::uint32_t>(size_)});
+    size_ += last - first;
 }
 
 bool KeySet::contains(std::string_view key) const {
-    return std::binary_search(keys_.begin(), keys_.end(), key, std::less<>{});
+    return KeySearch(*this).find(key).has_value();
+}
+
+CStringView KeySet::operator[](std::size_t place) const {
+    const auto next =
+        firstNotLess(0, runs_.size(), [&](std::size_t run) { return runs_[run].place <= place; });
+    return keyOf(next - 1, place);
+}
+
+std::vector<std::string> KeySet::strings() const {
+    std::vector<std::string> keys;
+    for (const auto key : *this)
+        keys.emplace_back(key.view());
+    return keys;
+}
+
+bool KeySet::operator==(const KeySet& other) const {
+    return size_ == other.size_ &&
+           std::equal(begin(), end(), other.begin(),
+                      [](CStringView a, CStringView b) { return a.view() == b.view(); });
 }
 
 std::optional<std::size_t> KeySearch::find(std::string_view key) {
-    auto place = next_;
-    if (place == keys_.size() || keys_[place] != key) { // not the one that comes next
-        place = lowerBound(key);
-        if (place == keys_.size() || keys_[place] != key)
+    if (!isNext(key)) {
+        moveTo(key);
+        if (!isNext(key))
             return std::nullopt;
     }
-    next_ = place + 1;
+    const auto place = next_++;
+    if (next_ == set_.endOf(run_))
+        ++run_;
     return place;
 }
 
-// The place of the first key that is not less than `key`. Exponential search onwards from the last
-// place, so that skipping a few keys costs a few comparisons.
-std::size_t KeySearch::lowerBound(std::string_view key) const {
-    const bool isAhead = next_ > 0 && keys_[next_ - 1] < key;
-    auto first = isAhead ? next_ : 0;
-    std::size_t step = 1;
-    while (step <= keys_.size() - first && keys_[first + step - 1] < key) {
-        first += step;
-        step *= 2;
+bool KeySearch::isNext(std::string_view key) const {
+    return next_ < set_.size() && set_.keyOf(run_, next_).view() == key;
+}
+
+// Moves to the first key that is not less than `key`: onwards from the last place, unless that is
+// beyond it.
+void KeySearch::moveTo(std::string_view key) {
+    const bool isAhead = next_ > 0 && set_[next_ - 1].view() < key;
+    const auto search = [&](std::size_t first, std::size_t last, auto isLess) {
+        return isAhead ? nextNotLess(first, last, isLess) : firstNotLess(first, last, isLess);
+    };
+    if (!isAhead)
+        run_ = next_ = 0;
+    run_ = search(run_, set_.runs_.size(), [&](std::size_t run) {
+        return set_.keyOf(run, set_.endOf(run) - 1).view() < key;
+    });
+    if (run_ == set_.runs_.size()) {
+        next_ = set_.size();
+        return;
     }
-    const auto range = keys_.subspan(first, std::min(step - 1, keys_.size() - first));
-    const auto found = std::lower_bound(range.begin(), range.end(), key, std::less<>{});
-    return first + static_cast<std::size_t>(found - range.begin());
+    const auto first = std::max<std::size_t>(next_, set_.runs_[run_].place);
+    next_ = search(first, set_.endOf(run_),
+                   [&](std::size_t place) { return set_.keyOf(run_, place).view() < key; });
 }
 
 } // namespace morvane

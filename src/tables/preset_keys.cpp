@@ -1,195 +1,236 @@
 #include "tables/preset_keys.h"
 
 #include "presetdef/preset_definition.h"
-#include "tables/selections.h"
+#include "tables/coverage.h"
+#include "tables/key_order.h"
 
 #include <algorithm>
-#include <iterator>
 #include <list>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
 #include <utility>
 
 namespace morvane {
 
 namespace {
 
-/// The values of each dimension of a parameter, none of them empty; borrowed.
-using Dimensions = std::vector<const IndexValues*>;
-
-std::string keyOf(const std::string& name, const Dimensions& dimensions,
-                  const std::vector<std::size_t>& positions) {
-    std::string key = name;
-    for (std::size_t i = 0; i < dimensions.size(); ++i)
-        key.append("[").append((*dimensions[i])[positions[i]]).append("]");
-    return key;
-}
-
-// Advances to the next combination, the last dimension fastest. False after the last one.
-bool advance(std::vector<std::size_t>& positions, const Dimensions& dimensions) {
-    for (auto i = positions.size(); i-- > 0;) {
-        if (++positions[i] < dimensions[i]->size())
-            return true;
-        positions[i] = 0;
-    }
-    return false;
-}
-
-/// Gathers the keys of one preset.
-class KeyCollector {
+/// The dimensions of parameters, which those of a group share.
+class DimensionTable {
 public:
-    /// @param parameters the number of parameters, most of which usually have one key.
-    KeyCollector(const IndexTable& indices, std::size_t parameters) : indices_(indices) {
-        keys_.reserve(parameters);
-    }
+    explicit DimensionTable(const IndexTable& indices) : indices_(indices) {}
 
-    /// Adds every instance of a parameter.
-    void addAll(const std::string& name, const IndexNames& indexNames) {
-        addRemaining(name, indexNames, {});
+    /// @return null if an index of the parameter does not exist on this device.
+    const Dimensions* of(const MappedParameter& parameter) {
+        const auto group = std::pair(parameter.map, parameter.map->group(parameter.place));
+        auto known = dimensions_.find(group);
+        if (known == dimensions_.end())
+            known = dimensions_.emplace(group, dimensionsOf(parameter)).first;
+        return known->second ? &*known->second : nullptr;
     }
-
-    /// Adds the instances that a selection describes.
-    void add(const std::string& name, const IndexNames& indexNames, const Selection& selection) {
-        if (!hasInstances(indexNames, selection))
-            return;
-        std::list<IndexValues> chosen; // a list never moves what the dimensions point to
-        Dimensions dimensions;
-        for (std::size_t i = 0; i < indexNames.size(); ++i) {
-            if (selection[i] == nullptr) {
-                dimensions.push_back(valuesOf(indexNames[i]));
-            } else {
-                chosen.push_back(selection[i]->list());
-                dimensions.push_back(&chosen.back());
-            }
-        }
-        appendKeys(name, dimensions);
-    }
-
-    /// Adds the instances that are left after applying the exclusions, one after the other and
-    /// dimension by dimension: without value 1 of its first dimension, a parameter loses every key
-    /// whose first index is 1, whatever the second.
-    void addRemaining(const std::string& name, const IndexNames& indexNames,
-                      const std::vector<Selection>& exclusions) {
-        std::list<IndexValues> remaining;
-        Dimensions dimensions;
-        for (const auto& indexName : indexNames)
-            dimensions.push_back(valuesOf(indexName));
-        for (const auto& exclusion : exclusions) {
-            if (!isRestricted(exclusion))
-                return;
-            for (std::size_t i = 0; i < dimensions.size(); ++i) {
-                if (exclusion[i] == nullptr)
-                    continue;
-                remaining.push_back(without(*dimensions[i], *exclusion[i]));
-                dimensions[i] = &remaining.back();
-            }
-        }
-        appendKeys(name, dimensions);
-    }
-
-    KeySet take() { return KeySet(std::exchange(keys_, {})); }
 
 private:
-    static bool isRestricted(const Selection& selection) {
-        return std::any_of(selection.begin(), selection.end(),
-                           [](const ChosenValues* chosen) { return chosen != nullptr; });
-    }
-
-    static IndexValues without(const IndexValues& values, const ChosenValues& excluded) {
-        IndexValues kept;
-        std::copy_if(values.begin(), values.end(), std::back_inserter(kept),
-                     [&](const std::string& value) { return !excluded.contains(value); });
-        return kept;
-    }
-
-    // False if a dimension has no value, checked before a huge range is listed. An index that does
-    // not exist on this device has none, whatever the selection names.
-    bool hasInstances(const IndexNames& indexNames, const Selection& selection) const {
-        for (std::size_t i = 0; i < indexNames.size(); ++i) {
-            const auto index = indices_.find(indexNames[i]);
-            if (index == indices_.end() || (selection[i] == nullptr && index->second.empty()))
-                return false;
+    std::optional<Dimensions> dimensionsOf(const MappedParameter& parameter) {
+        Dimensions dimensions;
+        for (const auto& indexName : parameter.map->indexNames(parameter.place)) {
+            const auto index = indices_.find(indexName);
+            if (index == indices_.end())
+                return std::nullopt;
+            dimensions.push_back(&sorted_.try_emplace(index->first, index->second).first->second);
         }
-        return true;
-    }
-
-    // An index that does not exist on this device has no values, which leaves no key.
-    const IndexValues* valuesOf(const std::string& indexName) const {
-        static const IndexValues noValues;
-        const auto index = indices_.find(indexName);
-        return index == indices_.end() ? &noValues : &index->second;
-    }
-
-    // Appends the key of every combination of one value per dimension, or the bare name if there
-    // are no dimensions.
-    void appendKeys(const std::string& name, const Dimensions& dimensions) {
-        if (dimensions.empty()) {
-            keys_.push_back(name);
-            return;
-        }
-        if (std::any_of(dimensions.begin(), dimensions.end(),
-                        [](const IndexValues* values) { return values->empty(); }))
-            return;
-        std::vector<std::size_t> positions(dimensions.size(), 0);
-        do {
-            keys_.push_back(keyOf(name, dimensions, positions));
-        } while (advance(positions, dimensions));
+        return dimensions;
     }
 
     const IndexTable& indices_;
-    std::vector<std::string> keys_;
+    std::map<std::string_view, SortedValues> sorted_;
+    std::map<std::pair<const ParameterMap*, ParameterMap::Group>, std::optional<Dimensions>>
+        dimensions_;
 };
 
-// Adds what the include lists name. A list of "all" adds everything and ends the walk.
-void addIncluded(const PresetDefinition& preset, const IndexTable& indices,
-                 const ParameterMap& readOnly, KeyCollector& keys) {
-    Selections included(indices, readOnly);
-    for (const auto& list : preset.includeLists) {
-        if (list.all) {
-            for (const auto& [name, indexNames] : readOnly)
-                keys.addAll(name, indexNames);
-            break;
-        }
-        included.add(list);
-    }
-    for (const auto& [name, selections] : included.byParameter()) {
-        const auto& [fullName, indexNames] = *readOnly.find(name);
-        for (const auto& selection : selections)
-            keys.add(fullName, indexNames, selection);
-    }
-}
+/// Makes key sets over one list of texts, parameter after parameter in the order of their keys.
+class KeySetBuilder {
+public:
+    explicit KeySetBuilder(std::size_t count)
+        : texts_(std::make_shared<KeyTexts>()),
+          sets_(count, KeySet(texts_)) {}
 
-// Adds what the exclude lists leave, which is nothing after a list of "all".
-void addNotExcluded(const PresetDefinition& preset, const IndexTable& indices,
-                    const ParameterMap& readWrite, KeyCollector& keys) {
-    Selections excluded(indices, readWrite);
-    for (const auto& list : preset.excludeLists) {
-        if (list.all)
-            return;
-        excluded.add(list);
+    /// Adds what each set is to have of a parameter.
+    void add(std::string_view name, const Dimensions& dimensions,
+             std::span<const Coverage* const> coverages) {
+        const auto all = isShared(dimensions, coverages) ? listAll(name, dimensions) : Stretch{};
+        for (std::size_t i = 0; i < coverages.size(); ++i) {
+            const auto& [isAll, part, written] = *coverages[i];
+            if (isAll)
+                sets_[i].append(all.first, all.last);
+            else if (!part.empty() && !all.empty() && orderKeys(dimensions))
+                addPart(sets_[i], dimensions, part, all);
+            else if (!part.empty())
+                addListed(sets_[i], listPart(name, dimensions, part));
+            else if (!written.empty())
+                addListed(sets_[i], listWritten(name, written));
+        }
     }
-    for (const auto& [name, indexNames] : readWrite) {
-        const auto exclusions = excluded.byParameter().find(name);
-        if (exclusions == excluded.byParameter().end())
-            keys.addAll(name, indexNames);
-        else
-            keys.addRemaining(name, indexNames, exclusions->second);
+
+    std::vector<KeySet> take() {
+        texts_->examine();
+        return std::move(sets_);
     }
-}
+
+private:
+    /// Places in the list of texts.
+    struct Stretch {
+        std::size_t first = 0;
+        std::size_t last = 0;
+
+        bool empty() const { return first == last; }
+    };
+
+    // Whether to list all keys of a parameter: if the sets together have as many. That is never
+    // more than they would take if each had its own.
+    static bool isShared(const Dimensions& dimensions, std::span<const Coverage* const> coverages) {
+        double count = 1; // may be greater than any integer
+        for (const auto* const values : dimensions)
+            count *= static_cast<double>(values->texts().size());
+        double wanted = 0;
+        for (const auto* const coverage : coverages)
+            wanted += coverage->all ? count : partSize(coverage->part);
+        return count > 0 && wanted >= count;
+    }
+
+    static double partSize(const Places& part) {
+        double count = part.empty() ? 0 : 1;
+        for (const auto& places : part)
+            count *= static_cast<double>(places.size());
+        return count;
+    }
+
+    static void addListed(KeySet& set, const Stretch& stretch) {
+        set.append(stretch.first, stretch.last);
+    }
+
+    // Adds some of the keys that are listed already, whole stretches of them: of places that follow
+    // one another, with everything in the dimensions behind them.
+    static void addPart(KeySet& set, const Dimensions& dimensions, const Places& part,
+                        const Stretch& all) {
+        const auto valuesOf = [&](std::size_t i) { return dimensions[i]->texts().size(); };
+        auto last = part.size() - 1;
+        std::size_t width = 1; // of a place in the last dimension that is not complete
+        for (; part[last].size() == valuesOf(last); --last)
+            width *= valuesOf(last);
+        std::vector<std::size_t> begins{0};
+        for (std::size_t i = 0; i < last; ++i)
+            begins = combined(begins, part[i], valuesOf(i));
+        const auto stretches = stretchesOf(part[last]);
+        for (const auto begin : begins) {
+            for (const auto& [first, end] : stretches)
+                set.append(all.first + (begin * valuesOf(last) + first) * width,
+                           all.first + (begin * valuesOf(last) + end) * width);
+        }
+    }
+
+    static std::vector<std::size_t> combined(const std::vector<std::size_t>& begins,
+                                             const std::vector<std::uint32_t>& places,
+                                             std::size_t values) {
+        std::vector<std::size_t> longer;
+        for (const auto begin : begins) {
+            for (const auto place : places)
+                longer.push_back(begin * values + place);
+        }
+        return longer;
+    }
+
+    static std::vector<Stretch> stretchesOf(const std::vector<std::uint32_t>& places) {
+        std::vector<Stretch> stretches;
+        for (const std::size_t place : places) {
+            if (stretches.empty() || stretches.back().last != place)
+                stretches.push_back({place, place});
+            ++stretches.back().last;
+        }
+        return stretches;
+    }
+
+    Stretch listAll(std::string_view name, const Dimensions& dimensions) {
+        const auto first = texts_->list.size();
+        if (orderKeys(dimensions)) {
+            forEachKey(name, dimensions, [&](std::string_view key) { texts_->list.append(key); });
+        } else {
+            std::vector<std::string> keys;
+            forEachKey(name, dimensions, [&](std::string_view key) { keys.emplace_back(key); });
+            texts_->list.appendSorted(std::move(keys));
+        }
+        return {first, texts_->list.size()};
+    }
+
+    Stretch listPart(std::string_view name, const Dimensions& dimensions, const Places& part) {
+        std::list<SortedValues> owned;
+        Dimensions left;
+        for (std::size_t i = 0; i < part.size(); ++i) {
+            std::vector<std::string_view> texts;
+            for (const auto place : part[i])
+                texts.push_back(dimensions[i]->texts()[place]);
+            left.push_back(&owned.emplace_back(std::move(texts)));
+        }
+        return listAll(name, left);
+    }
+
+    Stretch listWritten(std::string_view name, const std::vector<WrittenValues>& written) {
+        const auto first = texts_->list.size();
+        std::vector<std::string> keys;
+        for (const auto& values : written) {
+            const std::list<SortedValues> owned(values.begin(), values.end());
+            Dimensions dimensions;
+            for (const auto& sorted : owned)
+                dimensions.push_back(&sorted);
+            forEachKey(name, dimensions, [&](std::string_view key) { keys.emplace_back(key); });
+        }
+        texts_->list.appendSorted(std::move(keys));
+        return {first, texts_->list.size()};
+    }
+
+    std::shared_ptr<KeyTexts> texts_;
+    std::vector<KeySet> sets_;
+};
 
 } // namespace
 
-KeySet PresetGenerate::keySet(const IndexTable& indices, const ParameterMap& readWrite,
-                              const ParameterMap& readOnly, const PresetDefinition& preset) {
-    KeyCollector keys(indices, readWrite.size());
-    addIncluded(preset, indices, readOnly, keys);
-    addNotExcluded(preset, indices, readWrite, keys);
-    return keys.take();
+std::vector<KeySet> PresetGenerate::keySets(const IndexTable& indices,
+                                            const ParameterMap& readWrite,
+                                            const ParameterMap& readOnly,
+                                            std::span<const PresetDefinition> presets) {
+    using Lists = ListCoverage::Lists;
+    std::vector<ListCoverage> included;
+    std::vector<ListCoverage> excluded;
+    included.reserve(presets.size()); // what has selections is not to be copied
+    excluded.reserve(presets.size());
+    for (const auto& preset : presets) {
+        included.emplace_back(Lists::include, preset.includeLists, indices, readOnly);
+        excluded.emplace_back(Lists::exclude, preset.excludeLists, indices, readWrite);
+    }
+    DimensionTable dimensionTable(indices);
+    KeySetBuilder builder(presets.size());
+    std::vector<const Coverage*> coverages(presets.size());
+    for (const auto& parameter : inKeyOrder(readWrite, readOnly)) {
+        const auto& [map, place] = parameter;
+        const auto* const dimensions = dimensionTable.of(parameter);
+        if (dimensions == nullptr)
+            continue;
+        auto& lists = map == &readOnly ? included : excluded;
+        for (std::size_t i = 0; i < presets.size(); ++i)
+            coverages[i] = &lists[i].of(place, *dimensions);
+        builder.add(map->name(place), *dimensions, coverages);
+    }
+    return builder.take();
 }
 
-KeySet PresetGenerate::parameterKeys(const IndexTable& indices, const std::string& name,
+KeySet PresetGenerate::keySet(const IndexTable& indices, const ParameterMap& readWrite,
+                              const ParameterMap& readOnly, const PresetDefinition& preset) {
+    return keySets(indices, readWrite, readOnly, {&preset, 1}).front();
+}
+
+KeySet PresetGenerate::parameterKeys(const IndexTable& indices, std::string_view name,
                                      const IndexNames& indexNames) {
-    KeyCollector keys(indices, 1);
-    keys.addAll(name, indexNames);
-    return keys.take();
+    return keySet(indices, {{name, indexNames}}, {}, {});
 }
 
 } // namespace morvane

@@ -1,6 +1,8 @@
 #include "tables/selections.h"
 
 #include <algorithm>
+#include <optional>
+#include <string>
 #include <utility>
 
 namespace morvane {
@@ -16,26 +18,58 @@ bool hasIndex(const IndexNames& indexNames, std::string_view name) {
     return std::find(indexNames.begin(), indexNames.end(), name) != indexNames.end();
 }
 
+template <typename Map>
+std::span<const Selection> selectionsOf(const Map& map, typename Map::key_type key) {
+    const auto found = map.find(key);
+    return found == map.end() ? std::span<const Selection>() : found->second;
+}
+
 } // namespace
 
 void Selections::add(const PresetList& list) {
-    for (const auto& clause : list.indexSpecs) {
-        const auto values = clauseValues(clause);
-        for (const auto& candidate : candidates_)
-            apply(clause, values, candidate);
-    }
+    for (const auto& clause : list.indexSpecs)
+        addClause(clause);
     for (const auto& item : list.items)
         addItem(item);
 }
 
+std::span<const Selection> Selections::ofGroup(ParameterMap::Group group) const {
+    return selectionsOf(ofGroup_, group);
+}
+
+std::span<const Selection> Selections::ofItem(std::size_t place) const {
+    return selectionsOf(ofItem_, place);
+}
+
+// Only the groups that have the rarest of the required indices can agree with the clause.
+void Selections::addClause(const IndexSpec& clause) {
+    const auto values = clauseValues(clause);
+    const auto& groups = candidates_.groups();
+    std::optional<std::span<const ParameterMap::Group>> rarest;
+    for (const auto& selector : clause.selectors) {
+        const auto having = candidates_.groupsWith(selector.indexName);
+        if (!asksForAbsence(selector) && (!rarest || having.size() < rarest->size()))
+            rarest = having;
+    }
+    const auto count = rarest ? rarest->size() : groups.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto group = rarest ? (*rarest)[i] : static_cast<ParameterMap::Group>(i);
+        if (agrees(clause, groups[group]))
+            apply(values, groups[group], ofGroup_[group]);
+    }
+}
+
 void Selections::addItem(const PresetItem& item) {
-    const auto candidate = candidates_.find(item.name);
-    if (candidate == candidates_.end())
+    const auto place = candidates_.find(item.name);
+    if (!place)
         return;
+    const auto& indexNames = candidates_.indexNames(*place);
     if (item.indexSpecs.empty())
-        byParameter_[candidate->first].emplace_back(candidate->second.size(), nullptr);
-    for (const auto& clause : item.indexSpecs)
-        apply(clause, clauseValues(clause), *candidate);
+        ofItem_[*place].emplace_back(indexNames.size(), nullptr);
+    for (const auto& clause : item.indexSpecs) {
+        if (agrees(clause, indexNames))
+            apply(clauseValues(clause), indexNames, ofItem_[*place]);
+    }
 }
 
 // Of two selectors for one index, the last counts.
@@ -60,12 +94,9 @@ bool Selections::agrees(const IndexSpec& clause, const IndexNames& indexNames) {
         });
 }
 
-// Selects the instances of the candidate that the clause describes, if it describes any.
-void Selections::apply(const IndexSpec& clause, const ClauseValues& values,
-                       const Candidate& candidate) {
-    const auto& [name, indexNames] = candidate;
-    if (!agrees(clause, indexNames))
-        return;
+// Selects the instances that a clause describes which agrees with the indices, if it describes any.
+void Selections::apply(const ClauseValues& values, const IndexNames& indexNames,
+                       std::vector<Selection>& selections) {
     Selection selection;
     for (const auto& indexName : indexNames) {
         const auto named = values.find(indexName);
@@ -74,7 +105,7 @@ void Selections::apply(const IndexSpec& clause, const ClauseValues& values,
             return;
         selection.push_back(chosen);
     }
-    byParameter_[name].push_back(std::move(selection));
+    selections.push_back(std::move(selection));
 }
 
 } // namespace morvane

@@ -5,9 +5,10 @@
 #include "tables/chosen_values.h"
 #include "tables/device_tables.h"
 
-#include <deque>
+#include <cstddef>
+#include <list>
 #include <map>
-#include <string>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -29,26 +30,28 @@ public:
     /// is not a candidate selects nothing.
     void add(const PresetList& list);
 
-    /// What has been selected so far, in order, by parameter name.
-    const std::map<std::string_view, std::vector<Selection>>& byParameter() const {
-        return byParameter_;
-    }
+    /// What the lists' own clauses have selected so far of every parameter of a group, in order.
+    std::span<const Selection> ofGroup(ParameterMap::Group group) const;
+
+    /// What their items have selected so far of the parameter at a place in the map, in order.
+    std::span<const Selection> ofItem(std::size_t place) const;
 
 private:
-    using Candidate = ParameterMap::value_type;
-
     /// The values that a clause gives to the dimensions it names, by index name.
     using ClauseValues = std::map<std::string_view, const ChosenValues*>;
 
+    void addClause(const IndexSpec& clause);
     void addItem(const PresetItem& item);
     ClauseValues clauseValues(const IndexSpec& clause);
-    void apply(const IndexSpec& clause, const ClauseValues& values, const Candidate& candidate);
+    static void apply(const ClauseValues& values, const IndexNames& indexNames,
+                      std::vector<Selection>& selections);
     static bool agrees(const IndexSpec& clause, const IndexNames& indexNames);
 
     const IndexTable& indices_;
     const ParameterMap& candidates_;
-    std::deque<ChosenValues> values_; ///< what the selections point to; a deque never moves them
-    std::map<std::string_view, std::vector<Selection>> byParameter_;
+    std::list<ChosenValues> values_; ///< what the selections point to; a list never moves them
+    std::map<ParameterMap::Group, std::vector<Selection>> ofGroup_;
+    std::map<std::size_t, std::vector<Selection>> ofItem_;
 };
 
 } // namespace morvane

@@ -19,8 +19,8 @@ void reportMissing(const char* what, std::string_view name) {
 const IndexNames* findParameter(std::string_view name, const ParameterMap& readWrite,
                                 const ParameterMap& readOnly) {
     for (const auto* const map : {&readWrite, &readOnly}) {
-        if (const auto found = map->find(name); found != map->end())
-            return &found->second;
+        if (const auto place = map->find(name))
+            return &map->indexNames(*place);
     }
     reportMissing("parameter", name);
     return nullptr;

@@ -128,7 +128,7 @@ ExitStatus diffLive(const Settings& settings) {
     });
     if (!values)
         return ExitStatus::error;
-    const auto live = liveValues(settings.address, {keys.begin(), keys.end()});
+    const auto live = liveValues(settings.address, keys.strings());
     if (!live)
         return ExitStatus::error;
     return show(differences(*values, *live), settings.json);

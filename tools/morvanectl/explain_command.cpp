@@ -177,7 +177,7 @@ private:
                      : "read-write parameters are in a preset unless an exclude list takes them "
                        "away");
         const auto& map = includes ? manager_.readOnly() : manager_.readWrite();
-        const ParameterMap alone{*map.find(key_.name)};
+        const ParameterMap alone{{key_.name, map.indexNames(*map.find(key_.name))}};
         bool any = false;
         for (const auto& part : partsOf(preset)) {
             if ((part.kind == Kind::include) != includes ||

@@ -21,7 +21,7 @@ ExitStatus listKeys(const Settings& settings) {
     const auto variant = readVariantWithPreset(settings);
     if (!variant)
         return ExitStatus::error;
-    writeList(variant->manager.findPreset(settings.preset)->keys(), settings.json);
+    writeList(variant->manager.findPreset(settings.preset)->strings(), settings.json);
     return ExitStatus::yes;
 }
 

@@ -2,9 +2,6 @@
 
 #include "tables/preset_keys.h"
 
-#include <algorithm>
-#include <iterator>
-
 namespace morvane::ctl {
 
 namespace {
@@ -100,8 +97,10 @@ KeySet selectedKeys(const PresetPart& part, const PresetManager& manager,
     const auto all = PresetGenerate::keySet(manager.indices(), parameters, {}, {});
     const auto left = PresetGenerate::keySet(manager.indices(), parameters, {}, part.alone);
     std::vector<std::string> taken;
-    std::set_difference(all.begin(), all.end(), left.begin(), left.end(),
-                        std::back_inserter(taken));
+    for (const auto key : all) {
+        if (!left.contains(key.view()))
+            taken.emplace_back(key.view());
+    }
     return KeySet(std::move(taken));
 }
 

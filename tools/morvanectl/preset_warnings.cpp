@@ -47,16 +47,17 @@ private:
 
     void checkPart(const PresetPart& part) {
         const auto& all = candidates(part);
-        const auto parameter = all.find(part.item);
-        if (!part.item.empty() && parameter == all.end()) {
+        const auto place = all.find(part.item);
+        if (!part.item.empty() && !place) {
             add(part.line, part.word,
                 part.text + " selects nothing: no parameter " + part.item + " on this variant");
             return;
         }
         // One parameter is enough for an item, which saves the time for all the others.
-        const bool selects = part.item.empty()
-                                 ? !selectedKeys(part, manager_, all).empty()
-                                 : !selectedKeys(part, manager_, {*parameter}).empty();
+        const bool selects =
+            part.item.empty()
+                ? !selectedKeys(part, manager_, all).empty()
+                : !selectedKeys(part, manager_, {{part.item, all.indexNames(*place)}}).empty();
         if (!selects)
             add(part.line, part.word, part.text + " selects nothing");
         if (part.clause != nullptr) {

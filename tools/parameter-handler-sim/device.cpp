@@ -52,15 +52,17 @@ Device::Device(const SystemParameterTable& parameters, const SystemArguments& ar
                                    AccessSelector::readWrite};
     const auto indices = PresetGenerate::indexTable(parameters, arguments);
     for (const auto selector : selectors) {
-        for (const auto& [name, indexNames] :
-             PresetGenerate::parameterMap(parameters, arguments, selector)) {
+        const auto map = PresetGenerate::parameterMap(parameters, arguments, selector);
+        for (std::size_t place = 0; place < map.size(); ++place) {
+            const auto name = map.name(place);
             const auto& definition = *parameters.find(name);
             auto valid = validValues(definition, parameters, arguments);
             auto start = defaultValue(definition, valid, parameters, arguments);
             parameters_.push_back({definition.access, !definition.rangeValid.empty(),
                                    std::move(valid), std::move(start)});
-            for (const auto& key : PresetGenerate::parameterKeys(indices, name, indexNames))
-                keys_.emplace(key, &parameters_.back());
+            for (const auto key :
+                 PresetGenerate::parameterKeys(indices, name, map.indexNames(place)))
+                keys_.emplace(key.view(), &parameters_.back());
         }
     }
 }

@@ -58,7 +58,7 @@ std::string keysOf(const PresetManager& manager, std::string_view presetName) {
     if (keys == nullptr)
         return "unknown";
     std::string text;
-    for (const auto& key : *keys)
+    for (const auto& key : keys->strings())
         text += (text.empty() ? "" : " ") + key;
     return text;
 }
@@ -173,11 +173,14 @@ TEST(PresetManager, TakesTheTranslationFromAllSections) {
 std::string textsOf(const PresetManager& manager) {
     std::string texts;
     const auto add = [&texts](std::string_view text) { texts.append(text).append(" "); };
-    for (const auto* const table :
-         {&manager.indices(), &manager.readOnly(), &manager.readWrite()}) {
-        for (const auto& [name, values] : *table) {
-            add(name);
-            std::for_each(values.begin(), values.end(), add);
+    for (const auto& [name, values] : manager.indices()) {
+        add(name);
+        std::for_each(values.begin(), values.end(), add);
+    }
+    for (const auto* const map : {&manager.readOnly(), &manager.readWrite()}) {
+        for (std::size_t i = 0; i < map->size(); ++i) {
+            add(map->name(i));
+            std::for_each(map->indexNames(i).begin(), map->indexNames(i).end(), add);
         }
     }
     const auto& [removed, nameMappings, indexMaps] = manager.translation();
@@ -197,7 +200,7 @@ std::string textsOf(const PresetManager& manager) {
     }
     for (const auto& [name, keys] : manager.presets()) {
         add(name);
-        std::for_each(keys.begin(), keys.end(), add);
+        std::for_each(keys.begin(), keys.end(), [&](CStringView key) { add(key.view()); });
     }
     return texts;
 }

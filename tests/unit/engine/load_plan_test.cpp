@@ -17,6 +17,7 @@ namespace {
 using Lines = std::vector<std::string>;
 
 // "x" is a parameter and the old name of another; "level" has lost an index, which "gain" has not.
+// One device has a parameter whose keys do not read back as themselves.
 constexpr std::string_view parameters = "input index { rangeValid { 1..3 } }\n"
                                         "odd index { rangeValid { \"a]b\", \"c=d\", \"1\" } }\n"
                                         "gain rw { index { input } }\n"
@@ -24,7 +25,7 @@ constexpr std::string_view parameters = "input index { rangeValid { 1..3 } }\n"
                                         "mode rw { }\n"
                                         "x rw { }\n"
                                         "y rw { }\n"
-                                        "strange rw { index { odd } }\n"
+                                        "strange rw { ctrlValid (isOdd) index { odd } }\n"
                                         "status ro { index { input } }\n"
                                         "state ro { }\n";
 constexpr std::string_view presets =
@@ -35,7 +36,12 @@ constexpr std::string_view presets =
 
 class LoadPlanTest : public testing::Test {
 protected:
-    const KeySet& keys(const char* preset) const { return *manager_.findPreset(preset); }
+    // That of the preset of the same name.
+    const PresetManager& device(std::string_view preset) const {
+        return preset == "odd" ? odd_ : plain_;
+    }
+
+    const KeySet& keys(const char* preset) const { return *device(preset).findPreset(preset); }
 
     // What a plan sends, one text for each list.
     static Lines sent(LoadPlan& plan) {
@@ -56,7 +62,7 @@ protected:
 
     // Every line is parsed and translated.
     Lines sentByParsing(const char* preset, const Lines& lines) const {
-        LoadPlan plan(manager_, keys(preset));
+        LoadPlan plan(device(preset), keys(preset));
         for (const auto& line : lines)
             addParsed(plan, line);
         return sent(plan);
@@ -64,7 +70,7 @@ protected:
 
     // A line is parsed only if it has to be.
     Lines sentAsByLoads(const char* preset, const Lines& lines) const {
-        LoadPlan plan(manager_, keys(preset));
+        LoadPlan plan(device(preset), keys(preset));
         for (const auto& line : lines) {
             if (!plan.addAsWritten(line))
                 addParsed(plan, line);
@@ -73,16 +79,18 @@ protected:
     }
 
     bool isAddedAsWritten(const char* preset, std::string_view line) const {
-        LoadPlan plan(manager_, keys(preset));
+        LoadPlan plan(device(preset), keys(preset));
         const bool added = plan.addAsWritten(line);
-        LoadPlan untouched(manager_, keys(preset));
+        LoadPlan untouched(device(preset), keys(preset));
         EXPECT_EQ(added, sent(plan) != sent(untouched)) << "all or nothing";
         return added;
     }
 
     const test::TempFolder folder_;
-    const PresetManager manager_{
-        folder_.write("parameters", parameters), folder_.write("presets", presets), {}};
+    const std::string parametersPath_ = folder_.write("parameters", parameters);
+    const std::string presetsPath_ = folder_.write("presets", presets);
+    const PresetManager plain_{parametersPath_, presetsPath_, {}};
+    const PresetManager odd_{parametersPath_, presetsPath_, {{"isOdd", "1"}}};
 
 private:
     static void addParsed(LoadPlan& plan, std::string_view line) {

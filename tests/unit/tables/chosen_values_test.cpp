@@ -130,7 +130,7 @@ TEST(ChosenValues, AreTheValuesThatASelectorStandsFor) {
         const ChosenValues chosen(selector, indexValues ? &*indexValues : nullptr);
         EXPECT_EQ(sorted(chosen.list()), sorted(expected));
         EXPECT_EQ(chosen.empty(), expected.empty());
-        for (const auto& value : mixed) {
+        for (const auto& value : indexValues.value_or(mixed)) {
             const bool isChosen =
                 std::find(expected.begin(), expected.end(), value) != expected.end();
             EXPECT_EQ(chosen.contains(value), isChosen) << value;
@@ -147,6 +147,47 @@ TEST(ChosenValues, ContainTheTextsOfARangeAsTheyArePrinted) {
     for (const auto* const value :
          {"10", "19", "31", "-1", "-6", "07", "+7", " 7", "7 ", "7x", "x", "-0", "0x7", ""})
         EXPECT_FALSE(chosen.contains(value)) << value;
+}
+
+TEST(ChosenValues, UniteSeveralSets) {
+    const IndexSelector selectors[] = {
+        plain("a", rangeSet({{4, 6}})),           plain("a", numberSet({3, 1})),
+        plain("a", nameSet({"1", "auto"})),       negated("a", numberSet({1, 2, 3})),
+        plain("a", rangeSet({{5, 7}, {20, 21}})),
+    };
+    std::vector<ChosenValues> sets;
+    for (const auto& selector : selectors)
+        sets.emplace_back(selector, &numbers);
+    std::vector<const ChosenValues*> pointers;
+    EXPECT_TRUE(ChosenValues::united(pointers).empty());
+    for (const auto& set : sets)
+        pointers.push_back(&set);
+    const auto united = ChosenValues::united(pointers);
+    auto values = sorted(united.list());
+    values.erase(std::unique(values.begin(), values.end()), values.end());
+    EXPECT_EQ(values, (IndexValues{"0", "1", "20", "21", "3", "4", "5", "6", "7", "auto"}));
+    EXPECT_TRUE(united.contains("0"));
+    EXPECT_FALSE(united.contains("2"));
+
+    const ChosenValues all(plain("a"), &numbers);
+    pointers = {&sets[2], &all};
+    EXPECT_EQ(sorted(ChosenValues::united(pointers).list()),
+              (IndexValues{"0", "1", "1", "2", "3", "auto"}));
+    EXPECT_TRUE(ChosenValues::united(pointers).contains("2"));
+}
+
+TEST(ChosenValues, HaveAnOrder) {
+    const ChosenValues sets[] = {
+        ChosenValues(plain("a", nameSet({"x"})), nullptr),
+        ChosenValues(plain("a", nameSet({"y"})), nullptr),
+        ChosenValues(plain("a", rangeSet({{1, 2}})), nullptr),
+        ChosenValues(plain("a", rangeSet({{1, 3}})), nullptr),
+        ChosenValues(plain("a"), &numbers),
+    };
+    for (const auto& a : sets) {
+        for (const auto& b : sets)
+            EXPECT_EQ(a < b || b < a, &a != &b);
+    }
 }
 
 TEST(ChosenValues, HoldAHugeRangeInLittleMemory) {

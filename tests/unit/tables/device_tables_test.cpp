@@ -163,6 +163,40 @@ TEST(ParameterMap, HoldsTheParametersOfTheDeviceByAccessType) {
     }
 }
 
+TEST(ParameterMap, FindsParametersAndTheirIndices) {
+    const ParameterMap map{
+        {"gain", {"output", "input"}}, {"level", {"input"}}, {"mode", {}}, {"tone", {"input"}}};
+    EXPECT_EQ(map.size(), 4U);
+    for (std::size_t place = 0; place < map.size(); ++place)
+        EXPECT_EQ(map.find(map.name(place)), place);
+    for (const auto* const name : {"", "gai", "gain1", "gain[1]", "zone"})
+        EXPECT_EQ(map.find(name), std::nullopt) << name;
+    EXPECT_EQ(map.indexNames(0), (IndexNames{"output", "input"}));
+    EXPECT_EQ(map.indexNames(2), IndexNames{});
+    EXPECT_EQ(ParameterMap().find("gain"), std::nullopt);
+}
+
+using Groups = std::vector<ParameterMap::Group>;
+
+Groups groupsWith(const ParameterMap& map, std::string_view indexName) {
+    const auto groups = map.groupsWith(indexName);
+    return {groups.begin(), groups.end()};
+}
+
+TEST(ParameterMap, GroupsParametersWithTheSameIndices) {
+    const ParameterMap map{
+        {"gain", {"output", "input"}}, {"level", {"input"}}, {"mode", {}},
+        {"pair", {"input", "input"}},  {"tone", {"input"}},  {"way", {"input", "output"}}};
+    Groups groups;
+    for (std::size_t place = 0; place < map.size(); ++place)
+        groups.push_back(map.group(place));
+    EXPECT_EQ(groups, (Groups{0, 1, 2, 3, 1, 4}));
+    EXPECT_EQ(map.groups().size(), 5U);
+    EXPECT_EQ(groupsWith(map, "input"), (Groups{0, 1, 3, 4}));
+    EXPECT_EQ(groupsWith(map, "output"), (Groups{0, 4}));
+    EXPECT_EQ(groupsWith(map, "unknown"), Groups{});
+}
+
 TEST(AccessSelector, HasTheNumbersOfTheParameterMaps) {
     EXPECT_EQ(static_cast<int>(AccessSelector::readOnly), 0);
     EXPECT_EQ(static_cast<int>(AccessSelector::writeOnly), 1);

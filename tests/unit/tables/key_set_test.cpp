@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -11,14 +13,19 @@ namespace {
 using Keys = std::vector<std::string>;
 
 Keys keysOf(const KeySet& set) {
-    return {set.begin(), set.end()};
+    Keys keys;
+    for (const auto key : set)
+        keys.emplace_back(key.c_str());
+    return keys;
 }
 
 TEST(KeySet, HoldsEachKeyOnceInBytewiseOrder) {
     const KeySet keys({"gain[2]", "gain[10]", "b", "gain", "gain[2]", "B", "\xc3\xa4", "b"});
     const Keys expected{"B", "b", "gain", "gain[10]", "gain[2]", "\xc3\xa4"};
     EXPECT_EQ(keysOf(keys), expected);
-    EXPECT_EQ(Keys(keys.keys().begin(), keys.keys().end()), expected);
+    EXPECT_EQ(keys.strings(), expected);
+    for (std::size_t place = 0; place < expected.size(); ++place)
+        EXPECT_EQ(keys[place].view(), expected[place]);
     EXPECT_EQ(keys.size(), 6U);
     EXPECT_FALSE(keys.empty());
 }
@@ -74,6 +81,54 @@ TEST(KeySet, EqualsASetOfTheSameKeys) {
     EXPECT_NE(KeySet({"a", "b"}), KeySet({"a"}));
 }
 
+/// The keys of every second pair of a list: 0, 1, 4, 5, and so on.
+KeySet setOfRuns(const Keys& keys) {
+    auto texts = std::make_shared<KeyTexts>();
+    for (const auto& key : keys)
+        texts->list.append(key);
+    KeySet set(texts);
+    for (std::size_t i = 0; i < keys.size(); i += 4)
+        set.append(i, std::min(i + 2, keys.size()));
+    return set;
+}
+
+TEST(KeySet, MayBeRunsOfAList) {
+    const Keys expected{"a", "b", "e", "f", "i"};
+    const auto set = setOfRuns({"a", "b", "c", "d", "e", "f", "g", "h", "i"});
+    EXPECT_EQ(set.size(), expected.size());
+    EXPECT_EQ(keysOf(set), expected);
+    EXPECT_EQ(set, KeySet(expected));
+    EXPECT_NE(set, KeySet({"a", "b", "e", "f", "j"}));
+    for (std::size_t place = 0; place < expected.size(); ++place)
+        EXPECT_EQ(set[place].view(), expected[place]);
+    for (const auto* const key : {"a", "b", "e", "f", "i"})
+        EXPECT_TRUE(set.contains(key)) << key;
+    for (const auto* const key : {"", "aa", "c", "d", "dd", "g", "h", "j"})
+        EXPECT_FALSE(set.contains(key)) << key;
+}
+
+TEST(KeySet, TakesNeighbouringTextsAndNone) {
+    auto texts = std::make_shared<KeyTexts>();
+    for (const auto* const key : {"a", "b", "c", "d"})
+        texts->list.append(key);
+    KeySet set(texts);
+    set.append(2, 2);
+    EXPECT_TRUE(set.empty());
+    set.append(0, 1);
+    set.append(1, 3);
+    set.append(3, 3);
+    EXPECT_EQ(keysOf(set), (Keys{"a", "b", "c"}));
+}
+
+TEST(KeySet, KeepsItsTextsWhenItIsCopied) {
+    KeySet copy;
+    {
+        const KeySet set({"a", "b"});
+        copy = set;
+    }
+    EXPECT_EQ(keysOf(copy), (Keys{"a", "b"}));
+}
+
 using Place = std::optional<std::size_t>;
 
 Keys manyKeys(std::size_t count) {
@@ -102,6 +157,23 @@ TEST(KeySearch, FindsKeysInAnyOrder) {
             KeySearch search(set);
             EXPECT_EQ(search.find(keys[first]), Place(first));
             EXPECT_EQ(search.find(keys[second]), Place(second)) << first;
+        }
+    }
+}
+
+TEST(KeySearch, FindsKeysOfManyRuns) {
+    const auto all = manyKeys(41);
+    const auto set = setOfRuns(all);
+    const auto keys = keysOf(set);
+    for (std::size_t first = 0; first < keys.size(); ++first) {
+        for (const auto& second : all) {
+            const auto place = std::find(keys.begin(), keys.end(), second);
+            const auto expected =
+                place == keys.end() ? Place() : static_cast<std::size_t>(place - keys.begin());
+            KeySearch search(set);
+            EXPECT_EQ(search.find(keys[first]), Place(first));
+            EXPECT_EQ(search.find(second), expected) << keys[first] << ", " << second;
+            EXPECT_EQ(search.find(keys[first]), Place(first)) << second;
         }
     }
 }

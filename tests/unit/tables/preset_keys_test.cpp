@@ -12,7 +12,7 @@ namespace {
 
 std::string textOf(const KeySet& keys) {
     std::string text;
-    for (const auto& key : keys)
+    for (const auto& key : keys.strings())
         text += (text.empty() ? "" : " ") + key;
     return text;
 }
@@ -433,6 +433,46 @@ TEST(PresetKeys, TakeNoMemoryForAHugeRangeBesideAnEmptyDimension) {
     EXPECT_EQ(keysOf(hugeParameters,
                      "exclude rw { all } include ro { q { index { a {0..2147483647} } } }"),
               "");
+}
+
+// A hundred presets over a hundred thousand keys, of which each leaves something out.
+TEST(PresetKeys, TakeLittleMoreMemoryForManyPresets) {
+    const auto parameters = test::parametersOf("a index { rangeValid { 1000..1999 } }\n"
+                                               "b index { rangeValid { 100..199 } }\n"
+                                               "p rw { index { a } index { b } }\n"
+                                               "q rw { }\n");
+    std::string text;
+    for (int i = 100; i < 200; ++i) {
+        const auto value = std::to_string(i);
+        text.append("p")
+            .append(value)
+            .append(" preset { exclude rw { q, p { index { b {")
+            .append(value)
+            .append("} } } } }\n");
+    }
+    const auto definitions = test::presetDefinitionsOf(text);
+    const test::MemoryLimit limit(littleMemory);
+    const auto sets = PresetGenerate::keySets(
+        PresetGenerate::indexTable(parameters, {}),
+        PresetGenerate::parameterMap(parameters, {}, AccessSelector::readWrite), {},
+        definitions.presets);
+    ASSERT_EQ(sets.size(), 100U);
+    for (const auto& keys : sets)
+        EXPECT_EQ(keys.size(), 99000U);
+    EXPECT_FALSE(sets[7].contains("p[1500][107]"));
+    EXPECT_TRUE(sets[7].contains("p[1500][108]"));
+    EXPECT_TRUE(sets[8].contains("p[1500][107]"));
+    EXPECT_FALSE(sets[8].contains("q"));
+}
+
+// Keys that no preset covers cost nothing, even if one covers some of the same parameter.
+TEST(PresetKeys, TakeNoMemoryForKeysOfOtherPresets) {
+    const test::MemoryLimit limit(littleMemory);
+    EXPECT_EQ(keysOf("a index { rangeValid { 0..9999 } } p rw { index { a } index { a } }\n"
+                     "q ro { index { a } index { a } }\n",
+                     "exclude rw { p { index { not a {1..2} } } }\n"
+                     "include ro { q { index { a {3} } } }"),
+              "p[1][1] p[1][2] p[2][1] p[2][2] q[3][3]");
 }
 
 struct ParameterRow {

@@ -12,7 +12,7 @@ namespace {
 const IndexTable indices{{"a", {"0", "1", "2"}}, {"b", {"x", "y"}}, {"e", {}}};
 
 const ParameterMap candidates{
-    {"v", {}}, {"s", {"a"}}, {"t", {"a", "b"}}, {"w", {"gone"}}, {"z", {"e"}},
+    {"s", {"a"}}, {"t", {"a", "b"}}, {"v", {}}, {"w", {"gone"}}, {"z", {"e"}},
 };
 
 // "*" for a dimension that takes all the values of its index, else the values in order.
@@ -30,12 +30,16 @@ std::string textOf(const ChosenValues* chosen) {
 // Such as "s[0 1], t[*][x]".
 std::string textOf(const Selections& selections) {
     std::string text;
-    for (const auto& [name, selected] : selections.byParameter()) {
+    const auto add = [&](std::size_t place, std::span<const Selection> selected) {
         for (const auto& selection : selected) {
-            text += (text.empty() ? "" : ", ") + std::string(name);
+            text += (text.empty() ? "" : ", ") + std::string(candidates.name(place));
             for (const auto* const chosen : selection)
                 text += textOf(chosen);
         }
+    };
+    for (std::size_t place = 0; place < candidates.size(); ++place) {
+        add(place, selections.ofGroup(candidates.group(place)));
+        add(place, selections.ofItem(place));
     }
     return text;
 }

@@ -9,7 +9,7 @@
 namespace morvane {
 namespace {
 
-const ParameterMap readWrite{{"gain", {"channel", "band"}}, {"mode", {}}, {"level", {"channel"}}};
+const ParameterMap readWrite{{"gain", {"channel", "band"}}, {"level", {"channel"}}, {"mode", {}}};
 const ParameterMap readOnly{{"state", {"band"}}, {"twins", {"band", "band"}}};
 
 /// The result of the translate sections of a preset definition file.
