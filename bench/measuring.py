@@ -19,6 +19,43 @@ DAEMON = "org.norvix.preset"
 PRESET = "scene"  # the only preset of write_keys(), with all keys
 PATIENCE = 60  # seconds until a program must own its name
 
+# Ten parameters of a unit: one in five has a small index, one in five depends on the model.
+UNIT = """
+# Unit {unit}
+unit{unit}Level rw {{ rangeValid {{ -60..12 }} default {{ 0 }} }}
+unit{unit}Mute rw {{ rangeValid {{ 0..1 }} default {{ 0 }} }}
+unit{unit}Mode rw {{
+    rangeValid {{ "auto", "manual", "off" }}
+    default {{ "auto" }}
+}}
+unit{unit}Gain rw {{ index {{ channel }} rangeValid {{ -15..15 }} default {{ 0 }} }}
+unit{unit}Delay rw {{ rangeValid {{ 0..(delay) }} default {{ (delay / 10) }} }}
+unit{unit}Label rw {{ default {{ "unnamed" }} }}
+unit{unit}Source rw {{
+    rangeValid {{ "analog", "digital" }}
+    rangeValid (model == "studio") {{ "network" }}
+    default {{ "analog" }}
+}}
+unit{unit}Status ro {{ rangeValid {{ "none", "warning", "critical" }} default {{ "none" }} }}
+unit{unit}Width rw {{
+    ctrlValid (model == "studio")
+    rangeValid {{ 1..10 }}
+    default {{ 3 }}
+}}
+unit{unit}Meter ro {{ index {{ channel }} rangeValid {{ -120..20 }} default {{ -120 }} }}
+"""
+PRESETS = """
+everything preset { }
+snapshot preset { include ro { all } }
+scalars preset { exclude rw { index { channel } } }
+status preset {
+    include ro { all }
+    exclude rw { all }
+}
+"""
+PRESET_NAMES = ("everything", "snapshot", "scalars", "status")
+SYSTEM_ARGUMENTS = ("model=studio", "delay=500")
+
 # Ends what is running, as Ctrl-C does.
 signal.signal(signal.SIGTERM, lambda *_: sys.exit("bench: terminated"))
 
@@ -70,6 +107,21 @@ def list_keys(definitions, preset, *arguments):
     parameters, presets = definitions
     system = [part for argument in arguments for part in ("-s", argument)]
     return output_of(BUILD / "morvanectl", "-p", parameters, "-d", presets, *system, "keys", preset)
+
+
+def write_device(folder, count):
+    """Writes definitions of `count` parameters, in a mix typical of devices, and PRESETS. Returns
+    the paths of both files, and that of a list of the keys of all presets."""
+    if count % 10 != 0:
+        sys.exit(f"bench: {count} parameters: not ten times a whole number")
+    parameters, presets = folder / "parameters.def", folder / "presets.def"
+    keys = folder / "keys"
+    units = "".join(UNIT.format(unit=f"{unit:05}") for unit in range(count // 10))
+    parameters.write_text(f"channel index {{ rangeValid {{ 1..4 }} }}\n{units}")
+    presets.write_text(PRESETS)
+    keys.write_text("".join(list_keys((parameters, presets), preset, *SYSTEM_ARGUMENTS)
+                            for preset in PRESET_NAMES))
+    return parameters, presets, keys
 
 
 class Session:

@@ -1,20 +1,28 @@
 """Measures the daemon's resident memory, at rest and at its peak, and what it does when idle.
 
-Bytes per key are relative to the daemon at rest with the first of the sizes. The size of the
+Bytes per key are relative to the daemon at rest with the first of the sizes. What is live is
+what is allocated and not freed, as valgrind counts it; what of it was never written to is not
+resident. The size of the
 program file is without symbols, for this machine and, if it is built, for armhf.
 """
 
 import re
+import shutil
+import statistics
 import subprocess
+import sys
 import tempfile
 import time
 from pathlib import Path
 
-from measuring import BUILD, ROOT, Session, parse_options, print_head, print_row, print_targets
+from measuring import (BUILD, PRESET, ROOT, SYSTEM_ARGUMENTS, Session, parse_options, print_head,
+                       print_row, print_targets, write_device, write_keys)
 
 EXAMPLES = (ROOT / "examples/parameters.def", ROOT / "examples/presets.def", "variant=studio",
             "inputs=4", "outputs=2", "delay=500", "region=us", "options=genlock,hdr")
 SMALLEST, LARGEST = 100, 1000000  # keys that have targets
+PARAMETERS = 100000, 10  # of a large device, with about four keys for each, and of a small one
+PRESETS, PRESET_KEYS, STARTS = 100, 100000, 9
 IDLE_SECONDS = 10
 REST_SECONDS = 0.5  # in which a process that has its name comes to rest
 PROGRAMS = (("this machine", "strip", BUILD / "morvane"),
@@ -66,6 +74,54 @@ def measure_size(size):
                 process.bytes_of("VmRSS"))
 
 
+def live_bytes(*arguments):
+    """What the daemon has allocated when it has its name, less what it has freed."""
+    valgrind = shutil.which("valgrind") or sys.exit("bench: valgrind is not installed")
+    with Session() as session:
+        log = session.folder / "log"
+        process = session.start_daemon(
+            *arguments, under=[valgrind, "--vgdb=no", "--leak-check=no", f"--log-file={log}"])
+        process.terminate()
+        process.wait()
+        count = re.search(r"in use at exit: ([\d,]+) bytes", log.read_text())[1]
+        return int(count.replace(",", ""))
+
+
+def measure_start():
+    """Returns what is resident after the start with a large device, relative to what is live, each
+    above that of a small one."""
+    print_head("parameters", "resident after the start, MiB", "live, MiB")
+    rows = []
+    for count in PARAMETERS:
+        with Session() as session:
+            *definitions, _ = write_device(session.folder, count)
+            arguments = (*definitions, *SYSTEM_ARGUMENTS)
+            process = Process(session.start_daemon(*arguments))
+            rows.append((process.bytes_of("VmRSS"), live_bytes(*arguments)))
+        print_row(count, *(f"{number / 2**20:.2f}" for number in rows[-1]))
+    (resident, live), (least_resident, least_live) = rows
+    return (resident - least_resident) / (live - least_live)
+
+
+def measure_presets():
+    """Returns CPU time and peak memory of a start with many presets, each of which leaves out other
+    keys, relative to one with a single preset."""
+    def start(*arguments):
+        with Session() as session:
+            parameters, presets = write_keys(session.folder, PRESET_KEYS)
+            presets.write_text("".join(arguments))
+            process = Process(session.start_daemon(parameters, presets))
+            return process.work()[0] / 1e6, process.bytes_of("VmHWM") / 2**20
+    many = [f"{PRESET}{i:02} preset {{ exclude rw {{ index {{ row {{ {1000 + i} }} }} }} }}\n"
+            for i in range(PRESETS)]
+    starts = [(start(f"{PRESET} preset {{ }}\n"), start(*many)) for _ in range(STARTS)]
+    one, hundred = ([statistics.median(column) for column in zip(*row)] for row in zip(*starts))
+    print_head("presets", "CPU time of the start, ms", "peak, MiB")
+    for count, measured in ((1, one), (PRESETS, hundred)):
+        print_row(count, *(f"{number:.2f}" for number in measured))
+    return [ours / theirs for ours, theirs in zip(hundred, one)]
+
+
 def cost_of_key(measured, size):
     """Bytes per key, relative to the daemon at rest with the first of the sizes."""
     first, *_ = measured
@@ -99,11 +155,14 @@ def measure_stripped():
     return sizes
 
 
-def targets_of(measured, stripped):
+def targets_of(measured, stripped, resident, presets):
     """The targets that were measured."""
+    yield f"resident after the start against live, {PARAMETERS[0]} parameters", 1.3, resident, ""
+    yield f"start with {PRESETS} presets against one, CPU time", 3, presets[0], ""
+    yield f"start with {PRESETS} presets against one, peak memory", 3, presets[1], ""
     if LARGEST in measured and len(measured) > 1:
         rest, *peaks, _ = cost_of_key(measured, LARGEST)
-        yield f"memory at rest, {LARGEST} keys", 120, rest, " bytes/key"
+        yield f"memory at rest, {LARGEST} keys", 48, rest, " bytes/key"
         yield f"memory at the peak, {LARGEST} keys", 240, max(peaks), " bytes/key"
     if SMALLEST in measured:
         yield (f"memory at the peak, {SMALLEST} keys", 7.3, max(measured[SMALLEST]) / 2**20, " MiB")
@@ -115,7 +174,8 @@ def main():
     options = parse_options(__doc__, [SMALLEST, 10000, 100000, LARGEST])
     measure_examples()
     measured = measure_sizes(options.sizes)
-    print_targets(targets_of(measured, measure_stripped()))
+    resident, presets = measure_start(), measure_presets()
+    print_targets(targets_of(measured, measure_stripped(), resident, presets))
 
 
 main()

@@ -90,7 +90,8 @@ const PresetManager& managerOf(std::int64_t size) {
     if (const auto known = managers.find(size); known != managers.end())
         return known->second;
     const PresetManager manager(definitionsOf(size), {});
-    require(std::ssize(manager.findPreset(scene)->keys()) == size, "expanding the preset");
+    require(manager.findPreset(scene)->size() == static_cast<std::size_t>(size),
+            "expanding the preset");
     return managers.emplace(size, manager).first->second;
 }
 
@@ -117,7 +118,7 @@ std::string reindexed(const std::string& key) {
 std::string dataOf(const KeySet& keys, Spelling spelling, std::size_t step = 1) {
     std::string data;
     for (std::size_t i = 0; i < keys.size(); i += step)
-        data += spelling(keys.keys()[i]);
+        data += spelling(std::string(keys[i].view()));
     return data;
 }
 
@@ -222,7 +223,7 @@ BENCHMARK_CAPTURE(expandKeySet, half, 1)->Apply(sizes);
 void inPreset(benchmark::State& state, const char* suffix, bool expected) {
     const auto& manager = managerOf(state.range());
     std::vector<std::string> keys;
-    for (const auto& key : keysOf(state.range()))
+    for (const auto& key : keysOf(state.range()).strings())
         keys.push_back(key + suffix);
     std::shuffle(keys.begin(), keys.end(), std::minstd_rand());
     while (state.KeepRunningBatch(state.range())) {
@@ -260,7 +261,7 @@ BENCHMARK(formatKey);
 void translate(benchmark::State& state, Spelling spelling) {
     constexpr std::int64_t size = 100;
     const auto& manager = managerOf(size);
-    const auto line = spelling(keysOf(size).keys().back());
+    const auto line = spelling(keysOf(size).strings().back());
     PresetEntry entry;
     while (state.KeepRunning()) {
         parsePresetLine(line, entry);
