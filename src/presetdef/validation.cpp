@@ -4,6 +4,7 @@
 #include "text/diagnostic.h"
 
 #include <cstdint>
+#include <initializer_list>
 #include <set>
 #include <string>
 #include <string_view>
@@ -16,9 +17,12 @@ namespace {
 
 // Writes the message about a record that is wrong. Returns `result`, so that a check can end with
 // the report.
-PresetParseResult reportInvalid(std::uint32_t line, const std::string& text,
+PresetParseResult reportInvalid(std::uint32_t line, std::initializer_list<std::string_view> text,
                                 PresetParseResult result) {
-    printAtOnce("Preset Definition Error on line " + std::to_string(line) + ".\n" + text + "\n");
+    auto message = "Preset Definition Error on line " + std::to_string(line) + ".\n";
+    for (const auto part : text)
+        message += part;
+    printAtOnce(message + "\n");
     return result;
 }
 
@@ -28,8 +32,7 @@ PresetParseResult validateRemovedList(const RemovedList& list,
         if (parameters.find(name) != nullptr)
             return reportInvalid(
                 list.line,
-                std::string(name) +
-                    " - In translate removed list, but still a defined system parameter",
+                {name, " - In translate removed list, but still a defined system parameter"},
                 PARSE_PRESET_SYNTAX);
     }
     return PARSE_PRESET_OK;
@@ -44,17 +47,14 @@ PresetParseResult validateIndexMapping(const IndexMapping& mapping,
     for (const auto& [indexName, text] : mapping.pairs) {
         const auto found = missing.find(indexName);
         if (found == missing.end())
-            return reportInvalid(mapping.line,
-                                 std::string(indexName)
-                                     .append(" - is not an index for the parameter ")
-                                     .append(parameter.name),
-                                 PARSE_PRESET_INVALID_INDEX);
+            return reportInvalid(
+                mapping.line, {indexName, " - is not an index for the parameter ", parameter.name},
+                PARSE_PRESET_INVALID_INDEX);
         missing.erase(found);
     }
     if (!missing.empty())
         return reportInvalid(mapping.line,
-                             std::string(parameter.name) +
-                                 " - Missing indices from translate index mapping",
+                             {parameter.name, " - Missing indices from translate index mapping"},
                              PARSE_PRESET_INVALID_RANGE);
     return PARSE_PRESET_OK;
 }
@@ -63,8 +63,7 @@ PresetParseResult validateMapping(const TranslateMapping& mapping,
                                   const SystemParameterTable& parameters) {
     const auto* const parameter = parameters.find(mapping.newName);
     if (parameter == nullptr)
-        return reportInvalid(mapping.line,
-                             std::string(mapping.newName) + " - is an undefined system parameter",
+        return reportInvalid(mapping.line, {mapping.newName, " - is an undefined system parameter"},
                              PARSE_PRESET_ACCESS_ERR);
     for (const auto& indexMapping : mapping.indexMappings) {
         const auto result = validateIndexMapping(indexMapping, *parameter);
@@ -91,16 +90,14 @@ PresetParseResult validateClause(const IndexSpec& clause, const SystemParameter*
                                  const SystemParameterTable& parameters) {
     for (const auto& [indexName, isNot, values] : clause.selectors) {
         if (!isIndex(parameters, indexName))
-            return reportInvalid(clause.line,
-                                 std::string(indexName) + " - is an undefined system index",
+            return reportInvalid(clause.line, {indexName, " - is an undefined system index"},
                                  PARSE_PRESET_INVALID_INDEX);
         if (parameter == nullptr || parameter->hasIndex(indexName))
             continue;
-        return reportInvalid(clause.line,
-                             std::string(indexName)
-                                 .append(" - is not defined as an index for the parameter ")
-                                 .append(parameter->name),
-                             PARSE_PRESET_INVALID_INDEX);
+        return reportInvalid(
+            clause.line,
+            {indexName, " - is not defined as an index for the parameter ", parameter->name},
+            PARSE_PRESET_INVALID_INDEX);
     }
     return PARSE_PRESET_OK;
 }
@@ -111,12 +108,12 @@ PresetParseResult validateItem(const PresetItem& item, PresetList::Access access
     const auto* const parameter = parameters.find(item.name);
     const auto subject = std::string(" ").append(item.name);
     if (parameter == nullptr)
-        return reportInvalid(item.line, subject + " - is an undefined system parameter",
+        return reportInvalid(item.line, {subject, " - is an undefined system parameter"},
                              PARSE_PRESET_ACCESS_ERR);
     if (!fits(parameter->access, access))
         return reportInvalid(
             item.line,
-            subject + " - does not have the correct access type for its include/exclude list",
+            {subject, " - does not have the correct access type for its include/exclude list"},
             PARSE_PRESET_INC_EXC_ACCESS_ERR);
     for (const auto& clause : item.indexSpecs) {
         const auto result = validateClause(clause, parameter, parameters);
