@@ -25,6 +25,7 @@ FILES = [
     "usr/share/doc/morvane/examples/own-bus/policy.conf",
     "usr/share/doc/morvane/examples/parameters.def",
     "usr/share/doc/morvane/examples/presets.def",
+    "usr/share/doc/morvane/examples/variants",
     "usr/share/man/man1/morvanectl.1",
     "usr/share/man/man1/parameter-handler-sim.1",
     "usr/share/man/man5/morvane-parameter-definition.5",

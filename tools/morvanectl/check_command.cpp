@@ -4,6 +4,8 @@
 #include "commands.h"
 #include "output.h"
 #include "text/diagnostic.h"
+#include "variant.h"
+#include "variant_choice.h"
 #include "warnings.h"
 
 #include <algorithm>
@@ -90,29 +92,59 @@ std::vector<std::vector<std::string>> combinations(const std::vector<VariantAxis
     return all;
 }
 
-void addFindings(const Variant& variant, const SystemArguments& arguments, const std::string& name,
-                 Findings& findings) {
-    for (const auto& warnings : {parameterWarnings(variant, arguments), presetWarnings(variant),
-                                 translateWarnings(variant)}) {
-        for (const auto& warning : warnings) {
-            auto& names = findings[warning];
-            if (names.empty() || names.back() != name)
-                names.push_back(name);
-        }
+/// One of the variants that are checked.
+struct CheckedVariant {
+    std::string name; ///< empty if it is the only one
+    SystemArguments arguments;
+};
+
+std::vector<CheckedVariant> combinedVariants(const Settings& settings) {
+    std::vector<CheckedVariant> variants;
+    for (const auto& combination : combinations(settings.axes)) {
+        variants.push_back({joined(combination, " "), {}});
+        for (const auto& argument : combination)
+            addSystemArgument(variants.back().arguments, argument);
+        variants.back().arguments.insert(settings.systemArguments.begin(),
+                                         settings.systemArguments.end());
     }
+    return variants;
 }
 
-Findings findAll(const Settings& settings, const std::shared_ptr<const Definitions>& definitions) {
-    Findings findings;
-    for (const auto& combination : combinations(settings.axes)) {
-        SystemArguments arguments;
-        for (const auto& argument : combination)
-            addSystemArgument(arguments, argument);
-        arguments.insert(settings.systemArguments.begin(), settings.systemArguments.end());
-        const Variant variant{definitions, PresetManager(*definitions, arguments)};
-        addFindings(variant, arguments, joined(combination, " "), findings);
+// Nothing, with a message, if the settings ask for what there is not.
+std::optional<std::vector<CheckedVariant>>
+checkedVariants(const Settings& settings, const std::vector<NamedVariant>& namedVariants) {
+    if (!settings.axes.empty())
+        return combinedVariants(settings);
+    std::vector<CheckedVariant> variants;
+    if (settings.allVariants) {
+        for (const auto& named : namedVariants)
+            variants.push_back({named.name, argumentsOf(named, settings)});
+        if (!variants.empty())
+            return variants;
+        fail("there are no named variants; see --variants, or give --all-variants system arguments "
+             "with all their values");
+        return std::nullopt;
     }
-    return findings;
+    auto arguments = chosenArguments(settings, namedVariants);
+    if (!arguments)
+        return std::nullopt;
+    variants.push_back({"", *std::move(arguments)});
+    return variants;
+}
+
+void addFindings(const Definitions& definitions, const CheckedVariant& variant,
+                 Findings& findings) {
+    const auto& [parameters, presets] = definitions;
+    const PresetManager manager(definitions, variant.arguments);
+    for (const auto& warnings :
+         {parameterWarnings(parameters, variant.arguments), presetWarnings(presets, manager),
+          translateWarnings(presets, manager)}) {
+        for (const auto& warning : warnings) {
+            auto& names = findings[warning];
+            if (names.empty() || names.back() != variant.name)
+                names.push_back(variant.name);
+        }
+    }
 }
 
 /// A warning, with its place in the file.
@@ -128,10 +160,10 @@ class FindingsWriter {
 public:
     /// @param definitions borrowed for the writer's life.
     FindingsWriter(const Settings& settings, const Definitions& definitions,
-                   const Findings& findings)
+                   const Findings& findings, std::size_t variantCount)
         : parameters_(settings.paramDefFile, definitions.parameters.text()),
           presets_(settings.presetDefFile, *definitions.presets.text),
-          variantCount_(combinations(settings.axes).size()) {
+          variantCount_(variantCount) {
         for (const auto& [warning, variants] : findings)
             findings_.push_back(
                 {warning.file, fileOf(warning.file).find(warning), warning.text, variants});
@@ -186,8 +218,14 @@ ExitStatus checkDefinitions(const Settings& settings) {
     const auto definitions = readBothFiles(settings);
     if (!definitions)
         return ExitStatus::error;
-    const auto findings = findAll(settings, definitions);
-    const FindingsWriter writer(settings, *definitions, findings);
+    const auto namedVariants = readNamedVariants(settings);
+    const auto variants = namedVariants ? checkedVariants(settings, *namedVariants) : std::nullopt;
+    if (!variants)
+        return ExitStatus::error;
+    Findings findings;
+    for (const auto& variant : *variants)
+        addFindings(*definitions, variant, findings);
+    const FindingsWriter writer(settings, *definitions, findings, variants->size());
     settings.json ? writer.writeAsJson() : writer.write();
     return findings.empty() ? ExitStatus::yes : ExitStatus::no;
 }

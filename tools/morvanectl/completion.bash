@@ -14,7 +14,7 @@ _morvanectl() {
     for ((i = 1; i < COMP_CWORD; i++)); do
         word=${COMP_WORDS[i]}
         case $word in
-        -p | --parameters | -d | --presets | -s | --system)
+        -p | --parameters | -d | --presets | -s | --system | --variant | --variants)
             definitions+=("$word" "${COMP_WORDS[++i]}")
             ;;
         --address | --live | --all-variants) ((++i)) ;;
@@ -25,8 +25,8 @@ _morvanectl() {
 
     local words='' files=no
     case $previous in
-    -p | --parameters | -d | --presets) files=yes ;;
-    -s | --system | --address | --all-variants) return ;;
+    -p | --parameters | -d | --presets | --variants) files=yes ;;
+    -s | --system | --variant | --address | --all-variants) return ;;
     --live) words=$(morvanectl "${definitions[@]}" presets 2>/dev/null) ;;
     *)
         case $current in

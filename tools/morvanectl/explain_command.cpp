@@ -31,8 +31,9 @@ class Explanation {
 public:
     Explanation(const Settings& settings, const Variant& variant)
         : settings_(settings),
-          parameters_(variant.definitions->parameters),
-          presets_(variant.definitions->presets.presets),
+          parameters_(variant.definitions.parameters),
+          arguments_(variant.arguments),
+          presets_(variant.definitions.presets.presets),
           manager_(variant.manager),
           key_(keyOf(settings.key)) {}
 
@@ -88,10 +89,10 @@ private:
 
     bool explainCondition(const Expression& condition) {
         std::string seen;
-        for (const auto& value : valuesSeen(condition, parameters_, settings_.systemArguments))
+        for (const auto& value : valuesSeen(condition, parameters_, arguments_))
             seen += (seen.empty() ? " (" : ", ") + value;
         seen += seen.empty() ? "" : ")";
-        const auto verdict = judge(condition, parameters_, settings_.systemArguments);
+        const auto verdict = judge(condition, parameters_, arguments_);
         const char* const text = verdict == Verdict::holds        ? " holds"
                                  : verdict == Verdict::assumedMet ? " counts as met"
                                  : verdict == Verdict::fails
@@ -100,7 +101,7 @@ private:
         const auto line = condition.empty() ? 0 : condition.tokens.front().line;
         add(settings_.paramDefFile, line,
             "ctrlValid (" + textOf(condition, parameters_.text()) + ")" + text + seen);
-        return conditionHolds(condition, parameters_, settings_.systemArguments);
+        return conditionHolds(condition, parameters_, arguments_);
     }
 
     bool explainIndices(const SystemParameter& parameter) {
@@ -196,6 +197,7 @@ private:
 
     const Settings& settings_;
     const SystemParameterTable& parameters_;
+    const SystemArguments& arguments_;
     const std::vector<PresetDefinition>& presets_;
     const PresetManager& manager_;
     PresetEntry key_;

@@ -1,6 +1,7 @@
 // morvanectl: calls the preset service, and says what the daemon makes of definition files and
 // preset data files. This is its command line.
 
+#include "argument_files.h"
 #include "commands.h"
 #include "output.h"
 
@@ -21,9 +22,19 @@ std::string checkSystemArgument(const std::string& text) {
     return addSystemArgument(unused, text) ? "" : "a system argument is NAME=VALUE";
 }
 
+// A comma behind a backslash belongs to a value.
 VariantAxis axisOf(const std::string& text) {
     const auto equals = text.find('=');
-    return {text.substr(0, equals), CLI::detail::split(text.substr(equals + 1), ',')};
+    VariantAxis axis{text.substr(0, equals), {""}};
+    for (auto i = equals + 1; i < text.size(); ++i) {
+        if (text[i] == ',')
+            axis.values.emplace_back();
+        else if (text.compare(i, 2, "\\,") == 0)
+            axis.values.back() += text[++i];
+        else
+            axis.values.back() += text[i];
+    }
+    return axis;
 }
 
 /// Builds the command line around the settings that it fills.
@@ -44,10 +55,16 @@ public:
         } catch (const CLI::ParseError& error) {
             return app_.exit(error) == 0 ? ExitStatus::yes : ExitStatus::error;
         }
+        if (const auto conflict = conflictOf(systemArguments_))
+            return fail(conflict->first + " and " + conflict->second +
+                        " give one system argument two values");
         for (const auto& argument : systemArguments_)
             addSystemArgument(settings_.systemArguments, argument);
-        for (const auto& axis : axes_)
-            settings_.axes.push_back(axisOf(axis));
+        settings_.allVariants = allVariants_->count() > 0;
+        for (const auto& axis : axes_) {
+            if (axis.find('=') != std::string::npos) // one without is the option without values
+                settings_.axes.push_back(axisOf(axis));
+        }
         return command_();
     }
 
@@ -56,10 +73,10 @@ private:
 
     void addOptions() {
         app_.add_option("-p,--parameters", settings_.paramDefFile, "Parameter definition file")
-            ->default_val("/etc/morvane/parameters.def")
+            ->default_val(installedParamDefFile)
             ->type_name("FILE");
         app_.add_option("-d,--presets", settings_.presetDefFile, "Preset definition file")
-            ->default_val("/etc/morvane/presets.def")
+            ->default_val(installedPresetDefFile)
             ->type_name("FILE");
         app_.add_option("-s,--system", systemArguments_,
                         "A system argument that describes the device; may be repeated")
@@ -67,6 +84,14 @@ private:
             ->take_all()
             ->allow_extra_args(false)
             ->check(checkSystemArgument);
+        app_.add_option("--variant", settings_.variant,
+                        "Describe the device by a named variant; -s replaces its arguments")
+            ->type_name("NAME");
+        app_.add_option("--variants", settings_.variantsFile,
+                        "List of named variants; without it, the file variants beside the "
+                        "parameter definition file, if it is there")
+            ->type_name("FILE")
+            ->envname("MORVANE_VARIANTS");
         app_.add_option("--address", settings_.address, "Bus to use instead of the session bus");
         app_.add_flag("--json", settings_.json, "Write lists as JSON");
     }
@@ -136,11 +161,13 @@ private:
         auto* const check =
             add("check", "Check both definition files, and warn of what may be a mistake",
                 [this] { return checkDefinitions(settings_); });
-        check
-            ->add_option("--all-variants", axes_,
-                         "System arguments with all their values; checks every combination")
-            ->type_name("NAME=VALUE,VALUE...")
-            ->check(checkSystemArgument);
+        allVariants_ = check
+                           ->add_option("--all-variants", axes_,
+                                        "Check all named variants, or every combination of system "
+                                        "arguments with all their values")
+                           ->type_name("NAME=VALUE,VALUE...")
+                           ->expected(0, CLI::detail::expected_max_vector_size)
+                           ->check(checkSystemArgument);
         add("presets", "List the presets", [this] { return listPresets(settings_); });
         takePreset(
             add("keys", "List the keys of a preset", [this] { return listKeys(settings_); }));
@@ -170,6 +197,7 @@ private:
     CLI::App app_;
     Settings settings_;
     std::vector<std::string> systemArguments_;
+    CLI::Option* allVariants_ = nullptr;
     std::vector<std::string> axes_;
     Command command_;
 };

@@ -144,9 +144,9 @@ private:
 
 } // namespace
 
-std::vector<Warning> parameterWarnings(const Variant& variant, const SystemArguments& arguments) {
+std::vector<Warning> parameterWarnings(const SystemParameterTable& parameters,
+                                       const SystemArguments& arguments) {
     std::vector<Warning> warnings;
-    const auto& parameters = variant.definitions->parameters;
     for (const auto& [name, parameter] : parameters)
         ParameterCheck(parameter, parameters, arguments, warnings).check();
     return warnings;

@@ -128,10 +128,11 @@ private:
 
 } // namespace
 
-std::vector<Warning> presetWarnings(const Variant& variant) {
+std::vector<Warning> presetWarnings(const PresetDefinitions& presets,
+                                    const PresetManager& manager) {
     std::vector<Warning> warnings;
-    PresetCheck check(variant.manager, warnings);
-    for (const auto& preset : variant.definitions->presets.presets)
+    PresetCheck check(manager, warnings);
+    for (const auto& preset : presets.presets)
         check.check(preset);
     return warnings;
 }

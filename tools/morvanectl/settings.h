@@ -8,6 +8,9 @@
 
 namespace morvane::ctl {
 
+constexpr const char* installedParamDefFile = "/etc/morvane/parameters.def";
+constexpr const char* installedPresetDefFile = "/etc/morvane/presets.def";
+
 /// One system argument of `check --all-variants`, with every value that it takes.
 struct VariantAxis {
     std::string name;
@@ -17,8 +20,10 @@ struct VariantAxis {
 struct Settings {
     std::string paramDefFile;
     std::string presetDefFile;
-    SystemArguments systemArguments;
-    std::string address; ///< of the bus; empty for the session bus
+    SystemArguments systemArguments; ///< that the options give
+    std::string variant;             ///< the name of one; empty without
+    std::string variantsFile;        ///< the list of named variants; empty for the usual place
+    std::string address;             ///< of the bus; empty for the session bus
     bool json = false;
 
     std::string preset;
@@ -26,8 +31,9 @@ struct Settings {
     std::string file;
     std::string otherFile;         ///< of `diff`; empty when it reads the Parameter Handler
     std::vector<std::string> keys; ///< of `store-subpreset` and `in-preset`
-    std::vector<VariantAxis> axes; ///< of `check`
-    std::string livePreset;        ///< of `diff`
+    bool allVariants = false;      ///< of `check`: the named ones, or every combination of the axes
+    std::vector<VariantAxis> axes;
+    std::string livePreset; ///< of `diff`
     bool dryRun = false;
 };
 

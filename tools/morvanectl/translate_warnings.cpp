@@ -75,10 +75,11 @@ private:
 
 } // namespace
 
-std::vector<Warning> translateWarnings(const Variant& variant) {
+std::vector<Warning> translateWarnings(const PresetDefinitions& presets,
+                                       const PresetManager& manager) {
     std::vector<Warning> warnings;
-    TranslateCheck check(variant.manager, warnings);
-    for (const auto& section : variant.definitions->presets.translateSections) {
+    TranslateCheck check(manager, warnings);
+    for (const auto& section : presets.translateSections) {
         for (const auto& mapping : section.mappings)
             check.check(mapping);
     }

@@ -1,6 +1,7 @@
 #include "variant.h"
 
 #include "output.h"
+#include "variant_choice.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -21,23 +22,30 @@ bool isReadable(const std::string& path) {
 
 } // namespace
 
-std::shared_ptr<const Definitions> readBothFiles(const Settings& settings) {
+std::optional<Definitions> readBothFiles(const Settings& settings) {
     if (!isReadable(settings.paramDefFile) || !isReadable(settings.presetDefFile))
-        return nullptr;
+        return std::nullopt;
     auto definitions = readDefinitions(settings.paramDefFile, settings.presetDefFile);
-    if (definitions)
-        return std::make_shared<const Definitions>(*std::move(definitions));
-    fail("cannot use " + settings.paramDefFile + " and " + settings.presetDefFile +
-         "; without a reason above, one is empty or ends inside a block");
-    return nullptr;
+    if (!definitions)
+        fail("cannot use " + settings.paramDefFile + " and " + settings.presetDefFile +
+             "; without a reason above, one is empty or ends inside a block");
+    return definitions;
 }
 
 std::optional<Variant> readVariant(const Settings& settings) {
     auto definitions = readBothFiles(settings);
     if (!definitions)
         return std::nullopt;
-    PresetManager manager(*definitions, settings.systemArguments);
-    return Variant{std::move(definitions), std::move(manager)};
+    const auto named = readNamedVariants(settings);
+    auto arguments = named ? chosenArguments(settings, *named) : std::nullopt;
+    if (!arguments)
+        return std::nullopt;
+    const auto unknown = undescribedNames(definitions->parameters, *arguments, *named);
+    if (!unknown.empty())
+        note("warning: nothing gives a value to " + joined(unknown, ", ") + ", which " +
+             settings.paramDefFile + " uses; describe the device with --system or --variant");
+    PresetManager manager(*definitions, *arguments);
+    return Variant{*std::move(definitions), *std::move(arguments), std::move(manager)};
 }
 
 std::optional<Variant> readVariantWithPreset(const Settings& settings) {

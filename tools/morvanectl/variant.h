@@ -7,20 +7,20 @@
 #include "settings.h"
 #include "text/line_reader.h"
 
-#include <memory>
 #include <optional>
 #include <string>
 
 namespace morvane::ctl {
 
 struct Variant {
-    std::shared_ptr<const Definitions> definitions;
+    Definitions definitions;
+    SystemArguments arguments;
     PresetManager manager;
 };
 
 /// Reads the definition files as the daemon does: errors in them are reported on standard output.
-/// @return null if they cannot be used, which is reported on standard error, too.
-std::shared_ptr<const Definitions> readBothFiles(const Settings& settings);
+/// @return nothing if they cannot be used, which is reported on standard error, too.
+std::optional<Definitions> readBothFiles(const Settings& settings);
 
 /// As above, with the tables for the variant of the settings.
 std::optional<Variant> readVariant(const Settings& settings);

@@ -1,7 +1,10 @@
 // What may be a mistake in definitions that the daemon accepts.
 #pragma once
 
-#include "variant.h"
+#include "core/preset_manager.h"
+#include "paramdef/system_arguments.h"
+#include "paramdef/system_parameter.h"
+#include "presetdef/preset_definition.h"
 
 #include <compare>
 #include <cstdint>
@@ -27,12 +30,14 @@ struct Warning {
 };
 
 /// About the parameters that exist on the variant that the system arguments describe.
-std::vector<Warning> parameterWarnings(const Variant& variant, const SystemArguments& arguments);
+std::vector<Warning> parameterWarnings(const SystemParameterTable& parameters,
+                                       const SystemArguments& arguments);
 
-/// About the presets.
-std::vector<Warning> presetWarnings(const Variant& variant);
+/// About the presets, on the variant for which the manager was made.
+std::vector<Warning> presetWarnings(const PresetDefinitions& presets, const PresetManager& manager);
 
-/// About the translate sections.
-std::vector<Warning> translateWarnings(const Variant& variant);
+/// About the translate sections, on the variant for which the manager was made.
+std::vector<Warning> translateWarnings(const PresetDefinitions& presets,
+                                       const PresetManager& manager);
 
 } // namespace morvane::ctl
