@@ -93,12 +93,24 @@ fan rw { ctrlValid (model == 3) }
                     ^
 """),
     ("fan rw { ctrlValid (mode ==) ctrlRO (mode 1) }\n", PRESETS, """\
-p:5: warning: the condition (mode ==) has a bad structure and never holds
+p:5: warning: the condition (mode ==) has a bad structure, but counts as met because it names a \
+parameter
 fan rw { ctrlValid (mode ==) ctrlRO (mode 1) }
                     ^
 p:5: warning: the condition (mode 1) has a bad structure and never holds
 fan rw { ctrlValid (mode ==) ctrlRO (mode 1) }
                                      ^
+"""),
+    ("fan rw { ctrlValid (1==) ctrlRO (10 / (model - 1)) }\n", PRESETS, """\
+p:5: warning: the condition (1==) has a bad structure and never holds
+fan rw { ctrlValid (1==) ctrlRO (10 / (model - 1)) }
+                    ^
+"""),
+    ("fan rw { ctrlValid (10 / (model - 1)) }\n", PRESETS, """\
+p:5: warning: the condition (10 / (model - 1)) cannot be evaluated and does not hold \
+(model has no value)
+fan rw { ctrlValid (10 / (model - 1)) }
+                    ^
 """),
     ("level rw { rangeValid { 0..9, \"max\" } default { 10 } default (1) { \"max\" } }\n", PRESETS,
      """\

@@ -1,7 +1,10 @@
 #include "condition_text.h"
 
 #include "paramdef/evaluator.h"
+#include "paramdef/expression_tokenizer.h"
+#include "paramdef/postfix.h"
 #include "text/cursor.h"
+#include "text/source_text.h"
 
 #include <algorithm>
 
@@ -15,18 +18,6 @@ bool canBeEvaluated(const Expression& condition, const NameTable& names) {
     return value.type != ExprValue::Type::invalid;
 }
 
-// The length of a token that begins here, as it was written.
-std::size_t lengthOf(const Token& token, std::string_view text) {
-    constexpr std::string_view operators = "|&^=!<>+-*/%$";
-    if (token.type == TokenType::TOKEN_STRING)
-        return std::min(text.find('"', 1), text.size() - 1) + 1;
-    if (token.type == TokenType::TOKEN_LPAREN || token.type == TokenType::TOKEN_RPAREN)
-        return 1;
-    if (isOperator(token.type))
-        return std::min(text.find_first_not_of(operators), text.size());
-    return Cursor({text, token.line}).word("(){},\"|&^=!<>+*/%$").size();
-}
-
 } // namespace
 
 Verdict judge(const Expression& condition, const SystemParameterTable& parameters,
@@ -34,34 +25,40 @@ Verdict judge(const Expression& condition, const SystemParameterTable& parameter
     if (condition.empty())
         return Verdict::holds;
     if (namesParameter(condition, parameters))
-        return hasStructure(condition) ? Verdict::assumedMet : Verdict::unusable;
+        return Verdict::assumedMet; // without being evaluated: its structure does not matter
     if (conditionHolds(condition, parameters, arguments))
         return Verdict::holds;
     return canBeEvaluated(condition, arguments) ? Verdict::fails : Verdict::unusable;
 }
 
 bool hasStructure(const Expression& condition) {
-    NameTable names;
-    for (const auto& token : condition.tokens) {
-        if (token.type == TokenType::TOKEN_NAME)
-            names.try_emplace(std::string(token.text), "1");
-    }
-    return canBeEvaluated(condition, names);
+    TokenList postfix;
+    return convertToPostfix(condition, postfix) == 0 && !postfix.empty();
 }
 
+// The tokenizer itself finds the end, skipping the comments between lines as its caller does.
 std::string textOf(const Expression& condition, const SourceText& source) {
     std::string text;
-    const auto& tokens = condition.tokens;
-    std::size_t end = 0; // of the token before, on its line
-    for (std::size_t i = 0; i < tokens.size(); ++i) {
-        const auto& token = tokens[i];
-        const auto line = source.line(token.line).value_or("");
-        const bool isNewLine = i == 0 || tokens[i - 1].line != token.line;
-        if (i > 0 && (isNewLine || token.column > end))
-            text += ' ';
-        const auto length = lengthOf(token, line.substr(token.column));
-        text += line.substr(token.column, length);
-        end = token.column + length;
+    if (condition.empty())
+        return text;
+    const auto& first = condition.tokens.front();
+    SourceText composed;
+    ExpressionTokenizer tokenizer;
+    Expression unused;
+    auto result = ParamDefResult::incomplete;
+    for (auto number = first.line; result == ParamDefResult::incomplete; ++number) {
+        const auto line = source.line(number);
+        if (!line)
+            break;
+        Cursor cursor({*line, number, &composed});
+        cursor.advance(number == first.line ? first.column : 0);
+        if (!cursor.skipSpace() || (number != first.line && cursor.sees('#')))
+            continue;
+        const auto begin = cursor.column();
+        result = tokenizer.parse(cursor, unused);
+        const auto end = result == ParamDefResult::ok ? cursor.tokenColumn() : cursor.column();
+        const auto part = trimSpace(line->substr(begin, end - begin));
+        text.append(text.empty() || part.empty() ? "" : " ").append(part);
     }
     return text;
 }

@@ -20,10 +20,10 @@ enum class Verdict {
 Verdict judge(const Expression& condition, const SystemParameterTable& parameters,
               const SystemArguments& arguments);
 
-/// Whether the condition could be evaluated if its names had values.
+/// Whether the operators of the condition have their operands.
 bool hasStructure(const Expression& condition);
 
-/// The condition as it was written in `source`, on one line.
+/// The condition as it was written in `source`, without its parentheses, on one line.
 std::string textOf(const Expression& condition, const SourceText& source);
 
 /// Each name in the condition with the value it has, such as "inputs is 4" or "model has no value".

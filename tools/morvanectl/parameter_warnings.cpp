@@ -67,7 +67,12 @@ private:
     }
 
     void checkCondition(const Expression& condition) {
-        if (judge(condition, parameters_, arguments_) != Verdict::unusable)
+        const auto verdict = judge(condition, parameters_, arguments_);
+        if (verdict == Verdict::assumedMet && !hasStructure(condition))
+            addAt(condition.tokens, "the condition (" + textOf(condition, parameters_.text()) +
+                                        ") has a bad structure, but counts as met because it names "
+                                        "a parameter");
+        if (verdict != Verdict::unusable)
             return;
         if (hasStructure(condition))
             addAt(condition.tokens, "the condition (" + textOf(condition, parameters_.text()) +
