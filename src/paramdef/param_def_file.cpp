@@ -10,14 +10,29 @@ namespace morvane {
 
 namespace {
 
-void printError(ParamDefResult result, std::string_view line, std::uint32_t lineNumber,
-                std::uint32_t column) {
-    std::string heading = "Error on line " + std::to_string(lineNumber) + "\n";
-    heading += message(result);
-    printWithCaret(heading, line, column);
+void printError(const ParamDefError& error, const SourceText& text) {
+    const auto& [line, column] = error.place;
+    std::string heading = "Error on line " + std::to_string(line) + "\n";
+    heading += message(error.result);
+    printWithCaret(heading, *text.line(line), column);
 }
 
 } // namespace
+
+std::optional<ParamDefError> readParamDefinitions(std::FILE* stream, SystemParameterTable& table,
+                                                  KeptAttributes kept) {
+    ParamDefParser parser(kept);
+    SourceText::Place place{1, 0};
+    for (; const auto line = table.text().readLine(stream); ++place.line) {
+        const auto result = parser.parseParamDefLine(table, place.column, *line, place.line);
+        if (result != ParamDefResult::ok)
+            return ParamDefError{result, place, parser.state()};
+    }
+    if (parser.state() == ParamDefParseState::expectName)
+        return std::nullopt;
+    const auto block = table.text().placeOf(parser.blockName());
+    return ParamDefError{ParamDefResult::incomplete, block.value_or(place), parser.state()};
+}
 
 ParamDefResult readParamDefFile(const char* path, SystemParameterTable* table,
                                 KeptAttributes kept) {
@@ -28,19 +43,12 @@ ParamDefResult readParamDefFile(const char* path, SystemParameterTable* table,
         printAtOnce("Can't open file\n");
         return ParamDefResult::internalError;
     }
-    ParamDefParser parser(kept);
-    ParamDefResult result = ParamDefResult::internalError;
-    std::uint32_t lineNumber = 1;
-    std::uint32_t errorColumn = 0;
-    while (const auto line = table->text().readLine(stream.get())) {
-        result = parser.parseParamDefLine(*table, errorColumn, *line, lineNumber);
-        if (result != ParamDefResult::ok) {
-            printError(result, *line, lineNumber, errorColumn);
-            break;
-        }
-        ++lineNumber;
+    const auto error = readParamDefinitions(stream.get(), *table, kept);
+    if (error && error->result != ParamDefResult::incomplete) {
+        printError(*error, table->text());
+        return error->result;
     }
-    return result;
+    return table->text().lineCount() > 0 ? ParamDefResult::ok : ParamDefResult::internalError;
 }
 
 } // namespace morvane

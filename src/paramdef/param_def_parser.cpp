@@ -73,6 +73,7 @@ ParamDefResult ParamDefParser::readName(SystemParameterTable& table, Cursor& lin
     if (name.empty())
         return ParamDefResult::syntaxError;
     table.insert(name, line.line().number);
+    blockName_ = name;
     state_ = State::expectAccess;
     return ParamDefResult::incomplete;
 }

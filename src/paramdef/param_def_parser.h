@@ -56,6 +56,11 @@ public:
     ParamDefResult parseParamDefLine(SystemParameterTable& table, std::uint32_t& errorColumn,
                                      std::string_view line, std::uint32_t lineNumber);
 
+    ParamDefParseState state() const { return state_; }
+
+    /// The name with which the last block began, as it stands there.
+    std::string_view blockName() const { return blockName_; }
+
 private:
     ParamDefResult readToken(SystemParameterTable& table, Cursor& line);
     ParamDefResult readName(SystemParameterTable& table, Cursor& line);
@@ -69,6 +74,7 @@ private:
 
     KeptAttributes kept_;
     ParamDefParseState state_ = ParamDefParseState::expectName;
+    std::string_view blockName_;
     RangeParser range_;
     ExpressionTokenizer tokenizer_;
     Expression expression_; ///< of the open `ctrlRO` or `ctrlValid`

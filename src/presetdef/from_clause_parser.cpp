@@ -86,7 +86,8 @@ PresetParseResult FromClauseParser::parseValue(Cursor& line) {
     const auto value = quotedTextOrWord(line, "},");
     if (value.empty())
         return PARSE_PRESET_MISSING_IDENTIFIER;
-    from_.values.try_emplace(key_, value); // the first pair stays
+    if (!from_.values.try_emplace(key_, value).second) // the first pair stays
+        from_.repeatedValues.push_back(key_);
     expect_ = Expect::commaOrMapEnd;
     return PARSE_PRESET_CONTINUE;
 }

@@ -20,6 +20,7 @@ PresetParseResult IndexClauseParser::parse(Cursor& line) {
 PresetParseResult IndexClauseParser::parseToken(Cursor& line) {
     switch (expect_) {
     case Expect::openBrace:
+        clause_.place = line.rest().substr(0, 0);
         if (!line.accept('{'))
             return PARSE_PRESET_SYNTAX;
         clause_.line = line.line().number;
@@ -85,7 +86,9 @@ PresetParseResult IndexClauseParser::parseValues(Cursor& line) {
     const auto result = values_.parse(line);
     if (result != PARSE_PRESET_OK)
         return result;
-    selector_.values = values_.take(); // of two sets after one name, the second counts
+    // Of two sets after one name, the second counts.
+    selector_.hasSeveralSets = selector_.values.kind != IndexValueSet::Kind::none;
+    selector_.values = values_.take();
     expect_ = Expect::valuesCommaOrClose;
     return PARSE_PRESET_CONTINUE;
 }

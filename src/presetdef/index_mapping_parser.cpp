@@ -39,6 +39,7 @@ PresetParseResult IndexMappingParser::parseToken(Cursor& line) {
 PresetParseResult IndexMappingParser::parseCount(Cursor& line) {
     if (!line.seesDigit())
         return PARSE_PRESET_INVALID_INTEGER;
+    mapping_.place = line.rest().substr(0, 0);
     mapping_.count = readDigits(line);
     mapping_.line = line.line().number;
     expect_ = Expect::openBrace;

@@ -50,6 +50,7 @@ PresetParseResult ListParser::parseKind(Cursor& line) {
     else
         return PARSE_PRESET_SYNTAX;
     list_.line = line.line().number;
+    list_.place = word.substr(0, 0);
     expect_ = Expect::access;
     return PARSE_PRESET_CONTINUE;
 }

@@ -13,14 +13,27 @@ using enum PresetParseResult;
 
 namespace {
 
-void printError(PresetParseResult result, std::string_view line, std::uint32_t lineNumber,
-                std::uint32_t column) {
+void printError(PresetParseResult result, const SourceText& text, SourceText::Place place) {
     std::string heading(nameOf(result));
-    heading += " Error on line " + std::to_string(lineNumber) + "\n";
-    printWithCaret(heading, line, column);
+    heading += " Error on line " + std::to_string(place.line) + "\n";
+    printWithCaret(heading, *text.line(place.line), place.column);
 }
 
 } // namespace
+
+PresetParseResult readPresetDefinitions(std::FILE* stream, PresetDefinitions& definitions,
+                                        SourceText::Place& place) {
+    PresetDefParser parser;
+    auto result = PARSE_PRESET_IO_ERROR;
+    for (place = {1, 0}; const auto line = definitions.text->readLine(stream); ++place.line) {
+        result = parser.parsePresetDefLine(definitions, place.column, *line, place.line);
+        if (result != PARSE_PRESET_OK && result != PARSE_PRESET_CONTINUE)
+            return result;
+    }
+    if (result == PARSE_PRESET_CONTINUE)
+        place = definitions.text->placeOf(parser.blockBegin()).value_or(place);
+    return result;
+}
 
 PresetParseResult readPresetDefFile(const char* path, PresetDefinitions* definitions) {
     if (path == nullptr || definitions == nullptr)
@@ -28,18 +41,11 @@ PresetParseResult readPresetDefFile(const char* path, PresetDefinitions* definit
     const OwnedStream stream(std::fopen(path, "r"));
     if (!stream)
         return PARSE_PRESET_IO_ERROR;
-    PresetDefParser parser;
-    PresetParseResult result = PARSE_PRESET_IO_ERROR;
-    std::uint32_t lineNumber = 1;
-    std::uint32_t errorColumn = 0;
-    while (const auto line = definitions->text->readLine(stream.get())) {
-        result = parser.parsePresetDefLine(*definitions, errorColumn, *line, lineNumber);
-        if (result != PARSE_PRESET_OK && result != PARSE_PRESET_CONTINUE) {
-            printError(result, *line, lineNumber, errorColumn);
-            break;
-        }
-        ++lineNumber;
-    }
+    SourceText::Place place;
+    const auto result = readPresetDefinitions(stream.get(), *definitions, place);
+    if (result != PARSE_PRESET_OK && result != PARSE_PRESET_CONTINUE &&
+        result != PARSE_PRESET_IO_ERROR)
+        printError(result, *definitions->text, place);
     return result;
 }
 

@@ -4,7 +4,20 @@
 #include "presetdef/preset_definition.h"
 #include "presetdef/preset_parse_result.h"
 
+#include <cstdio>
+
 namespace morvane {
+
+/// Reads a stream to its end or to the first error. Blocks completed before the error stay in
+/// `definitions`.
+///
+/// @param stream open for reading; borrowed, stays open.
+/// @param place  receives where an error is: after a refused word, at a refused character, or where
+///               the block begins that is open at the end.
+/// @return PARSE_PRESET_OK or the first error; PARSE_PRESET_CONTINUE when the stream ends inside a
+///         block, PARSE_PRESET_IO_ERROR when it has no lines.
+PresetParseResult readPresetDefinitions(std::FILE* stream, PresetDefinitions& definitions,
+                                        SourceText::Place& place);
 
 /// Reads the whole file and stops at the first error, which it reports on standard output: the
 /// result's name, line number, the line and a caret. Blocks completed before the error stay in

@@ -28,7 +28,8 @@ PresetParseResult PresetDefParser::parseToken(PresetDefinitions& definitions, Cu
     switch (section_) {
     case Section::none: {
         constexpr std::string_view keyword = "translate";
-        const bool translates = line.peekWord("{") == keyword;
+        blockBegin_ = line.peekWord("{");
+        const bool translates = blockBegin_ == keyword;
         if (translates)
             line.advance(keyword.size());
         section_ = translates ? Section::translate : Section::preset;

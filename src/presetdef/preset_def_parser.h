@@ -30,6 +30,9 @@ public:
     PresetParseResult parsePresetDefLine(PresetDefinitions& definitions, std::uint32_t& errorColumn,
                                          std::string_view line, std::uint32_t lineNumber);
 
+    /// The first word of the last block, as it stands there.
+    std::string_view blockBegin() const { return blockBegin_; }
+
 private:
     enum class Section {
         none,
@@ -42,6 +45,7 @@ private:
     PresetParseResult parsePreset(PresetDefinitions& definitions, Cursor& line);
 
     Section section_ = Section::none;
+    std::string_view blockBegin_;
     TranslateParser translate_;
     PresetParser preset_;
 };

@@ -1,6 +1,6 @@
 // The records of the preset definition file. All lists keep file order and duplicates; names and
 // values stay as they were written, and are borrowed from the text of the file. A record's line is
-// where it began.
+// where it began; those without a name have an empty text there, which says where it stands.
 #pragma once
 
 #include "presetdef/translate_section.h"
@@ -44,15 +44,17 @@ struct IndexValueSet {
 struct IndexSelector {
     std::string_view indexName;
     bool isNot = false;
-    IndexValueSet values; ///< of kind none when no set was written
+    IndexValueSet values{};      ///< of kind none when no set was written
+    bool hasSeveralSets = false; ///< of which the last counts
 
     bool operator==(const IndexSelector&) const = default;
 };
 
 /// One index clause.
 struct IndexSpec {
-    std::uint32_t line = 0; ///< of the opening brace
-    bool none = false;      ///< then there are no selectors
+    std::uint32_t line = 0;   ///< of the opening brace
+    std::string_view place{}; ///< empty, at the opening brace
+    bool none = false;        ///< then there are no selectors
     std::vector<IndexSelector> selectors;
 
     bool operator==(const IndexSpec&) const = default;
@@ -80,6 +82,7 @@ struct PresetList {
     };
 
     std::uint32_t line = 0;
+    std::string_view place{}; ///< empty, at the keyword
     Kind kind = Kind::include;
     Access access = Access::ro;
     bool all = false;

@@ -24,6 +24,7 @@ struct FromMapping {
     std::uint32_t line = 0;
     std::string_view oldName;
     std::map<std::string_view, std::string_view> values; ///< old value text to new value text
+    std::vector<std::string_view> repeatedValues{}; ///< old ones that occur again, to no effect
 
     bool operator==(const FromMapping&) const = default;
 };
@@ -33,6 +34,7 @@ struct IndexMapping {
     std::uint32_t line = 0;
     std::uint32_t count = 0; ///< the number of indices of the old entries that this is for
     std::vector<std::pair<std::string_view, std::string_view>> pairs; ///< index name, template text
+    std::string_view place{};                                         ///< empty, at the count
 
     bool operator==(const IndexMapping&) const = default;
 };

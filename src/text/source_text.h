@@ -3,6 +3,7 @@
 
 #include "text/line_reader.h"
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -44,10 +45,33 @@ public:
     /// @return the line as it was read; nothing beyond the last one.
     std::optional<std::string_view> line(std::uint32_t number) const;
 
+    /// The number of a line as it was read, counted from 1, and a byte offset in it.
+    struct Place {
+        std::uint32_t line = 0;
+        std::uint32_t column = 0;
+
+        auto operator<=>(const Place&) const = default;
+    };
+
+    /// Where a text stands.
+    /// @param text what was handed out, or a part of it.
+    /// @return nothing if the text does not stand in the file in one piece.
+    std::optional<Place> placeOf(std::string_view text) const;
+
+    /// The number of lines read.
+    std::size_t lineCount() const {
+        return lineBegins_.size();
+    }
+
+    /// Whether the line was longer than `longestLine`, so that the next number is the rest of it.
+    bool isContinued(std::uint32_t number) const;
+
     /// Keeps a text that does not stand in the file in one piece.
     std::string_view keep(std::string text);
 
 private:
+    std::string_view fromLine(std::uint32_t number) const;
+
     std::size_t blockSize_;
     // Not vectors, which would write zeros to all of a block first.
     using Block = char[]; // NOLINT(modernize-avoid-c-arrays)

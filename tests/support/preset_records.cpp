@@ -38,16 +38,17 @@ IndexSelector negated(std::string_view indexName, IndexValueSet values) {
 }
 
 IndexSpec clause(std::uint32_t line, std::vector<IndexSelector> selectors) {
-    return {line, false, std::move(selectors)};
+    return {line, {}, false, std::move(selectors)};
 }
 
 IndexSpec noneClause(std::uint32_t line) {
-    return {line, true, {}};
+    return {line, {}, true, {}};
 }
 
 PresetList includeList(std::uint32_t line, std::vector<IndexSpec> clauses,
                        std::vector<PresetItem> items, Everything all) {
     return {line,
+            {},
             PresetList::Kind::include,
             PresetList::Access::ro,
             all == Everything::yes,
@@ -58,6 +59,7 @@ PresetList includeList(std::uint32_t line, std::vector<IndexSpec> clauses,
 PresetList excludeList(std::uint32_t line, std::vector<IndexSpec> clauses,
                        std::vector<PresetItem> items, Everything all) {
     return {line,
+            {},
             PresetList::Kind::exclude,
             PresetList::Access::rw,
             all == Everything::yes,
@@ -181,7 +183,7 @@ void PrintTo(const RemovedList& list, std::ostream* out) {
 
 void PrintTo(const FromMapping& from, std::ostream* out) {
     *out << from.line << ": from " << PrintToString(from.oldName) << " "
-         << PrintToString(from.values);
+         << PrintToString(from.values) << ", repeated " << PrintToString(from.repeatedValues);
 }
 
 void PrintTo(const IndexMapping& mapping, std::ostream* out) {

@@ -174,6 +174,31 @@ TEST(ParamDefFile, BreaksAWordAtTheEndOfAPiece) {
                                 "nam@1 0"}));
 }
 
+// Where a stream with this text cannot be read on, and what the parser then expects.
+ParamDefError errorIn(std::string_view content) {
+    const test::TempFolder folder;
+    const OwnedStream stream(std::fopen(folder.write("parameters", content).c_str(), "r"));
+    SystemParameterTable table;
+    const auto error = readParamDefinitions(stream.get(), table, KeptAttributes::all);
+    return error.value_or(ParamDefError{ParamDefResult::ok, {}, {}});
+}
+
+TEST(ParamDefFile, SaysWhereAnErrorIsAndWhatWasExpected) {
+    const auto error = errorIn("p rw { }\nq rw { default 3 }\n");
+    EXPECT_EQ(error.result, ParamDefResult::syntaxError);
+    EXPECT_EQ(error.place, (SourceText::Place{2, 15}));
+    EXPECT_EQ(error.state, ParamDefParseState::inDefault);
+    EXPECT_EQ(errorIn("p rw { }\n# \n").result, ParamDefResult::ok);
+    EXPECT_EQ(errorIn("").result, ParamDefResult::ok);
+}
+
+TEST(ParamDefFile, SaysWhichBlockIsOpenAtTheEnd) {
+    const auto error = errorIn("p rw { }\nq rw { }  p rw {\nindex { a }\n# }\n");
+    EXPECT_EQ(error.result, ParamDefResult::incomplete);
+    EXPECT_EQ(error.place, (SourceText::Place{2, 10}));
+    EXPECT_EQ(error.state, ParamDefParseState::expectAttribute);
+}
+
 TEST(ParamDefFile, TakesACommentOnlyToTheEndOfItsPiece) {
     const auto outcome = readContent("#" + blanks(510) + "p xx\n");
     EXPECT_EQ(outcome,

@@ -25,7 +25,7 @@ const FromRow fromRows[] = {
      {1, "gain", {{"a", "2"}, {"b", "1"}}}},
     {"of equal keys the first is kept",
      "{ gain { a = 1, b = 2, a = 3, \"a\" = 4 } }@",
-     {1, "gain", {{"a", "1"}, {"b", "2"}}}},
+     {1, "gain", {{"a", "1"}, {"b", "2"}}, {"a", "a"}}},
     {"a value with an equals sign", "{ gain { a = b=c } }@", {1, "gain", {{"a", "b=c"}}}},
     {"a value that is an equals sign", "{ gain { a == } }@", {1, "gain", {{"a", "="}}}},
     {"a key and a value with an opening brace",

@@ -35,7 +35,7 @@ const ClauseRow clauseRows[] = {
      clause(1, {plain("a", numberSet({1})), plain("b"), negated("c", nameSet({"x"}))})},
     {"\"not\" belongs to its own selector", "{ not a, b }@", clause(1, {negated("a"), plain("b")})},
     {"of two value sets the last counts", "{ a { 1, x } { 2..3 } }@",
-     clause(1, {plain("a", rangeSet({{2, 3}}))})},
+     clause(1, {{"a", false, rangeSet({{2, 3}}), true}})},
     {"\"none\" twice", "{ none, none }@", noneClause(1)},
     {"\"none\" with values", "{ none { 1 } }@", noneClause(1)},
     {"\"not none\"", "{ not none }@", noneClause(1)},
@@ -51,6 +51,14 @@ TEST(IndexClauseParser, ReadsSelectors) {
         SCOPED_TRACE(why);
         test::expectReads<IndexClauseParser>(text, expected);
     }
+}
+
+TEST(IndexClauseParser, KeepsThePlaceOfTheOpeningBrace) {
+    constexpr std::string_view text = "  { a }";
+    Cursor line({text, 1});
+    IndexClauseParser parser;
+    EXPECT_EQ(parser.parse(line), PARSE_PRESET_OK);
+    EXPECT_EQ(parser.take().place.data(), text.data() + 2);
 }
 
 // "none" leaves no selector, whose "not" could stay for the next clause.

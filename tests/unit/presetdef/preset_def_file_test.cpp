@@ -270,6 +270,34 @@ TEST(PresetDefFile, CutsAWordBetweenTwoPieces) {
     EXPECT_EQ(readContent(head + " gain }}\n"), cut);
 }
 
+/// Where reading ended.
+struct Stop {
+    PresetParseResult result = PARSE_PRESET_INTERNAL_ERR;
+    SourceText::Place place;
+
+    bool operator==(const Stop&) const = default;
+};
+
+Stop stopIn(std::string_view content) {
+    const test::TempFolder folder;
+    const OwnedStream stream(std::fopen(folder.write("presets", content).c_str(), "r"));
+    PresetDefinitions definitions;
+    Stop stop;
+    stop.result = readPresetDefinitions(stream.get(), definitions, stop.place);
+    return stop;
+}
+
+TEST(PresetDefFile, SaysWhereAnErrorIs) {
+    EXPECT_EQ(stopIn("a preset { }\nb preset { x }\n"), (Stop{PARSE_PRESET_SYNTAX, {2, 11}}));
+    EXPECT_EQ(stopIn("").result, PARSE_PRESET_IO_ERROR);
+}
+
+TEST(PresetDefFile, SaysWhichBlockIsOpenAtTheEnd) {
+    EXPECT_EQ(stopIn("a preset { }\n b preset {\ninclude ro {\n"),
+              (Stop{PARSE_PRESET_CONTINUE, {2, 1}}));
+    EXPECT_EQ(stopIn("a preset { } translate { removed {"), (Stop{PARSE_PRESET_CONTINUE, {1, 13}}));
+}
+
 TEST(PresetDefFile, TakesASecondPieceForACommentToo) {
     const auto head = "a preset {" + std::string(501, ' ');
     EXPECT_EQ(readContent(head + "# foo\n}\n"),

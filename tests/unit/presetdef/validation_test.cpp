@@ -188,6 +188,15 @@ TEST(PresetValidation, ReportsTheFirstFailureOfTheSectionsAndThenOfThePresets) {
     }
 }
 
+TEST(PresetValidation, HandsOutTheNameThatIsAtFault) {
+    const auto definitions = test::presetDefinitionsOf("a preset {\ninclude ro { x } }");
+    InvalidRecord invalid;
+    EXPECT_EQ(validatePresetDefinitions(definitions, {}, invalid), PARSE_PRESET_ACCESS_ERR);
+    EXPECT_EQ(invalid.line, 2U);
+    EXPECT_EQ(invalid.name, "x");
+    EXPECT_EQ(invalid.name.data(), definitions.presets[0].includeLists[0].items[0].name.data());
+}
+
 TEST(PresetValidation, WritesTheLineAndTheTextAndHandsTheResultBack) {
     const auto definitions =
         test::presetDefinitionsOf(std::string(4710, '\n') + "a preset { include ro { x } }");

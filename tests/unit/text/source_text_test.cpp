@@ -39,8 +39,14 @@ std::vector<std::string> linesOf(std::string_view content, std::size_t blockSize
     EXPECT_EQ(source.readLine(stream.get()), std::nullopt) << "the end stays the end";
     for (std::size_t i = 0; i < lines.size(); ++i) {
         EXPECT_EQ(views[i], lines[i]);
-        EXPECT_EQ(source.line(static_cast<std::uint32_t>(i + 1)), views[i]);
+        const auto number = static_cast<std::uint32_t>(i + 1);
+        EXPECT_EQ(source.line(number), views[i]);
+        EXPECT_EQ(source.placeOf(views[i]), (SourceText::Place{number, 0}));
+        const auto column = views[i].size() / 2;
+        EXPECT_EQ(source.placeOf(views[i].substr(column)),
+                  (SourceText::Place{number, static_cast<std::uint32_t>(column)}));
     }
+    EXPECT_EQ(source.lineCount(), lines.size());
     EXPECT_EQ(source.line(0), std::nullopt);
     EXPECT_EQ(source.line(static_cast<std::uint32_t>(lines.size() + 1)), std::nullopt);
     return lines;
@@ -94,6 +100,39 @@ TEST(SourceText, HandsOutTheLinesOfAnySizeOfBlock) {
     }
     for (auto blockSize = smallestBlock; blockSize < 3 * smallestBlock; blockSize += 11)
         EXPECT_EQ(linesOf(content, blockSize), lines) << blockSize;
+}
+
+// The numbers of the lines whose rest has the next number.
+std::vector<std::uint32_t> continuedLines(std::string_view content, std::size_t blockSize) {
+    SourceText source(blockSize);
+    const auto stream = streamOf(content);
+    std::uint32_t count = 0;
+    while (source.readLine(stream.get()))
+        ++count;
+    std::vector<std::uint32_t> continued;
+    for (std::uint32_t number = 1; number <= count; ++number) {
+        if (source.isContinued(number))
+            continued.push_back(number);
+    }
+    return continued;
+}
+
+TEST(SourceText, KnowsWhichLinesAreContinued) {
+    using Numbers = std::vector<std::uint32_t>;
+    const auto content = "a\n" + filled(1100) + "\nb" + std::string("\0c\n", 3) + filled(510) +
+                         "\n" + filled(511) + "\n" + filled(511);
+    for (const auto blockSize : {smallestBlock, smallestBlock + 1, SourceText::usualBlockSize})
+        EXPECT_EQ(continuedLines(content, blockSize), (Numbers{2, 3, 7})) << blockSize;
+    const auto nulls = std::string(600, '\0') + "\n";
+    EXPECT_EQ(continuedLines(nulls, smallestBlock), Numbers{1}) << "null bytes end no line";
+}
+
+TEST(SourceText, KnowsNoPlaceOfOtherTexts) {
+    SourceText source;
+    const auto stream = streamOf("first\n");
+    source.readLine(stream.get());
+    EXPECT_EQ(source.placeOf("first"), std::nullopt);
+    EXPECT_EQ(source.placeOf(source.keep("first")), std::nullopt);
 }
 
 /// A stream that gives a text and then a read error.
