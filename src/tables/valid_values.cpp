@@ -5,6 +5,7 @@
 #include "tables/condition.h"
 #include "text/number.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -17,6 +18,8 @@ ExprValue valueOf(const TokenList& tokens, const SystemArguments& arguments) {
     evaluate(Expression{tokens}, arguments, &value);
     return value;
 }
+
+} // namespace
 
 std::optional<ValidValue> itemValue(const RangeItem& item, const SystemArguments& arguments) {
     auto low = valueOf(item.low, arguments);
@@ -31,8 +34,6 @@ std::optional<ValidValue> itemValue(const RangeItem& item, const SystemArguments
         return std::nullopt;
     return NumberSpan{low.number, high.number};
 }
-
-} // namespace
 
 bool standsFor(const ValidValue& item, std::string_view value) {
     if (const auto* const text = std::get_if<std::string>(&item))
@@ -55,6 +56,18 @@ std::vector<ValidValue> validValues(const SystemParameter& parameter,
         }
     }
     return values;
+}
+
+bool AcceptedValues::accepts(std::string_view value) const {
+    return !isRanged || std::any_of(values.begin(), values.end(), [value](const ValidValue& item) {
+        return standsFor(item, value);
+    });
+}
+
+AcceptedValues acceptedValues(const SystemParameter& parameter,
+                              const SystemParameterTable& parameters,
+                              const SystemArguments& arguments) {
+    return {!parameter.rangeValid.empty(), validValues(parameter, parameters, arguments)};
 }
 
 } // namespace morvane

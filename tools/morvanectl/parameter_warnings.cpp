@@ -131,11 +131,8 @@ private:
                   "the default of " + name_ + " cannot be computed" + seen(chosen.value));
             return;
         }
-        const auto valid = validValues(parameter_, parameters_, arguments_);
-        const bool fits = std::any_of(
-            valid.begin(), valid.end(),
-            [text = valueText(value)](const ValidValue& item) { return standsFor(item, text); });
-        if (!valid.empty() && !fits)
+        const auto accepted = acceptedValues(parameter_, parameters_, arguments_);
+        if (!accepted.values.empty() && !accepted.accepts(valueText(value)))
             addAt(chosen.value.tokens,
                   "the default " + valueText(value) + " of " + name_ + " is none of its values");
     }

@@ -5,9 +5,9 @@
 #include "tables/preset_keys.h"
 #include "text/number.h"
 
-#include <algorithm>
 #include <array>
 #include <utility>
+#include <vector>
 
 namespace morvane::sim {
 
@@ -42,11 +42,6 @@ std::string defaultValue(const SystemParameter& parameter, const std::vector<Val
 
 } // namespace
 
-bool DeviceParameter::accepts(const std::string& value) const {
-    return !isRanged || std::any_of(valid.begin(), valid.end(),
-                                    [&](const ValidValue& item) { return standsFor(item, value); });
-}
-
 Device::Device(const SystemParameterTable& parameters, const SystemArguments& arguments) {
     constexpr std::array selectors{AccessSelector::readOnly, AccessSelector::writeOnly,
                                    AccessSelector::readWrite};
@@ -56,10 +51,9 @@ Device::Device(const SystemParameterTable& parameters, const SystemArguments& ar
         for (std::size_t place = 0; place < map.size(); ++place) {
             const auto name = map.name(place);
             const auto& definition = *parameters.find(name);
-            auto valid = validValues(definition, parameters, arguments);
-            auto start = defaultValue(definition, valid, parameters, arguments);
-            parameters_.push_back({definition.access, !definition.rangeValid.empty(),
-                                   std::move(valid), std::move(start)});
+            auto accepted = acceptedValues(definition, parameters, arguments);
+            auto start = defaultValue(definition, accepted.values, parameters, arguments);
+            parameters_.push_back({definition.access, std::move(accepted), std::move(start)});
             for (const auto key :
                  PresetGenerate::parameterKeys(indices, name, map.indexNames(place)))
                 keys_.emplace(key.view(), &parameters_.back());

@@ -9,23 +9,18 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <vector>
 
 namespace morvane::sim {
 
 /// What all instances of one parameter have in common.
 struct DeviceParameter {
     AccessType access = AccessType::ACCESS_RW;
-    bool isRanged = false; ///< without ranges every value is valid
-    std::vector<ValidValue> valid;
+    AcceptedValues accepted;
     std::string defaultValue;
 
     bool isReadOnly() const {
         return access == AccessType::ACCESS_RO || access == AccessType::ACCESS_ROSTRICT;
     }
-
-    /// Says whether `value` is one of the valid values. A number may be written in any base.
-    bool accepts(const std::string& value) const;
 };
 
 /// By key, such as "gain[1][2]".

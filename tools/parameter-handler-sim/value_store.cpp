@@ -107,7 +107,7 @@ Refusal ValueStore::checkTarget(Target target, const std::string& key) const {
 Refusal ValueStore::checkAssignment(Target target, const Assignment& assignment) const {
     if (auto refusal = checkTarget(target, assignment.key))
         return refusal;
-    if (!device_.find(assignment.key)->accepts(assignment.value))
+    if (!device_.find(assignment.key)->accepted.accepts(assignment.value))
         return assignment.key + " cannot be set to \"" + assignment.value + "\"";
     return {};
 }

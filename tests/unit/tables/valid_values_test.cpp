@@ -157,5 +157,23 @@ TEST(ValidValues, StandForTheValuesOfPresetDataFiles) {
     }
 }
 
+AcceptedValues acceptedOf(const std::string& attributes) {
+    const auto parameters = test::parametersOf("self rw { " + attributes + " }\n");
+    return acceptedValues(*parameters.find("self"), parameters, {});
+}
+
+TEST(AcceptedValues, AreThoseOfAnyItem) {
+    const auto accepted = acceptedOf("rangeValid { 1..3, \"auto\" } rangeValid (0) { 9 }");
+    EXPECT_TRUE(accepted.accepts("0x2"));
+    EXPECT_TRUE(accepted.accepts("auto"));
+    EXPECT_FALSE(accepted.accepts("4"));
+    EXPECT_FALSE(accepted.accepts("9"));
+}
+
+TEST(AcceptedValues, AreAllWithoutRanges) {
+    EXPECT_TRUE(acceptedOf("").accepts("anything"));
+    EXPECT_FALSE(acceptedOf("rangeValid (0) { 1 }").accepts("1")) << "a range that does not hold";
+}
+
 } // namespace
 } // namespace morvane
