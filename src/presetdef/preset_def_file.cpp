@@ -22,16 +22,19 @@ void printError(PresetParseResult result, const SourceText& text, SourceText::Pl
 } // namespace
 
 PresetParseResult readPresetDefinitions(std::FILE* stream, PresetDefinitions& definitions,
-                                        SourceText::Place& place) {
+                                        PresetDefStop& stop) {
     PresetDefParser parser;
     auto result = PARSE_PRESET_IO_ERROR;
-    for (place = {1, 0}; const auto line = definitions.text->readLine(stream); ++place.line) {
+    SourceText::Place place{1, 0};
+    for (; const auto line = definitions.text->readLine(stream); ++place.line) {
         result = parser.parsePresetDefLine(definitions, place.column, *line, place.line);
-        if (result != PARSE_PRESET_OK && result != PARSE_PRESET_CONTINUE)
+        if (result != PARSE_PRESET_OK && result != PARSE_PRESET_CONTINUE) {
+            stop = {place, {place.line, parser.errorBegin()}};
             return result;
+        }
     }
     if (result == PARSE_PRESET_CONTINUE)
-        place = definitions.text->placeOf(parser.blockBegin()).value_or(place);
+        stop.begin = definitions.text->placeOf(parser.blockBegin()).value_or(place);
     return result;
 }
 
@@ -41,11 +44,11 @@ PresetParseResult readPresetDefFile(const char* path, PresetDefinitions* definit
     const OwnedStream stream(std::fopen(path, "r"));
     if (!stream)
         return PARSE_PRESET_IO_ERROR;
-    SourceText::Place place;
-    const auto result = readPresetDefinitions(stream.get(), *definitions, place);
+    PresetDefStop stop;
+    const auto result = readPresetDefinitions(stream.get(), *definitions, stop);
     if (result != PARSE_PRESET_OK && result != PARSE_PRESET_CONTINUE &&
         result != PARSE_PRESET_IO_ERROR)
-        printError(result, *definitions->text, place);
+        printError(result, *definitions->text, stop.place);
     return result;
 }
 

@@ -8,16 +8,21 @@
 
 namespace morvane {
 
+/// Where the reading of a preset definition file ended early.
+struct PresetDefStop {
+    SourceText::Place place; ///< after a refused word, at a refused character
+    SourceText::Place begin; ///< of the refused word, or of the block that is open at the end
+};
+
 /// Reads a stream to its end or to the first error. Blocks completed before the error stay in
 /// `definitions`.
 ///
 /// @param stream open for reading; borrowed, stays open.
-/// @param place  receives where an error is: after a refused word, at a refused character, or where
-///               the block begins that is open at the end.
+/// @param stop   receives where an error is.
 /// @return PARSE_PRESET_OK or the first error; PARSE_PRESET_CONTINUE when the stream ends inside a
 ///         block, PARSE_PRESET_IO_ERROR when it has no lines.
 PresetParseResult readPresetDefinitions(std::FILE* stream, PresetDefinitions& definitions,
-                                        SourceText::Place& place);
+                                        PresetDefStop& stop);
 
 /// Reads the whole file and stops at the first error, which it reports on standard output: the
 /// result's name, line number, the line and a caret. Blocks completed before the error stay in

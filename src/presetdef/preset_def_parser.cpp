@@ -18,6 +18,7 @@ PresetParseResult PresetDefParser::parsePresetDefLine(PresetDefinitions& definit
             cursor, [&] { return parseToken(definitions, cursor); });
         if (result != PARSE_PRESET_CONTINUE) {
             errorColumn = cursor.column();
+            errorBegin_ = cursor.tokenColumn();
             return result;
         }
     }

@@ -33,6 +33,9 @@ public:
     /// The first word of the last block, as it stands there.
     std::string_view blockBegin() const { return blockBegin_; }
 
+    /// After an error, the column of the word or character that was refused.
+    std::uint32_t errorBegin() const { return errorBegin_; }
+
 private:
     enum class Section {
         none,
@@ -46,6 +49,7 @@ private:
 
     Section section_ = Section::none;
     std::string_view blockBegin_;
+    std::uint32_t errorBegin_ = 0;
     TranslateParser translate_;
     PresetParser preset_;
 };

@@ -188,8 +188,8 @@ def test_lists_presets_and_keys(ctl):
 
 def test_names_the_options_when_definitions_cannot_be_read(ctl):
     assert ctl("keys", "scene", definitions=("-p", "nowhere", "-d", "presets.def")) == (
-        ERROR, "", "morvanectl: cannot read nowhere; name the definition files with --parameters "
-        "and --presets\n")
+        ERROR, "", "morvanectl: cannot read nowhere: No such file or directory; name the "
+        "definition files with --parameters and --presets\n")
 
 
 def test_shows_what_a_load_makes_of_each_line(world, ctl):

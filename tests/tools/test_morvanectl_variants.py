@@ -3,6 +3,7 @@
 import json
 
 import pytest
+from harness import SOURCE
 from test_morvanectl import ERROR, NO, YES, ctl  # noqa: F401 - a fixture
 
 PARAMETERS = """\
@@ -104,12 +105,32 @@ def test_checks_all_named_variants(of_variant):
     status, output, problem = of_variant("check", "--all-variants", "--json")
     assert (status, output, problem) == (YES, "[]\n", "")
     status, output, _ = of_variant("check", "--all-variants", "-s", "start=x", "-s", "inputs=0",
-                                   "--json")
-    assert status == NO
-    assert [(finding["text"].partition(",")[0], finding["variants"])
+                                   "--json", "--verbose")
+    assert status == YES
+    assert [(finding["severity"], finding["text"].partition(",")[0], finding["variants"])
             for finding in json.loads(output)] == [
-        ("index input has no value", ["field", "studio"]),
-        ("preset all covers no key", ["field"])]
+        ("warning", "index input has no value", ["field", "studio"]),
+        ("note", "preset all covers no key", ["field"])]
+
+
+def test_a_name_that_a_variant_gives_is_not_missing_on_the_others(of_variant, world):
+    world.write("variants", "field: inputs=1 start=0\nstudio: inputs=2 start=0 model=studio\n")
+    assert of_variant("check", "--all-variants", "--strict") == (YES, "", "")
+    assert of_variant("check", "--variant", "field", "--strict") == (YES, "", "")
+    status, output, problem = of_variant("check", "--all-variants", "inputs=1", "start=1",
+                                         "--strict", "--variants", "/dev/null")
+    assert (status, output, problem) == (NO, """\
+p:3:21: warning: nothing gives a value to model, so what uses it cannot be computed
+aux rw { ctrlValid (model == "studio") ctrlRO (gain == 1) }
+                    ^
+""", "")
+
+
+def test_finds_nothing_in_the_examples(world, ctl):  # noqa: F811
+    examples = SOURCE / "examples"
+    assert ctl("check", "--all-variants", "--strict", bus=False, definitions=(
+        "-p", str(examples / "parameters.def"), "-d", str(examples / "presets.def"))) == (
+        YES, "", "")
 
 
 def test_a_comma_behind_a_backslash_belongs_to_a_value(of_variant):

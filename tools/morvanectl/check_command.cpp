@@ -1,80 +1,23 @@
-// morvanectl check: the errors that the daemon reports, and what else may be a mistake, on one
-// variant of the device or on many.
+// morvanectl check: the errors for which the daemon refuses the definition files, and what else may
+// be a mistake, on one variant of the device or on many.
 
 #include "commands.h"
+#include "definition_errors.h"
 #include "output.h"
-#include "text/diagnostic.h"
-#include "variant.h"
 #include "variant_choice.h"
 #include "warnings.h"
 
 #include <algorithm>
-#include <cctype>
+#include <iostream>
 #include <map>
-#include <tuple>
+#include <numeric>
 
 namespace morvane::ctl {
 
 namespace {
 
-/// Warnings with the variants on which they occur.
-using Findings = std::map<Warning, std::vector<std::string>>;
-
-/// A definition file, where warnings point.
-class SourceFile {
-public:
-    SourceFile(std::string path, const SourceText& source)
-        : path_(std::move(path)),
-          source_(source) {}
-
-    struct Place {
-        std::uint32_t line;
-        std::uint32_t column;
-        std::string text; ///< of the line
-    };
-
-    const std::string& path() const { return path_; }
-
-    /// Where the caret of a warning goes: its column, or its word, which is on its line or a later
-    /// one; else the beginning of its line.
-    Place find(const Warning& warning) const {
-        const auto& [file, line, word, text, column] = warning;
-        return column ? Place{line, *column, textOf(line)} : findWord(line, word);
-    }
-
-private:
-    std::string textOf(std::uint32_t line) const {
-        return std::string(source_.line(line).value_or(""));
-    }
-
-    Place findWord(std::uint32_t line, const std::string& word) const {
-        for (auto number = line; const auto text = source_.line(number); ++number) {
-            const auto column = columnOf(*text, word);
-            if (column != std::string_view::npos)
-                return {number, static_cast<std::uint32_t>(column), std::string(*text)};
-        }
-        return {line, 0, textOf(line)};
-    }
-
-    static bool isWordCharacter(char c) {
-        return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
-    }
-
-    // The column at which the text is a whole word.
-    static std::size_t columnOf(std::string_view line, const std::string& word) {
-        for (auto at = line.find(word); at != std::string_view::npos;
-             at = line.find(word, at + 1)) {
-            const auto end = at + word.size();
-            if ((at == 0 || !isWordCharacter(line[at - 1])) &&
-                (end == line.size() || !isWordCharacter(line[end])))
-                return at;
-        }
-        return std::string_view::npos;
-    }
-
-    std::string path_;
-    const SourceText& source_;
-};
+/// Warnings with the numbers of the variants on which they occur.
+using Occurrences = std::map<Warning, std::vector<std::size_t>>;
 
 /// Every combination of the values of the axes, as system arguments, first name first.
 std::vector<std::vector<std::string>> combinations(const std::vector<VariantAxis>& axes) {
@@ -132,102 +75,149 @@ checkedVariants(const Settings& settings, const std::vector<NamedVariant>& named
     return variants;
 }
 
-void addFindings(const Definitions& definitions, const CheckedVariant& variant,
-                 Findings& findings) {
+std::vector<Warning> warningsOn(const CheckedVariant& variant, const Definitions& definitions,
+                                const std::vector<NamedVariant>& namedVariants) {
     const auto& [parameters, presets] = definitions;
     const PresetManager manager(definitions, variant.arguments);
+    WarningList undescribed(Warning::File::parameters, parameters.text());
+    for (const auto& [name, place] : undescribedNames(parameters, variant.arguments, namedVariants))
+        undescribed.addAbsence(place, "no-value",
+                               "nothing gives a value to " + name +
+                                   ", so what uses it cannot be computed");
+    std::vector<Warning> all;
     for (const auto& warnings :
-         {parameterWarnings(parameters, variant.arguments), presetWarnings(presets, manager),
-          translateWarnings(presets, manager)}) {
-        for (const auto& warning : warnings) {
-            auto& names = findings[warning];
-            if (names.empty() || names.back() != variant.name)
-                names.push_back(variant.name);
-        }
-    }
+         {undescribed.take(), parameterWarnings(parameters, variant.arguments),
+          presetWarnings(presets, manager), translateWarnings(presets, manager)})
+        all.insert(all.end(), warnings.begin(), warnings.end());
+    return all;
 }
 
-/// A warning, with its place in the file.
-struct Finding {
-    Warning::File file;
-    SourceFile::Place place;
-    std::string text;
-    std::vector<std::string> variants;
-};
-
-/// Writes what was found, in the order of the places.
-class FindingsWriter {
+/// What a check has found, ready to be written.
+class Report {
 public:
-    /// @param definitions borrowed for the writer's life.
-    FindingsWriter(const Settings& settings, const Definitions& definitions,
-                   const Findings& findings, std::size_t variantCount)
-        : parameters_(settings.paramDefFile, definitions.parameters.text()),
+    /// All are borrowed for the object's life.
+    Report(const Settings& settings, const Definitions& definitions,
+           const std::vector<CheckedVariant>& variants)
+        : settings_(settings),
+          parameters_(settings.paramDefFile, definitions.parameters.text()),
           presets_(settings.presetDefFile, *definitions.presets.text),
-          variantCount_(variantCount) {
-        for (const auto& [warning, variants] : findings)
-            findings_.push_back(
-                {warning.file, fileOf(warning.file).find(warning), warning.text, variants});
-        std::stable_sort(findings_.begin(), findings_.end(), [](const auto& a, const auto& b) {
-            return std::tie(a.file, a.place.line, a.place.column) <
-                   std::tie(b.file, b.place.line, b.place.column);
-        });
-    }
+          variants_(variants) {}
 
-    void write() const {
-        for (const auto& [file, place, text, variants] : findings_)
-            printWithCaret(fileOf(file).path() + ":" + std::to_string(place.line) +
-                               ": warning: " + text + whereText(variants) + "\n",
-                           place.text, place.column);
-    }
-
-    void writeAsJson() const {
-        auto list = Json::array();
-        for (const auto& [file, place, text, variants] : findings_) {
-            Json entry{{"file", fileOf(file).path()},
-                       {"line", place.line},
-                       {"column", place.column + 1},
-                       {"text", text}};
-            if (variantCount_ > 1)
-                entry["variants"] = variants;
-            list.push_back(std::move(entry));
+    void add(const Warning& warning, const std::vector<std::size_t>& numbers) {
+        const bool everywhere = numbers.size() == variants_.size();
+        const bool counts = everywhere || !warning.isAbsence;
+        if (!counts && !settings_.verbose)
+            return;
+        const auto& file = warning.file == Warning::File::parameters ? parameters_ : presets_;
+        auto finding = file.at(warning.place, counts ? Severity::warning : Severity::note,
+                               warning.code, warning.text);
+        for (const auto number : numbers) {
+            if (variants_.size() > 1)
+                finding.variants.push_back(variants_[number].name);
         }
-        writeJson(list);
+        isWarned_ = isWarned_ || counts;
+        show(finding, everywhere ? "" : " [" + whereText(numbers) + "]");
     }
+
+    bool isWarned() const { return isWarned_; }
+    const Json& list() const { return list_; }
 
 private:
-    const SourceFile& fileOf(Warning::File file) const {
-        return file == Warning::File::parameters ? parameters_ : presets_;
+    void show(const Finding& finding, const std::string& where) {
+        if (settings_.json)
+            appendJson(list_, finding);
+        else if (finding.severity == Severity::note)
+            writeHead(std::cout, finding, where);
+        else
+            write(std::cout, finding, where);
     }
 
-    std::string whereText(const std::vector<std::string>& variants) const {
-        if (variantCount_ == 1)
-            return {};
-        return variants.size() == variantCount_ ? " [every variant]"
-                                                : " [" + joined(variants, "; ") + "]";
+    // Such as "on 2 of 3: field-*".
+    std::string whereText(const std::vector<std::size_t>& numbers) const {
+        std::vector<std::string> names;
+        for (const auto number : numbers)
+            names.push_back(variants_[number].name);
+        const auto pattern = patternFor(names);
+        return "on " + std::to_string(numbers.size()) + " of " + std::to_string(variants_.size()) +
+               ": " + (pattern.empty() ? joined(names, ", ") : pattern);
     }
 
+    // What several names begin with, and no name of another variant, with a "*"; else nothing.
+    std::string patternFor(const std::vector<std::string>& names) const {
+        const auto& [first, last] = std::minmax_element(names.begin(), names.end());
+        const auto differing =
+            std::mismatch(first->begin(), first->end(), last->begin(), last->end());
+        const std::string prefix(first->begin(), differing.first);
+        const auto count =
+            std::count_if(variants_.begin(), variants_.end(), [&](const CheckedVariant& variant) {
+                return variant.name.starts_with(prefix);
+            });
+        const bool isTheirs = static_cast<std::size_t>(count) == names.size();
+        return names.size() > 1 && isTheirs ? prefix + "*" : "";
+    }
+
+    const Settings& settings_;
     SourceFile parameters_;
     SourceFile presets_;
-    std::size_t variantCount_;
-    std::vector<Finding> findings_;
+    const std::vector<CheckedVariant>& variants_;
+    Json list_ = Json::array();
+    bool isWarned_ = false;
 };
+
+Occurrences occurrencesOf(const Definitions& definitions,
+                          const std::vector<CheckedVariant>& variants,
+                          const std::vector<NamedVariant>& namedVariants) {
+    Occurrences occurrences;
+    for (std::size_t number = 0; number < variants.size(); ++number) {
+        for (const auto& warning : warningsOn(variants[number], definitions, namedVariants)) {
+            auto& numbers = occurrences[warning];
+            if (numbers.empty() || numbers.back() != number)
+                numbers.push_back(number);
+        }
+    }
+    std::vector<std::size_t> all(variants.size());
+    std::iota(all.begin(), all.end(), std::size_t{0});
+    for (const auto& warning : spellingWarnings(definitions.parameters, definitions.presets))
+        occurrences[warning] = all;
+    return occurrences;
+}
+
+ExitStatus checkAsDaemon(const Settings& settings) {
+    return readDefinitions(settings.paramDefFile, settings.presetDefFile) ? ExitStatus::yes
+                                                                          : ExitStatus::error;
+}
+
+ExitStatus showErrors(const Settings& settings, const std::vector<Finding>& errors) {
+    auto list = Json::array();
+    for (const auto& error : errors) {
+        if (settings.json)
+            appendJson(list, error);
+        else
+            write(std::cout, error);
+    }
+    if (settings.json && !errors.empty())
+        writeJson(list);
+    return ExitStatus::error;
+}
 
 } // namespace
 
 ExitStatus checkDefinitions(const Settings& settings) {
-    const auto definitions = readBothFiles(settings);
-    if (!definitions)
-        return ExitStatus::error;
+    if (settings.asDaemon)
+        return checkAsDaemon(settings);
+    const auto [definitions, errors] = readDefinitionFiles(settings);
+    if (!definitions || !errors.empty())
+        return showErrors(settings, errors);
     const auto namedVariants = readNamedVariants(settings);
     const auto variants = namedVariants ? checkedVariants(settings, *namedVariants) : std::nullopt;
     if (!variants)
         return ExitStatus::error;
-    Findings findings;
-    for (const auto& variant : *variants)
-        addFindings(*definitions, variant, findings);
-    const FindingsWriter writer(settings, *definitions, findings, variants->size());
-    settings.json ? writer.writeAsJson() : writer.write();
-    return findings.empty() ? ExitStatus::yes : ExitStatus::no;
+    Report report(settings, *definitions, *variants);
+    for (const auto& [warning, numbers] : occurrencesOf(*definitions, *variants, *namedVariants))
+        report.add(warning, numbers);
+    if (settings.json)
+        writeJson(report.list());
+    return settings.strict && report.isWarned() ? ExitStatus::no : ExitStatus::yes;
 }
 
 } // namespace morvane::ctl

@@ -168,6 +168,11 @@ private:
                            ->type_name("NAME=VALUE,VALUE...")
                            ->expected(0, CLI::detail::expected_max_vector_size)
                            ->check(checkSystemArgument);
+        check->add_flag("--strict", settings_.strict, "Exit with 1 if there is a warning");
+        check->add_flag("--verbose", settings_.verbose,
+                        "Show what is missing on some of the variants only, too");
+        check->add_flag("--as-daemon", settings_.asDaemon,
+                        "Print what the daemon prints about the files, and nothing else");
         add("presets", "List the presets", [this] { return listPresets(settings_); });
         takePreset(
             add("keys", "List the keys of a preset", [this] { return listKeys(settings_); }));

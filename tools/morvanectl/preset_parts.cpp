@@ -1,6 +1,9 @@
 #include "preset_parts.h"
 
 #include "tables/preset_keys.h"
+#include "tables/selections.h"
+
+#include <set>
 
 namespace morvane::ctl {
 
@@ -21,12 +24,12 @@ public:
         if (list_.all) {
             auto everything = emptyList();
             everything.all = true;
-            add({list_.line, "all", "all", nullptr, {}}, std::move(everything));
+            add({list_.line, "all", list_.place, nullptr, {}}, std::move(everything));
         }
         for (const auto& clause : list_.indexSpecs) {
             auto alone = emptyList();
             alone.indexSpecs = {clause};
-            add({clause.line, "index clause", "index", &clause, {}}, std::move(alone));
+            add({clause.line, "index clause", clause.place, &clause, {}}, std::move(alone));
         }
         for (const auto& item : list_.items)
             addItem(item);
@@ -36,7 +39,7 @@ private:
     struct Description {
         std::uint32_t line;
         std::string text;
-        std::string word;
+        std::string_view place;
         const IndexSpec* clause;
         std::string item;
     };
@@ -54,14 +57,14 @@ private:
         if (item.indexSpecs.empty()) {
             auto alone = emptyList();
             alone.items = {item};
-            add({item.line, "item " + name, name, nullptr, name}, std::move(alone));
+            add({item.line, "item " + name, item.name, nullptr, name}, std::move(alone));
         }
         for (const auto& clause : item.indexSpecs) {
             auto alone = emptyList();
             alone.items = {{item.line, item.name, {clause}}};
             add({clause.line,
-                 "item " + name + ", index clause on line " + std::to_string(clause.line), "index",
-                 &clause, name},
+                 "item " + name + ", index clause on line " + std::to_string(clause.line),
+                 clause.place, &clause, name},
                 std::move(alone));
         }
     }
@@ -70,8 +73,8 @@ private:
         PresetDefinition alone{preset_.line, preset_.name, {}, {}};
         (list_.kind == Kind::include ? alone.includeLists : alone.excludeLists)
             .push_back(std::move(list));
-        const auto& [line, text, word, clause, item] = description;
-        parts_.push_back({list_.kind, line, text, word, std::move(alone), clause, item});
+        const auto& [line, text, place, clause, item] = description;
+        parts_.push_back({list_.kind, line, text, place, std::move(alone), clause, item});
     }
 
     const PresetDefinition& preset_;
@@ -88,6 +91,25 @@ std::vector<PresetPart> partsOf(const PresetDefinition& preset) {
             PartCollector(preset, list, parts).addParts();
     }
     return parts;
+}
+
+// The parameters of a group have the same instances: one of them stands for all.
+bool selectsAny(const PresetPart& part, const PresetManager& manager) {
+    const bool includes = part.kind == Kind::include;
+    const auto& all = includes ? manager.readOnly() : manager.readWrite();
+    const auto& lists = includes ? part.alone.includeLists : part.alone.excludeLists;
+    Selections selections(manager.indices(), all);
+    selections.add(lists.front());
+    std::set<ParameterMap::Group> seen;
+    for (std::size_t place = 0; place < all.size(); ++place) {
+        const auto group = all.group(place);
+        const bool mayBe = lists.front().all || !selections.ofItem(place).empty() ||
+                           (!selections.ofGroup(group).empty() && seen.insert(group).second);
+        if (mayBe &&
+            !selectedKeys(part, manager, {{all.name(place), all.indexNames(place)}}).empty())
+            return true;
+    }
+    return false;
 }
 
 KeySet selectedKeys(const PresetPart& part, const PresetManager& manager,

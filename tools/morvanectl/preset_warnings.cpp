@@ -17,70 +17,72 @@ using Kind = PresetList::Kind;
 /// Collects the warnings about the presets of one variant.
 class PresetCheck {
 public:
-    PresetCheck(const PresetManager& manager, std::vector<Warning>& warnings)
+    PresetCheck(const PresetDefinitions& presets, const PresetManager& manager,
+                WarningList& warnings)
         : manager_(manager),
-          warnings_(warnings) {}
+          warnings_(warnings) {
+        for (const auto& preset : presets.presets)
+            ++count_[preset.name];
+    }
 
     void check(const PresetDefinition& preset) {
         const std::string name(preset.name);
         const auto [first, isNew] = firstLines_.try_emplace(name, preset.line);
         if (!isNew)
-            add(preset.line, name,
-                "there is a preset " + name + " already, on line " + std::to_string(first->second) +
-                    "; the first that covers a key counts");
-        if (PresetGenerate::keySet(manager_.indices(), manager_.readWrite(), manager_.readOnly(),
-                                   preset)
-                .empty())
-            add(preset.line, name, "preset " + name + " covers no key, so there is no such preset");
+            warnings_.add(preset.name, "repeated-preset",
+                          "there is a preset " + name + " already, on line " +
+                              std::to_string(first->second) +
+                              "; the first that covers a key counts");
+        if (!coversKey(preset))
+            warnings_.addAbsence(preset.name, "no-preset",
+                                 "preset " + name + " covers no key, so there is no such preset");
         for (const auto& part : partsOf(preset))
             checkPart(part);
     }
 
 private:
-    void add(std::uint32_t line, const std::string& word, const std::string& text) {
-        warnings_.push_back({Warning::File::presets, line, word, text, {}});
-    }
-
-    const ParameterMap& candidates(const PresetPart& part) const {
-        return part.kind == Kind::include ? manager_.readOnly() : manager_.readWrite();
+    // The manager has a name if one of its presets covers a key.
+    bool coversKey(const PresetDefinition& preset) const {
+        return manager_.is_preset(preset.name) &&
+               (count_.at(preset.name) == 1 ||
+                !PresetGenerate::keySet(manager_.indices(), manager_.readWrite(),
+                                        manager_.readOnly(), preset)
+                     .empty());
     }
 
     void checkPart(const PresetPart& part) {
-        const auto& all = candidates(part);
-        const auto place = all.find(part.item);
-        if (!part.item.empty() && !place) {
-            add(part.line, part.word,
-                part.text + " selects nothing: no parameter " + part.item + " on this variant");
+        const bool includes = part.kind == Kind::include;
+        const auto& all = includes ? manager_.readOnly() : manager_.readWrite();
+        if (!part.item.empty() && !all.find(part.item)) {
+            warnings_.addAbsence(part.place, "selects-nothing",
+                                 part.text + " selects nothing: no parameter " + part.item +
+                                     " on this variant");
             return;
         }
-        // One parameter is enough for an item, which saves the time for all the others.
-        const bool selects =
-            part.item.empty()
-                ? !selectedKeys(part, manager_, all).empty()
-                : !selectedKeys(part, manager_, {{part.item, all.indexNames(*place)}}).empty();
-        if (!selects)
-            add(part.line, part.word, part.text + " selects nothing");
-        if (part.clause != nullptr) {
-            for (const auto& selector : part.clause->selectors)
-                checkSelector(part.clause->line, selector);
-        }
+        if (!selectsAny(part, manager_))
+            warnings_.addAbsence(part.place, "selects-nothing", part.text + " selects nothing");
+        if (part.clause == nullptr)
+            return;
+        for (const auto& selector : part.clause->selectors)
+            checkSelector(selector);
     }
 
-    void checkSelector(std::uint32_t line, const IndexSelector& selector) {
-        const std::string indexName(selector.indexName);
+    void checkSelector(const IndexSelector& selector) {
+        const auto indexName = selector.indexName;
         const auto& values = selector.values;
         const auto& [kind, names, numbers, ranges] = values;
         const auto kinds = int{!names.empty()} + int{!numbers.empty()} + int{!ranges.empty()};
         if (kinds > 1)
-            add(line, indexName,
-                "a value set of mixed kinds: only its " + std::string(nameOf(kind)) + " count");
+            warnings_.add(indexName, "mixed-values",
+                          "a value set of mixed kinds: only its " + std::string(nameOf(kind)) +
+                              " count");
         const auto index = manager_.indices().find(indexName);
-        if (index == manager_.indices().end()) {
-            if (kind != IndexValueSet::Kind::none)
-                add(line, indexName, "index " + indexName + " does not exist on this variant");
-            return;
-        }
-        checkValues(line, indexName, values, index->second);
+        if (index != manager_.indices().end())
+            checkValues(indexName, values, index->second);
+        else if (kind != IndexValueSet::Kind::none)
+            warnings_.addAbsence(indexName, "no-index",
+                                 "index " + std::string(indexName) +
+                                     " does not exist on this variant");
     }
 
     static const char* nameOf(IndexValueSet::Kind kind) {
@@ -94,12 +96,13 @@ private:
         }
     }
 
-    void checkValues(std::uint32_t line, const std::string& indexName, const IndexValueSet& set,
+    void checkValues(std::string_view indexName, const IndexValueSet& set,
                      const IndexValues& values) {
         const auto check = [&](std::string_view value) {
             if (std::find(values.begin(), values.end(), value) == values.end())
-                add(line, indexName,
-                    "index " + indexName + " does not have the value " + std::string(value));
+                warnings_.addAbsence(indexName, "no-such-value",
+                                     "index " + std::string(indexName) +
+                                         " does not have the value " + std::string(value));
         };
         switch (set.kind) {
         case IndexValueSet::Kind::none:
@@ -122,7 +125,8 @@ private:
     }
 
     const PresetManager& manager_;
-    std::vector<Warning>& warnings_;
+    WarningList& warnings_;
+    std::map<std::string_view, std::size_t> count_; ///< of the presets of a name
     std::map<std::string, std::uint32_t> firstLines_;
 };
 
@@ -130,11 +134,11 @@ private:
 
 std::vector<Warning> presetWarnings(const PresetDefinitions& presets,
                                     const PresetManager& manager) {
-    std::vector<Warning> warnings;
-    PresetCheck check(manager, warnings);
+    WarningList warnings(Warning::File::presets, *presets.text);
+    PresetCheck check(presets, manager, warnings);
     for (const auto& preset : presets.presets)
         check.check(preset);
-    return warnings;
+    return warnings.take();
 }
 
 } // namespace morvane::ctl

@@ -33,6 +33,9 @@ struct Settings {
     std::vector<std::string> keys; ///< of `store-subpreset` and `in-preset`
     bool allVariants = false;      ///< of `check`: the named ones, or every combination of the axes
     std::vector<VariantAxis> axes;
+    bool asDaemon = false;  ///< of `check`: the daemon's own report, and nothing else
+    bool strict = false;    ///< of `check`: warnings decide the status
+    bool verbose = false;   ///< of `check`: also what is absent on some of the variants only
     std::string livePreset; ///< of `diff`
     bool dryRun = false;
 };

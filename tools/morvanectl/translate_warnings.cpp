@@ -4,6 +4,7 @@
 #include "text/number.h"
 #include "warnings.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 #include <utility>
@@ -15,7 +16,7 @@ namespace {
 /// Collects the warnings about the translate sections of one variant.
 class TranslateCheck {
 public:
-    TranslateCheck(const PresetManager& manager, std::vector<Warning>& warnings)
+    TranslateCheck(const PresetManager& manager, WarningList& warnings)
         : manager_(manager),
           warnings_(warnings) {}
 
@@ -27,7 +28,8 @@ public:
                     ? " on this variant: entries that become it are dropped"
                     : " on this variant: its index mappings and those after it in the section are "
                       "not used";
-            add(mapping.line, name, "no parameter " + name + consequence);
+            warnings_.addAbsence(mapping.newName, "no-parameter",
+                                 "no parameter " + name + consequence);
         }
         for (const auto& from : mapping.fromMappings)
             checkOldName(from);
@@ -36,17 +38,13 @@ public:
     }
 
 private:
-    void add(std::uint32_t line, const std::string& word, const std::string& text) {
-        warnings_.push_back({Warning::File::presets, line, word, text, {}});
-    }
-
     void checkOldName(const FromMapping& from) {
         const std::string name(from.oldName);
         const auto [first, isNew] = oldNames_.try_emplace(name, from.line);
         if (!isNew)
-            add(from.line, name,
-                name + " has a mapping already, on line " + std::to_string(first->second) +
-                    ", which counts");
+            warnings_.add(from.oldName, "repeated-mapping",
+                          name + " has a mapping already, on line " +
+                              std::to_string(first->second) + ", which counts");
     }
 
     void checkIndexMapping(const std::string& name, const IndexMapping& mapping) {
@@ -56,19 +54,32 @@ private:
             "entries of " + name + " with " + std::to_string(mapping.count) + " indices";
         const auto beyond = " refers to an index that " + entries + " do not have";
         if (!isNew)
-            add(mapping.line, "index",
-                entries + " have an index mapping already, on line " +
-                    std::to_string(first->second) + ", which counts");
+            warnings_.add(mapping.place, "repeated-mapping",
+                          entries + " have an index mapping already, on line " +
+                              std::to_string(first->second) + ", which counts");
         for (const auto& [indexName, element] : mapping.pairs) {
             const std::string text(element);
             const auto position = PresetTranslate::referredPosition(text);
             if (position && *position >= mapping.count)
-                add(mapping.line, std::string(indexName), text + beyond);
+                warnings_.add(element, "no-such-position", text + beyond);
+            else if (!position)
+                checkConstant(indexName, element);
         }
     }
 
+    void checkConstant(std::string_view indexName, std::string_view value) {
+        const auto index = manager_.indices().find(indexName);
+        if (index == manager_.indices().end())
+            return; // then the parameter has no key
+        const auto& values = index->second;
+        if (std::find(values.begin(), values.end(), value) == values.end())
+            warnings_.addAbsence(value, "no-such-value",
+                                 "index " + std::string(indexName) + " does not have the value " +
+                                     std::string(value));
+    }
+
     const PresetManager& manager_;
-    std::vector<Warning>& warnings_;
+    WarningList& warnings_;
     std::map<std::string, std::uint32_t> oldNames_;
     std::map<std::pair<std::string, std::uint32_t>, std::uint32_t> indexMappings_;
 };
@@ -77,13 +88,13 @@ private:
 
 std::vector<Warning> translateWarnings(const PresetDefinitions& presets,
                                        const PresetManager& manager) {
-    std::vector<Warning> warnings;
+    WarningList warnings(Warning::File::presets, *presets.text);
     TranslateCheck check(manager, warnings);
     for (const auto& section : presets.translateSections) {
         for (const auto& mapping : section.mappings)
             check.check(mapping);
     }
-    return warnings;
+    return warnings.take();
 }
 
 } // namespace morvane::ctl

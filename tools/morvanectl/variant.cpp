@@ -1,39 +1,37 @@
 #include "variant.h"
 
+#include "definition_errors.h"
 #include "output.h"
 #include "variant_choice.h"
 
 #include <sys/stat.h>
-#include <unistd.h>
 
+#include <iostream>
 #include <utility>
 
 namespace morvane::ctl {
 
 namespace {
 
-// The daemon does not say which definition file it cannot read.
-bool isReadable(const std::string& path) {
-    if (access(path.c_str(), R_OK) == 0)
-        return true;
-    fail("cannot read " + path + "; name the definition files with --parameters and --presets");
-    return false;
+std::string namesOf(const std::vector<UndescribedName>& undescribed) {
+    std::vector<std::string> names;
+    for (const auto& [name, place] : undescribed)
+        names.push_back(name);
+    return joined(names, ", ");
+}
+
+// The definitions, after what is wrong in them has been said.
+std::optional<Definitions> usableDefinitions(const Settings& settings) {
+    auto files = readDefinitionFiles(settings);
+    for (const auto& error : files.errors)
+        write(std::cerr, error);
+    return std::move(files.definitions);
 }
 
 } // namespace
 
-std::optional<Definitions> readBothFiles(const Settings& settings) {
-    if (!isReadable(settings.paramDefFile) || !isReadable(settings.presetDefFile))
-        return std::nullopt;
-    auto definitions = readDefinitions(settings.paramDefFile, settings.presetDefFile);
-    if (!definitions)
-        fail("cannot use " + settings.paramDefFile + " and " + settings.presetDefFile +
-             "; without a reason above, one is empty or ends inside a block");
-    return definitions;
-}
-
 std::optional<Variant> readVariant(const Settings& settings) {
-    auto definitions = readBothFiles(settings);
+    auto definitions = usableDefinitions(settings);
     if (!definitions)
         return std::nullopt;
     const auto named = readNamedVariants(settings);
@@ -42,7 +40,7 @@ std::optional<Variant> readVariant(const Settings& settings) {
         return std::nullopt;
     const auto unknown = undescribedNames(definitions->parameters, *arguments, *named);
     if (!unknown.empty())
-        note("warning: nothing gives a value to " + joined(unknown, ", ") + ", which " +
+        note("warning: nothing gives a value to " + namesOf(unknown) + ", which " +
              settings.paramDefFile + " uses; describe the device with --system or --variant");
     PresetManager manager(*definitions, *arguments);
     return Variant{*std::move(definitions), *std::move(arguments), std::move(manager)};

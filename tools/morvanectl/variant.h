@@ -18,11 +18,9 @@ struct Variant {
     PresetManager manager;
 };
 
-/// Reads the definition files as the daemon does: errors in them are reported on standard output.
-/// @return nothing if they cannot be used, which is reported on standard error, too.
-std::optional<Definitions> readBothFiles(const Settings& settings);
-
-/// As above, with the tables for the variant of the settings.
+/// Reads the definition files, and makes the tables for the variant of the settings. What is wrong
+/// in the files is written to standard error.
+/// @return nothing if they cannot be used.
 std::optional<Variant> readVariant(const Settings& settings);
 
 /// As above, but fails with a message if the preset of the settings does not exist on this variant.

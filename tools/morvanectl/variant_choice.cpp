@@ -10,7 +10,7 @@
 #include <cstring>
 #include <filesystem>
 #include <iterator>
-#include <set>
+#include <map>
 
 namespace morvane::ctl {
 
@@ -61,13 +61,13 @@ std::optional<SystemArguments> deviceArguments() {
     return arguments;
 }
 
-/// Collects names of expressions.
+/// Collects names of expressions, with the places of their first uses.
 class NameCollector {
 public:
     void add(const TokenList& tokens) {
         for (const auto& token : tokens) {
             if (token.type == TokenType::TOKEN_NAME)
-                names_.emplace(token.text);
+                note(std::string(token.text), {token.line, token.column});
         }
     }
 
@@ -89,10 +89,15 @@ public:
         }
     }
 
-    const std::set<std::string>& names() const { return names_; }
+    const std::map<std::string, SourceText::Place>& names() const { return names_; }
 
 private:
-    std::set<std::string> names_;
+    void note(const std::string& name, SourceText::Place place) {
+        auto& first = names_.try_emplace(name, place).first->second;
+        first = std::min(first, place);
+    }
+
+    std::map<std::string, SourceText::Place> names_;
 };
 
 bool anyGives(const std::vector<NamedVariant>& variants, const std::string& name) {
@@ -147,17 +152,17 @@ std::optional<SystemArguments> chosenArguments(const Settings& settings,
     return std::nullopt;
 }
 
-std::vector<std::string> undescribedNames(const SystemParameterTable& parameters,
-                                          const SystemArguments& arguments,
-                                          const std::vector<NamedVariant>& variants) {
+std::vector<UndescribedName> undescribedNames(const SystemParameterTable& parameters,
+                                              const SystemArguments& arguments,
+                                              const std::vector<NamedVariant>& variants) {
     NameCollector collector;
     for (const auto& [name, parameter] : parameters)
         collector.add(parameter);
-    std::vector<std::string> undescribed;
-    for (const auto& name : collector.names()) {
+    std::vector<UndescribedName> undescribed;
+    for (const auto& [name, place] : collector.names()) {
         if (!arguments.contains(name) && parameters.find(name) == nullptr &&
             !anyGives(variants, name))
-            undescribed.push_back(name);
+            undescribed.push_back({name, place});
     }
     return undescribed;
 }

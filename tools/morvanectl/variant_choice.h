@@ -5,6 +5,7 @@
 #include "argument_files.h"
 #include "paramdef/system_arguments.h"
 #include "settings.h"
+#include "text/source_text.h"
 
 #include <optional>
 #include <string>
@@ -36,11 +37,17 @@ SystemArguments argumentsOf(const NamedVariant& variant, const Settings& setting
 std::optional<SystemArguments> chosenArguments(const Settings& settings,
                                                const std::vector<NamedVariant>& variants);
 
+/// A name in an expression that has no value.
+struct UndescribedName {
+    std::string name;
+    SourceText::Place place; ///< of its first use
+};
+
 /// The names that expressions of the parameter definitions use although no argument gives them, no
 /// parameter has them, and no named variant gives them: mistyped ones, and those of a device that
 /// was not described. In order, each once.
-std::vector<std::string> undescribedNames(const SystemParameterTable& parameters,
-                                          const SystemArguments& arguments,
-                                          const std::vector<NamedVariant>& variants);
+std::vector<UndescribedName> undescribedNames(const SystemParameterTable& parameters,
+                                              const SystemArguments& arguments,
+                                              const std::vector<NamedVariant>& variants);
 
 } // namespace morvane::ctl

@@ -274,6 +274,7 @@ TEST(PresetDefFile, CutsAWordBetweenTwoPieces) {
 struct Stop {
     PresetParseResult result = PARSE_PRESET_INTERNAL_ERR;
     SourceText::Place place;
+    SourceText::Place begin;
 
     bool operator==(const Stop&) const = default;
 };
@@ -282,20 +283,24 @@ Stop stopIn(std::string_view content) {
     const test::TempFolder folder;
     const OwnedStream stream(std::fopen(folder.write("presets", content).c_str(), "r"));
     PresetDefinitions definitions;
-    Stop stop;
-    stop.result = readPresetDefinitions(stream.get(), definitions, stop.place);
-    return stop;
+    PresetDefStop stop;
+    const auto result = readPresetDefinitions(stream.get(), definitions, stop);
+    return {result, stop.place, stop.begin};
 }
 
 TEST(PresetDefFile, SaysWhereAnErrorIs) {
-    EXPECT_EQ(stopIn("a preset { }\nb preset { x }\n"), (Stop{PARSE_PRESET_SYNTAX, {2, 11}}));
+    EXPECT_EQ(stopIn("a preset { }\nb preset { x }\n"),
+              (Stop{PARSE_PRESET_SYNTAX, {2, 11}, {2, 11}}));
+    EXPECT_EQ(stopIn("a preset {\n exclude ro { } }\n"),
+              (Stop{PARSE_PRESET_INC_EXC_ACCESS_ERR, {2, 11}, {2, 9}}));
     EXPECT_EQ(stopIn("").result, PARSE_PRESET_IO_ERROR);
 }
 
 TEST(PresetDefFile, SaysWhichBlockIsOpenAtTheEnd) {
     EXPECT_EQ(stopIn("a preset { }\n b preset {\ninclude ro {\n"),
-              (Stop{PARSE_PRESET_CONTINUE, {2, 1}}));
-    EXPECT_EQ(stopIn("a preset { } translate { removed {"), (Stop{PARSE_PRESET_CONTINUE, {1, 13}}));
+              (Stop{PARSE_PRESET_CONTINUE, {}, {2, 1}}));
+    EXPECT_EQ(stopIn("a preset { } translate { removed {"),
+              (Stop{PARSE_PRESET_CONTINUE, {}, {1, 13}}));
 }
 
 TEST(PresetDefFile, TakesASecondPieceForACommentToo) {
