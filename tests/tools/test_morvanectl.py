@@ -186,6 +186,19 @@ def test_lists_presets_and_keys(ctl):
         "presets, morvanectl check\n")
 
 
+@pytest.mark.parametrize("command", [
+    ["presets"], ["keys", "scene", "--json"], ["explain", "scene", "mode"], ["check", "--json"],
+    ["load-default", "scene", "--dry-run"], ["--help"]])
+def test_says_that_its_output_cannot_be_written(world, ctl, command):
+    ctl("presets")  # writes the definitions
+    with open("/dev/full", "w") as full:
+        outcome = subprocess.run(
+            [*CTL, "-p", "parameters.def", "-d", "presets.def", *command], cwd=world.folder,
+            stdout=full, stderr=subprocess.PIPE, text=True, check=False)
+    assert (outcome.returncode, outcome.stderr) == (
+        ERROR, "morvanectl: cannot write: No space left on device\n")
+
+
 def test_names_the_options_when_definitions_cannot_be_read(ctl):
     assert ctl("keys", "scene", definitions=("-p", "nowhere", "-d", "presets.def")) == (
         ERROR, "", "morvanectl: cannot read nowhere: No such file or directory; name the "

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <iterator>
 #include <map>
 #include <numeric>
 
@@ -135,8 +136,8 @@ private:
     // Such as "on 2 of 3: field-*".
     std::string whereText(const std::vector<std::size_t>& numbers) const {
         std::vector<std::string> names;
-        for (const auto number : numbers)
-            names.push_back(variants_[number].name);
+        std::transform(numbers.begin(), numbers.end(), std::back_inserter(names),
+                       [&](std::size_t number) { return variants_[number].name; });
         const auto pattern = patternFor(names);
         return "on " + std::to_string(numbers.size()) + " of " + std::to_string(variants_.size()) +
                ": " + (pattern.empty() ? joined(names, ", ") : pattern);

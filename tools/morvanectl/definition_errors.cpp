@@ -42,6 +42,9 @@ constexpr std::array<std::string_view, 5> accessTypes{"index", "ro", "rostrict",
 constexpr std::array<std::string_view, 7> attributes{
     "ctrlRO", "ctrlValid", "default", "index", "rangeDoc", "rangeValid", "valueChange"};
 
+constexpr const char* conditionHint =
+    R"(a condition is numbers, names, "TEXT", operators and parentheses)";
+
 const char* hintFor(const ParamDefError& error) {
     switch (error.state) {
     case ParamDefParseState::expectName:
@@ -55,19 +58,19 @@ const char* hintFor(const ParamDefError& error) {
                "ctrlRO, the last two with their ( on the same line; a } ends the parameter";
     case ParamDefParseState::inRangeValid:
     case ParamDefParseState::inRangeDoc:
-        return "a range is ( CONDITION ) { VALUE, LOW..HIGH, \"TEXT\", (EXPRESSION) }, and its "
-               "condition may be left out";
+        return R"(a range is ( CONDITION ) { VALUE, LOW..HIGH, "TEXT", (EXPRESSION) }, )"
+               "and its condition may be left out";
     case ParamDefParseState::inCtrlRO:
         return error.result == ParamDefResult::invalidAccess
                    ? "nobody reads a wo parameter, so it cannot have ctrlRO"
-                   : "a condition is numbers, names, \"TEXT\", operators and parentheses";
+                   : conditionHint;
     case ParamDefParseState::inCtrlValid:
-        return "a condition is numbers, names, \"TEXT\", operators and parentheses";
+        return conditionHint;
     case ParamDefParseState::inDefault:
-        return "a default is ( CONDITION ) { VALUE }, in which VALUE is a number, \"TEXT\" or "
-               "(EXPRESSION), and its condition may be left out";
+        return R"(a default is ( CONDITION ) { VALUE }, in which VALUE is a number, "TEXT" )"
+               "or (EXPRESSION), and its condition may be left out";
     case ParamDefParseState::inValueChange:
-        return "a value change is { OLD -> NEW }, in which each is a number or \"TEXT\"";
+        return R"(a value change is { OLD -> NEW }, in which each is a number or "TEXT")";
     case ParamDefParseState::inIndex:
         return "an index is { NAME }";
     }
@@ -84,11 +87,11 @@ const char* hintFor(PresetParseResult result) {
     case PARSE_PRESET_DUPLICATE_ENTRY:
         return "it may stand here once";
     case PARSE_PRESET_INVALID_INDEX:
-        return "\"none\" says that there is no index, so no index can stand beside it";
+        return R"("none" says that there is no index, so no index can stand beside it)";
     case PARSE_PRESET_INVALID_RANGE:
         return "the range ends below its beginning";
     case PARSE_PRESET_INC_EXC_ACCESS_ERR:
-        return "presets have \"include ro\" and \"exclude rw\" lists, and no others";
+        return R"(presets have "include ro" and "exclude rw" lists, and no others)";
     case PARSE_PRESET_MISSING_IDENTIFIER:
         return "a name is missing here";
     case PARSE_PRESET_INVALID_IDENTIFIER:

@@ -7,7 +7,12 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <functional>
+#include <iostream>
+#include <new>
 
 namespace morvane::ctl {
 
@@ -212,5 +217,15 @@ private:
 } // namespace morvane::ctl
 
 int main(int argc, char** argv) {
-    return static_cast<int>(morvane::ctl::CommandLine().run(argc, argv));
+    using namespace morvane::ctl;
+    ExitStatus status = ExitStatus::error;
+    try {
+        status = CommandLine().run(argc, argv);
+    } catch (const std::bad_alloc&) { // definitions may stand for more keys than memory holds
+        fail("there is not enough memory");
+    }
+    std::cout.flush();
+    if (!std::cout || std::ferror(stdout) != 0)
+        status = fail(std::string("cannot write: ") + std::strerror(errno));
+    return static_cast<int>(status);
 }

@@ -6,7 +6,9 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <iostream>
+#include <iterator>
 #include <utility>
 
 namespace morvane::ctl {
@@ -15,8 +17,8 @@ namespace {
 
 std::string namesOf(const std::vector<UndescribedName>& undescribed) {
     std::vector<std::string> names;
-    for (const auto& [name, place] : undescribed)
-        names.push_back(name);
+    std::transform(undescribed.begin(), undescribed.end(), std::back_inserter(names),
+                   [](const UndescribedName& name) { return name.name; });
     return joined(names, ", ");
 }
 
