@@ -4,6 +4,7 @@
 #include "text/cursor.h"
 
 #include <algorithm>
+#include <set>
 
 namespace morvane::ctl {
 
@@ -150,8 +151,7 @@ public:
         };
         if (name.empty() || !line.accept(':'))
             return problem("a line is \"NAME: argument argument ...\"");
-        if (std::any_of(variants_.begin(), variants_.end(),
-                        [&](const auto& variant) { return variant.name == name; }))
+        if (!names_.insert(name).second)
             return problem("there is a variant " + name + " already");
         auto arguments = commandLineWords(line.rest());
         for (const auto& argument : arguments) {
@@ -168,6 +168,7 @@ public:
 
 private:
     std::vector<NamedVariant>& variants_;
+    std::set<std::string> names_;
 };
 
 } // namespace
