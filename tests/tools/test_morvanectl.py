@@ -415,6 +415,49 @@ whose value is not known yet, model is rack)
         "    parameters.def:1: index port does not exist on this variant\n")
 
 
+@pytest.mark.parametrize("text, reason", [
+    ("gain[1]x", "a load reads it as gain[1]"),
+    ("gain[1", "a load reads it as gain"),
+    ("gain[1]\t", "a load reads it as gain[1]"),
+    ("gain[1]=5", "a load reads a line with the key gain[1]"),
+    ("[1]", "it has no name"),
+    ("=5", "it has no name"),
+    ("", "it has no name"),
+])
+def test_explains_that_a_text_is_no_key(ctl, text, reason):
+    reasons = [f"{text} is no key: {reason}"]
+    assert ctl("explain", "scene", text) == (
+        NO, f"{text} is not in scene\n    {reasons[0]}\n", "")
+    assert json.loads(ctl("explain", "scene", text, "--json")[1]) == {
+        "key": text, "preset": "scene", "covered": False, "reasons": reasons}
+
+
+@pytest.mark.parametrize("value, lines", [
+    ("1", ["index port has the value 1"]),
+    ("4", ['rangeValid (model == "rack") does not hold (model is desk)',
+           "index port has 1, 2, 8, aux, which is not 4"]),
+    ("04", ["index port has 1, 2, 8, aux, which is not 04"]),
+    ("x", ['rangeValid (model == "rack") does not hold (model is desk)',
+           "rangeValid (rooms == 2) cannot be evaluated, so it does not hold (rooms has no value)",
+           "index port has 1, 2, 8, aux, which is not x"]),
+    ("8", ['rangeValid (model == "desk") holds (model is desk)', "index port has the value 8"]),
+    ("aux", ["rangeValid (fan == 1) counts as met (fan is a parameter, whose value is not known "
+             "yet)", "index port has the value aux"]),
+    ("9", ["index port has 1, 2, 8, aux, which is not 9"]),
+])
+def test_explains_which_range_gives_or_withholds_a_value(world, ctl, value, lines):
+    world.write("parameters.def", """\
+port index { rangeValid { 1..2 } rangeValid (model == "rack") { 3..5, "x" } \
+rangeValid (rooms == 2) { "x" } rangeValid (model == "desk") { 8 } rangeValid (fan == 1) { "aux" } }
+fan rw { }
+led rw { index { port } }
+""")
+    world.write("presets.def", "all preset { }\n")
+    output = ctl("explain", "all", f"led[{value}]", "-s", "model=desk")[1].splitlines()
+    assert [line for line in output if ":1: rangeValid" in line or "index port" in line] == [
+        f"    parameters.def:1: {line}" for line in lines]
+
+
 def test_explains_that_every_condition_must_hold(world, ctl):
     world.write("parameters.def", "fan rw { ctrlValid (0) ctrlValid (1) }\n")
     world.write("presets.def", "all preset { }\n")

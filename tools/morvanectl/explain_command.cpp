@@ -6,6 +6,8 @@
 #include "output.h"
 #include "preset_parts.h"
 #include "tables/preset_keys.h"
+#include "tables/valid_values.h"
+#include "text/number.h"
 #include "variant.h"
 
 #include <algorithm>
@@ -40,7 +42,7 @@ public:
     const std::vector<std::string>& lines() const { return lines_; }
 
     void explain() {
-        if (explainParameter())
+        if (explainForm() && explainParameter())
             explainPreset();
     }
 
@@ -61,6 +63,19 @@ private:
         if (values.size() > most)
             text += " and " + std::to_string(values.size() - most) + " more";
         return values.empty() ? "no value" : text;
+    }
+
+    // A text is a key if a load that reads it has the same text.
+    bool explainForm() {
+        const auto& text = settings_.key;
+        const auto key = presetKey(keyOf(text.substr(0, text.find('='))));
+        if (key == text && !key.empty())
+            return true;
+        const auto* const why = key.empty()                    ? "it has no name"
+                                : text.find('=') < text.size() ? "a load reads a line with the key "
+                                                               : "a load reads it as ";
+        lines_.push_back(text + " is no key: " + why + key);
+        return false;
     }
 
     // Says whether the parameter and this instance of it exist on this variant.
@@ -87,7 +102,7 @@ private:
         return explainIndices(*parameter);
     }
 
-    bool explainCondition(const Expression& condition) {
+    bool explainCondition(const Expression& condition, const char* attribute = "ctrlValid") {
         std::string seen;
         for (const auto& value : valuesSeen(condition, parameters_, arguments_))
             seen += (seen.empty() ? " (" : ", ") + value;
@@ -100,7 +115,8 @@ private:
                                      : " cannot be evaluated, so it does not hold";
         const auto line = condition.empty() ? 0 : condition.tokens.front().line;
         add(settings_.paramDefFile, line,
-            "ctrlValid (" + textOf(condition, parameters_.text()) + ")" + text + seen);
+            std::string(attribute) + " (" + textOf(condition, parameters_.text()) + ")" + text +
+                seen);
         return conditionHolds(condition, parameters_, arguments_);
     }
 
@@ -133,6 +149,7 @@ private:
                 "index " + name + " does not exist on this variant");
             return false;
         }
+        explainRanges(*index, value);
         const auto& values = found->second;
         const bool has = std::find(values.begin(), values.end(), value) != values.end();
         add(settings_.paramDefFile, index->line,
@@ -141,6 +158,26 @@ private:
                      : " has " + shortList(values) + ", which is not " + value));
         // An include list may name values that the index does not have.
         return has || manager_.isReadOnly(key_.name);
+    }
+
+    // The conditions that give the index the value, or withhold it.
+    void explainRanges(const SystemParameter& index, const std::string& value) {
+        for (const auto& range : index.rangeValid) {
+            const bool hasValue =
+                std::any_of(range.items.begin(), range.items.end(), [&](const RangeItem& item) {
+                    const auto stands = itemValue(item, arguments_);
+                    return stands && isIndexValue(*stands, value);
+                });
+            if (hasValue && !range.condition.empty())
+                explainCondition(range.condition, "rangeValid");
+        }
+    }
+
+    // An index has its numbers in decimal notation alone.
+    static bool isIndexValue(const ValidValue& item, const std::string& value) {
+        const auto number = wholeDecimal(value);
+        return standsFor(item, value) && (std::holds_alternative<std::string>(item) ||
+                                          (number && decimalText(*number) == value));
     }
 
     void explainPreset() {
