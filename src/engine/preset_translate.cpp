@@ -23,18 +23,30 @@ std::optional<std::string_view> indexOf(const std::string& element, const Preset
     return entry.indices[*position];
 }
 
-std::optional<std::vector<std::string_view>> newIndices(const PresetEntry& entry,
-                                                        const IndexTemplate& elements) {
+void reportMissingIndex(const std::string& element, const PresetEntry& entry) {
+    // The blank that is missing before "with" is part of the text that people search for.
+    std::fprintf(stderr,
+                 "PresetTranslate::translate() Error:Could not locate index value for %s "
+                 "for parameter %swith %d indices\n",
+                 element.c_str(), std::string(entry.name).c_str(),
+                 static_cast<int>(entry.indices.size()));
+}
+
+void reportMissingTemplate(const PresetEntry& entry) {
+    std::fprintf(stderr,
+                 "PresetTranslate::translate() Error:Could not located index mapping for %s "
+                 "with %d indices\n",
+                 std::string(entry.name).c_str(), static_cast<int>(entry.indices.size()));
+}
+
+std::optional<std::vector<std::string_view>>
+newIndices(const PresetEntry& entry, const IndexTemplate& elements, Reports reports) {
     std::vector<std::string_view> indices;
     for (const auto& element : elements) {
         const auto index = indexOf(element, entry);
         if (!index) {
-            // The blank that is missing before "with" is part of the text that people search for.
-            std::fprintf(stderr,
-                         "PresetTranslate::translate() Error:Could not locate index value for %s "
-                         "for parameter %swith %d indices\n",
-                         element.c_str(), std::string(entry.name).c_str(),
-                         static_cast<int>(entry.indices.size()));
+            if (reports == Reports::on)
+                reportMissingIndex(element, entry);
             return std::nullopt;
         }
         indices.push_back(*index);
@@ -63,7 +75,8 @@ std::optional<std::size_t> PresetTranslate::referredPosition(std::string_view el
     return static_cast<std::size_t>(leadingDecimal(element.substr(found + reference.size())));
 }
 
-PresetEntry PresetTranslate::translate(PresetEntry entry, const IndexMaps& indexMaps) {
+PresetEntry PresetTranslate::translate(PresetEntry entry, const IndexMaps& indexMaps,
+                                       Reports reports) {
     const auto found = indexMaps.find(entry.name);
     if (found == indexMaps.end())
         return entry;
@@ -73,25 +86,23 @@ PresetEntry PresetTranslate::translate(PresetEntry entry, const IndexMaps& index
         return entry;
     const auto elements = templates.find(count);
     if (elements == templates.end()) {
-        std::fprintf(stderr,
-                     "PresetTranslate::translate() Error:Could not located index mapping for %s "
-                     "with %d indices\n",
-                     std::string(entry.name).c_str(), static_cast<int>(count));
+        if (reports == Reports::on)
+            reportMissingTemplate(entry);
         return {};
     }
-    auto indices = newIndices(entry, elements->second);
+    auto indices = newIndices(entry, elements->second, reports);
     if (!indices)
         return {};
     entry.indices = *std::move(indices);
     return entry;
 }
 
-bool translateEntry(const TranslationTables& tables, PresetEntry& entry) {
+bool translateEntry(const TranslationTables& tables, PresetEntry& entry, Reports reports) {
     mapName(tables, entry);
     if (tables.removed.contains(entry.name))
         return false;
     if (!tables.indexMaps.empty())
-        entry = PresetTranslate::translate(std::move(entry), tables.indexMaps);
+        entry = PresetTranslate::translate(std::move(entry), tables.indexMaps, reports);
     return true;
 }
 

@@ -9,20 +9,10 @@ import threading
 import time
 
 import pytest
-from harness import CTL, DEADLINE_SECONDS, SOURCE, tools_on_path, wait_until
+from harness import CTL, DEADLINE_SECONDS, SOURCE, tools_on_path
 from jeepney import HeaderFields, Parser, new_method_return
 
 YES, NO, ERROR = 0, 1, 2
-OLD_FILE = """\
-# from the year before
-gain[1]=5
-level=3
-mood=quiet
-gone=1
-nowhere=2
-temperature=50
-gain=1
-"""
 TRANSLATION = """\
 translate {
     removed { gone }
@@ -205,119 +195,6 @@ def test_names_the_options_when_definitions_cannot_be_read(ctl):
         "definition files with --parameters and --presets\n")
 
 
-def test_shows_what_a_load_makes_of_each_line(world, ctl):
-    world.write("old", OLD_FILE + "gain[1][2]=7\n")
-    assert ctl("translate", "old") == (YES, """\
-1: # from the year before (skipped: not NAME=VALUE)
-2: gain[1]=5 (kept)
-3: level=3 -> gain[2]=3 (renamed, re-indexed)
-4: mood=quiet -> mode=off (renamed, value mapped)
-5: gone=1 (dropped: gone is in a removed list)
-6: nowhere=2 (dropped: no parameter nowhere on this variant)
-7: temperature=50 (kept)
-8: gain=1 -> gain[2]=1 (re-indexed)
-9: gain[1][2]=7 (dropped: its 2 indices cannot be mapped)
-""", "PresetTranslate::translate() Error:Could not located index mapping for gain with 2 indices\n")
-    world.write("old", "level=3\ngone=1\n")
-    assert json.loads(ctl("translate", "old", "--json")[1]) == [
-        {"line": 1, "before": "level=3", "after": "gain[2]=3", "what": "renamed, re-indexed"},
-        {"line": 2, "before": "gone=1", "after": None,
-         "what": "dropped: gone is in a removed list"},
-    ]
-    assert ctl("translate", "none") == (ERROR, "", "morvanectl: cannot read none\n")
-
-
-@pytest.mark.parametrize("method, arguments", [
-    ("load", ["old"]), ("load", ["two"]), ("load-with-default", ["old"]), ("load-default", [])])
-def test_a_dry_run_shows_the_calls_that_a_load_makes(world, ctl, method, arguments):
-    world.write("old", OLD_FILE)
-    world.write("two", "mode=off\ngain[1]=5\n")
-    status, output, problem = ctl(method, "scene", *arguments, "--dry-run", "--json", bus=False)
-    assert (status, problem) == (YES, "")
-    handler = world.simulator()
-    world.daemon()
-    assert ctl(method, "scene", *arguments)[0] == YES
-    wait_until(lambda: "end" in handler.methods(), "the end of the load")
-    calls = []
-    for name, *rest in handler.calls():
-        lists = [value if isinstance(value, list) else [value] for value in rest[1:]]
-        calls.append({"method": name, **dict(zip(("keys", "values"), lists))})
-    assert json.loads(output) == calls
-
-
-def test_a_dry_run_as_text(world, ctl):
-    world.write("old", OLD_FILE)
-    assert ctl("load-with-default", "scene", "old", "--dry-run", bus=False) == (YES, """\
-start
-set_bulk
-    gain[1]=5
-    gain[2]=3
-    mode=off
-    gain[2]=1
-set_status
-    temperature=50
-reset
-    gain[3]
-commit
-end
-""", "")
-    assert ctl("load", "scene", "none", "--dry-run", bus=False) == (
-        ERROR, "", "morvanectl: Error opening file: none\n")
-    assert ctl("load", "scenes", "old", "--dry-run", bus=False) == (
-        ERROR, "", "morvanectl: Unknown preset definition: scenes\n")
-
-
-def test_a_dry_run_puts_no_backup_of_a_backup_back(world, ctl):
-    for name in ("old", "old_bak", "old_bak_bak"):
-        world.write(name, f"mode={name}\n")
-    assert ctl("load", "scene", "old", "--dry-run", bus=False) == (
-        ERROR, "", "morvanectl: old_bak has a backup, too: old_bak_bak\n")
-    for name in ("old", "old_bak", "old_bak_bak"):
-        assert (world.folder / name).read_text() == f"mode={name}\n"
-
-
-def test_a_dry_run_refuses_what_cannot_be_sent(world, ctl):
-    world.write("bytes", b"mode=\xff\n")
-    assert ctl("load", "scene", "bytes", "--dry-run", bus=False) == (
-        ERROR, "",
-        "morvanectl: ERROR: parm_set_() - set failed (bytes: value of mode is not valid UTF-8)\n")
-
-
-def test_a_dry_run_changes_no_file(world, ctl):
-    world.write("old", "half=")
-    world.write("old_bak", "mode=off\n")
-    assert ctl("load", "scene", "old", "--dry-run", bus=False) == (
-        YES, "start\nset\n    mode=off\ncommit\nend\n",
-        "morvanectl: an interrupted store left old_bak, which a load puts back\n")
-    assert (world.folder / "old").read_text() == "half="
-    assert (world.folder / "old_bak").exists()
-
-
-def test_compares_two_files(world, ctl):
-    world.write("a", "mode=auto\ngain[1]=1\ngain[2]=0\nmode=off\n")
-    world.write("b", "gain[1]=2\nmode=off\ngain[3]=3\n")
-    assert ctl("diff", "a", "b") == (
-        NO, "- gain[1]=1\n+ gain[1]=2\n- gain[2]=0\n+ gain[3]=3\n", "")
-    assert json.loads(ctl("diff", "a", "b", "--json")[1])[1:] == [
-        {"key": "gain[2]", "first": "0", "second": None},
-        {"key": "gain[3]", "first": None, "second": "3"},
-    ]
-    assert ctl("diff", "a", "a") == (YES, "", "")
-    assert ctl("diff", "a", "none") == (ERROR, "", "morvanectl: cannot read none\n")
-    assert ctl("diff", "a") == (
-        ERROR, "", "morvanectl: diff needs another FILE, or --live PRESET\n")
-
-
-def test_compares_a_file_with_the_device(world, ctl):
-    world.simulator()
-    world.write("a", "gain[1]=0\ngain[2]=7\nmood=quiet\nserial=B\n")
-    assert ctl("diff", "a", "--live", "scene") == (
-        NO, "- gain[2]=7\n+ gain[2]=0\n+ gain[3]=0\n- mode=off\n+ mode=auto\n+ temperature=40\n",
-        "")
-    world.write("a", "mode=auto\n")
-    assert ctl("diff", "a", "--live", "single") == (YES, "", "")
-
-
 @pytest.mark.parametrize("preset, key, status, reasons", [
     ("scene", "gain[1]", YES, [
         "parameters.def:2: gain is rw",
@@ -487,15 +364,6 @@ temperature is in twice
 """, "")
 
 
-@pytest.mark.parametrize("make", [os.mkdir, os.mkfifo])
-@pytest.mark.parametrize("command", [["translate", "x"], ["diff", "x", "x"]])
-def test_reads_nothing_but_files(world, ctl, make, command):
-    make(world.folder / "x")
-    status, output, problem = ctl(*command)
-    assert (status, output) == (ERROR, "")
-    assert set(problem.splitlines()) == {"morvanectl: cannot read x"}
-
-
 def test_prints_help_and_version(ctl):
     status, output, problem = ctl("--help")
     assert (status, problem) == (YES, "")
@@ -535,6 +403,11 @@ def test_bash_completes(world):
         "gain[1]", "gain[2]", "gain[3]"]
     assert complete(world, path, *options, "in-preset", "single", "") == ["mode"]
     assert complete(world, path, *options, "translate", "para") == ["parameters.def"]
+    assert complete(world, path, *options, "validate", "pre") == ["presets.def"]
+    assert complete(world, path, *options, "validate", "old", "--for", "s") == [
+        "scene", "single", "states"]
+    assert complete(world, path, *options, "validate", "--for", "scene", "pre") == ["presets.def"]
+    assert complete(world, path, *options, "translate", "old", "--output", "pre") == ["presets.def"]
     assert complete(world, path, *options, "load", "scene", "pre") == ["presets.def"]
     assert complete(world, path, *options, "load", "--dr") == ["--dry-run"]
     assert complete(world, path, "--parameters", "para") == ["parameters.def"]

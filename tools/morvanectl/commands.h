@@ -17,6 +17,7 @@ ExitStatus listPresets(const Settings& settings);
 ExitStatus listKeys(const Settings& settings);
 ExitStatus explainKey(const Settings& settings);
 ExitStatus translateFile(const Settings& settings);
+ExitStatus validateFile(const Settings& settings);
 ExitStatus diffFiles(const Settings& settings);
 
 /// Shows the calls of a load, one per line.

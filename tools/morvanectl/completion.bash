@@ -17,7 +17,7 @@ _morvanectl() {
         -p | --parameters | -d | --presets | -s | --system | --variant | --variants)
             definitions+=("$word" "${COMP_WORDS[++i]}")
             ;;
-        --address | --live | --all-variants) ((++i)) ;;
+        --address | --live | --for | --output | --all-variants) ((++i)) ;;
         -*) ;;
         *) positional+=("$word") ;;
         esac
@@ -25,9 +25,9 @@ _morvanectl() {
 
     local words='' files=no
     case $previous in
-    -p | --parameters | -d | --presets | --variants) files=yes ;;
+    -p | --parameters | -d | --presets | --variants | --output) files=yes ;;
     -s | --system | --variant | --address | --all-variants) return ;;
-    --live) words=$(morvanectl "${definitions[@]}" presets 2>/dev/null) ;;
+    --live | --for) words=$(morvanectl "${definitions[@]}" presets 2>/dev/null) ;;
     *)
         case $current in
         -*)
@@ -39,7 +39,7 @@ _morvanectl() {
         *)
             case ${#positional[@]},${positional[0]} in
             0,) words=$(morvanectl --help 2>/dev/null | _morvanectl_names Subcommands) ;;
-            1,translate | 1,diff | 2,diff) files=yes ;;
+            1,translate | 1,validate | 1,diff | 2,diff) files=yes ;;
             1,check | 1,presets | 1,status | 1,die) ;;
             1,*) words=$(morvanectl "${definitions[@]}" presets 2>/dev/null) ;;
             2,load | 2,load-with-default | 2,store | 2,store-subpreset) files=yes ;;

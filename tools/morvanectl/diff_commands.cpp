@@ -2,11 +2,15 @@
 
 #include "bus_client.h"
 #include "commands.h"
+#include "data_file.h"
+#include "engine/load_plan.h"
 #include "engine/preset_file.h"
-#include "engine/preset_translate.h"
 #include "output.h"
+#include "paramhandler/send_check.h"
 #include "variant.h"
 
+#include <algorithm>
+#include <functional>
 #include <iostream>
 #include <map>
 #include <optional>
@@ -21,21 +25,27 @@ struct Difference {
     std::string key;
     std::optional<std::string> first;
     std::optional<std::string> second;
+    bool isReset = false; ///< the first is the default, whatever that is
 };
 
-// The values of a file, without the entries that `takes` refuses. Of two lines with the same key
-// the second counts, as it does when both are loaded.
-template <typename Takes>
-std::optional<Values> readValues(const std::string& file, Takes takes) {
-    const auto stream = openDataFile(file);
+// Hands the file that a load would read to `read`, as a stream.
+// @return false, with a message, if it cannot be read to its end.
+bool readFile(const std::string& file, const std::function<void(std::FILE*)>& read) {
+    const auto source = fileToLoad(file);
+    const auto stream = source ? openDataFile(*source) : nullptr;
     if (!stream)
-        return std::nullopt;
+        return false;
+    read(stream.get());
+    return isAtEnd(stream.get(), *source);
+}
+
+// Of two lines with the same key the second counts, as it does when both are loaded.
+std::optional<Values> readValues(const std::string& file) {
     Values values;
-    readPresetFile(stream.get(), [&](PresetEntry& entry) {
-        if (takes(entry))
-            values[presetKey(entry)] = entry.value;
+    const bool isRead = readFile(file, [&values](std::FILE* stream) {
+        readPresetFile(stream, [&](PresetEntry& entry) { values[presetKey(entry)] = entry.value; });
     });
-    return values;
+    return isRead ? std::optional(std::move(values)) : std::nullopt;
 }
 
 std::optional<std::string> find(const Values& values, const std::string& key) {
@@ -55,18 +65,26 @@ std::vector<Difference> differences(const Values& first, const Values& second) {
     return result;
 }
 
+void write(const Difference& difference) {
+    const auto& [key, first, second, isReset] = difference;
+    if (isReset)
+        std::cout << "- " << key << " (reset to its default)\n";
+    if (first)
+        std::cout << "- " << key << '=' << *first << '\n';
+    if (second)
+        std::cout << "+ " << key << '=' << *second << '\n';
+}
+
 ExitStatus show(const std::vector<Difference>& differences, bool asJson) {
     auto list = Json::array();
-    for (const auto& [key, first, second] : differences) {
+    for (const auto& difference : differences) {
+        const auto& [key, first, second, isReset] = difference;
         list.push_back({{"key", key},
                         {"first", first ? Json(*first) : Json()},
-                        {"second", second ? Json(*second) : Json()}});
-        if (asJson)
-            continue;
-        if (first)
-            std::cout << "- " << key << '=' << *first << '\n';
-        if (second)
-            std::cout << "+ " << key << '=' << *second << '\n';
+                        {"second", second ? Json(*second) : Json()},
+                        {"reset", isReset}});
+        if (!asJson)
+            write(difference);
     }
     if (asJson)
         writeJson(list);
@@ -76,6 +94,9 @@ ExitStatus show(const std::vector<Difference>& differences, bool asJson) {
 // The live values of all keys, read in one call.
 std::optional<Values> liveValues(const std::string& address, const std::vector<std::string>& keys) {
     constexpr guint32 noOption = 0;
+    Values values;
+    if (keys.empty())
+        return values;
     std::string problem;
     const BusClient bus(address, problem);
     if (!problem.empty()) {
@@ -98,40 +119,78 @@ std::optional<Values> liveValues(const std::string& address, const std::vector<s
         fail("the Parameter Handler answered another number of values");
         return std::nullopt;
     }
-    Values values;
     for (std::size_t i = 0; i < keys.size(); ++i)
         values[keys[i]] = std::move(texts[i]);
     return values;
 }
 
+/// What a load would send.
+struct Load {
+    Values values;
+    std::vector<std::string> keysToReset;
+};
+
+// Nothing, with a message, if the load would fail before it sends anything.
+std::optional<Load> planLoad(const Settings& settings, const Variant& variant) {
+    const auto& keys = *variant.manager.findPreset(settings.preset);
+    LoadPlan plan(variant.manager, keys);
+    const bool isRead = readFile(settings.file, [&plan](std::FILE* stream) {
+        readPresetFile(
+            stream, [&plan](std::string_view line) { return plan.addAsWritten(line); },
+            [&plan](PresetEntry& entry) { plan.add(entry); });
+    });
+    if (!isRead)
+        return std::nullopt;
+    const auto unset = settings.withDefaults ? plan.unsetKeys() : KeysToReset{};
+    logToStandardError();
+    if (!isSendable({.origin = settings.file,
+                     .keysAreUtf8 = keys.isUtf8(),
+                     .set = plan.values(),
+                     .setStatus = plan.statusValues(),
+                     .reset = unset.keys,
+                     .resetStatus = unset.statusKeys}))
+        return std::nullopt;
+    Load load;
+    for (const auto& list : {plan.values(), plan.statusValues()}) {
+        for (const auto& [key, value] : list)
+            load.values[std::string(key.view())] = value.view();
+    }
+    for (const auto& list : {unset.keys, unset.statusKeys}) {
+        for (const auto& key : list)
+            load.keysToReset.emplace_back(key.view());
+    }
+    return load;
+}
+
 } // namespace
 
 ExitStatus diffFiles(const Settings& settings) {
-    const auto all = [](const PresetEntry&) { return true; };
-    const auto first = readValues(settings.file, all);
-    const auto second = readValues(settings.otherFile, all);
+    const auto first = readValues(settings.file);
+    const auto second = readValues(settings.otherFile);
     if (!first || !second)
         return ExitStatus::error;
     return show(differences(*first, *second), settings.json);
 }
 
+// The default of a key is decided by the Parameter Handler, so that it may be the live value.
 ExitStatus diffLive(const Settings& settings) {
-    auto variantSettings = settings;
-    variantSettings.preset = settings.livePreset;
-    const auto variant = readVariantWithPreset(variantSettings);
-    if (!variant)
+    const auto variant = readVariantWithPreset(settings);
+    const auto load = variant ? planLoad(settings, *variant) : std::nullopt;
+    if (!load)
         return ExitStatus::error;
-    const auto& keys = *variant->manager.findPreset(settings.livePreset);
-    const auto values = readValues(settings.file, [&](PresetEntry& entry) {
-        return translateEntry(variant->manager.translation(), entry) &&
-               keys.contains(presetKey(entry));
-    });
-    if (!values)
-        return ExitStatus::error;
-    const auto live = liveValues(settings.address, keys.strings());
+    auto keys = load->keysToReset;
+    for (const auto& [key, value] : load->values)
+        keys.push_back(key);
+    auto live = liveValues(settings.address, keys);
     if (!live)
         return ExitStatus::error;
-    return show(differences(*values, *live), settings.json);
+    std::vector<Difference> resets;
+    for (const auto& key : load->keysToReset)
+        resets.push_back({key, std::nullopt, live->extract(key).mapped(), true});
+    auto all = differences(load->values, *live);
+    all.insert(all.end(), resets.begin(), resets.end());
+    std::sort(all.begin(), all.end(), [](const auto& a, const auto& b) { return a.key < b.key; });
+    return show(all, settings.json);
 }
 
 } // namespace morvane::ctl

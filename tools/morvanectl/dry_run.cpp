@@ -2,6 +2,7 @@
 // the load itself.
 
 #include "commands.h"
+#include "data_check.h"
 #include "engine/load_preset.h"
 #include "engine/parameter_operations.h"
 #include "engine/preset_backup.h"
@@ -9,10 +10,9 @@
 #include "paramhandler/send_check.h"
 #include "variant.h"
 
-#include <syslog.h>
+#include <unistd.h>
 
 #include <iostream>
-#include <optional>
 #include <string_view>
 
 namespace morvane::ctl {
@@ -97,28 +97,39 @@ void writeCallsAsJson(const std::vector<Call>& calls) {
     writeJson(list);
 }
 
-// A load puts a left-over backup back; nothing is changed here, so the backup itself is read.
-// @return nothing if reading that would put its own backup back.
-std::optional<std::string> fileToLoad(const std::string& file) {
-    if (lookUpBackup(file) != BackupState::leftOver)
-        return file;
-    auto backup = backupOf(file);
-    if (lookUpBackup(backup) == BackupState::leftOver) {
-        note(backup + " has a backup, too: " + backupOf(backup));
-        return std::nullopt;
+// Of a file that a load cannot read, the load itself says so.
+void noteFindings(const Settings& settings, const std::string& file, const Variant& variant) {
+    if (!variant.manager.is_preset(settings.preset) || access(file.c_str(), R_OK) != 0)
+        return;
+    DataCheck check(variant, settings.preset, file, Reports::off);
+    readDataLines(file, [&](const DataLine& line) {
+        for (const auto& finding : check.check(line).findings())
+            noteFinding(finding);
+    });
+}
+
+bool loadFileInto(CallList& list, const Settings& settings, const Variant& variant,
+                  Defaults defaults) {
+    const auto file = fileToLoad(settings.file);
+    if (!file)
+        return false;
+    if (lookUpBackup(*file) == BackupState::leftOver) { // which reading the file would put back
+        note(*file + " has a backup, too: " + backupOf(*file));
+        return false;
     }
-    note("an interrupted store left " + backup + ", which a load puts back");
-    return backup;
+    const auto operations = list.operations();
+    const bool loaded = loadPreset(&operations, settings.preset, *file, variant.manager, defaults);
+    noteFindings(settings, *file, variant);
+    return loaded;
 }
 
 bool loadInto(CallList& list, const Settings& settings, std::string_view method,
-              const PresetManager& manager) {
+              const Variant& variant) {
     const auto operations = list.operations();
     if (method == "load_default")
-        return loadDefaults(&operations, settings.preset, manager);
-    const auto file = fileToLoad(settings.file);
-    return file && loadPreset(&operations, settings.preset, *file, manager,
-                              method == "load_with_default" ? Defaults::on : Defaults::off);
+        return loadDefaults(&operations, settings.preset, variant.manager);
+    return loadFileInto(list, settings, variant,
+                        method == "load_with_default" ? Defaults::on : Defaults::off);
 }
 
 } // namespace
@@ -127,11 +138,9 @@ ExitStatus showLoad(const Settings& settings, const char* method) {
     const auto variant = readVariant(settings);
     if (!variant)
         return ExitStatus::error;
-    // A load writes why it fails to the system log, and here to standard error, too.
-    openlog("morvanectl", LOG_PERROR, LOG_USER);
-    setlogmask(LOG_UPTO(LOG_ERR));
+    logToStandardError();
     CallList list;
-    if (!loadInto(list, settings, method, variant->manager))
+    if (!loadInto(list, settings, method, *variant))
         return ExitStatus::error;
     settings.json ? writeCallsAsJson(list.calls()) : writeCalls(list.calls());
     return ExitStatus::yes;

@@ -55,16 +55,6 @@ private:
         lines_.push_back(at(file, line) + text);
     }
 
-    static std::string shortList(const IndexValues& values) {
-        constexpr std::size_t most = 8;
-        std::string text;
-        for (std::size_t i = 0; i < std::min(values.size(), most); ++i)
-            text += (i == 0 ? "" : ", ") + values[i];
-        if (values.size() > most)
-            text += " and " + std::to_string(values.size() - most) + " more";
-        return values.empty() ? "no value" : text;
-    }
-
     // A text is a key if a load that reads it has the same text.
     bool explainForm() {
         const auto& text = settings_.key;
@@ -155,7 +145,8 @@ private:
         add(settings_.paramDefFile, index->line,
             "index " + name +
                 (has ? " has the value " + value
-                     : " has " + shortList(values) + ", which is not " + value));
+                     : " has " + (values.empty() ? "no value" : shortList(values)) +
+                           ", which is not " + value));
         // An include list may name values that the index does not have.
         return has || manager_.isReadOnly(key_.name);
     }

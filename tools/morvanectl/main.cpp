@@ -185,23 +185,44 @@ private:
                                   [this] { return explainKey(settings_); });
         takePreset(explain);
         explain->add_option("key", settings_.key, "Key, such as gain[1][2]")->required();
-        takeFile(add("translate", "Show what a load makes of each line of a preset data file",
-                     [this] { return translateFile(settings_); }),
-                 "Preset data file");
+        addDataFileCommands();
+    }
+
+    void addDataFileCommands() {
+        auto* const translate =
+            add("translate", "Show what a load makes of each line of a preset data file",
+                [this] { return translateFile(settings_); });
+        translate
+            ->add_option("--output", settings_.output,
+                         "Write the file that this release would have stored")
+            ->type_name("FILE");
+        auto* const validate = add("validate", "Check the keys and values of a preset data file",
+                                   [this] { return validateFile(settings_); });
+        for (auto* const subcommand : {translate, validate}) {
+            takeFile(subcommand, "Preset data file");
+            subcommand
+                ->add_option("--for", settings_.preset,
+                             "Preset as which it is to be loaded, instead of any")
+                ->type_name("PRESET");
+        }
         auto* const diff =
-            add("diff", "Compare the values of two preset data files, or of one and the device",
+            add("diff", "Compare two preset data files, or say what a load of one would change",
                 [this] { return compare(); });
         takeFile(diff, "Preset data file");
         diff->add_option("other", settings_.otherFile, "Preset data file to compare with")
             ->type_name("FILE");
-        diff->add_option("--live", settings_.livePreset,
-                         "Preset whose live values to compare with");
+        auto* const live =
+            diff->add_option("--live", settings_.preset, "Preset whose live values to compare with")
+                ->type_name("PRESET");
+        diff->add_flag("--with-defaults", settings_.withDefaults,
+                       "Compare with a load that resets what FILE lacks")
+            ->needs(live);
     }
 
     ExitStatus compare() {
-        if (settings_.otherFile.empty() == settings_.livePreset.empty())
+        if (settings_.otherFile.empty() == settings_.preset.empty())
             return fail("diff needs another FILE, or --live PRESET");
-        return settings_.livePreset.empty() ? diffFiles(settings_) : diffLive(settings_);
+        return settings_.preset.empty() ? diffFiles(settings_) : diffLive(settings_);
     }
 
     CLI::App app_;

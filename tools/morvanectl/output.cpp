@@ -20,6 +20,14 @@ std::string joined(std::span<const std::string> texts, const char* separator) {
     return all;
 }
 
+std::string shortList(std::span<const std::string> texts) {
+    constexpr std::size_t most = 8;
+    if (texts.size() <= most)
+        return joined(texts, ", ");
+    return joined(texts.first(most), ", ") + " and " + std::to_string(texts.size() - most) +
+           " more";
+}
+
 void writeList(std::span<const std::string> texts, bool asJson) {
     if (asJson) {
         auto list = Json::array();

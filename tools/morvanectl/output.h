@@ -27,6 +27,9 @@ using Json = nlohmann::ordered_json;
 /// The texts one after the other, with the separator between them.
 std::string joined(std::span<const std::string> texts, const char* separator);
 
+/// The first eight texts with commas between them, and how many more there are.
+std::string shortList(std::span<const std::string> texts);
+
 /// Writes one text per line, or one JSON array of texts.
 void writeList(std::span<const std::string> texts, bool asJson);
 

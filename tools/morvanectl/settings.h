@@ -26,17 +26,18 @@ struct Settings {
     std::string address;             ///< of the bus; empty for the session bus
     bool json = false;
 
-    std::string preset;
+    std::string preset; ///< empty where a command needs none
     std::string key;
     std::string file;
     std::string otherFile;         ///< of `diff`; empty when it reads the Parameter Handler
     std::vector<std::string> keys; ///< of `store-subpreset` and `in-preset`
     bool allVariants = false;      ///< of `check`: the named ones, or every combination of the axes
     std::vector<VariantAxis> axes;
-    bool asDaemon = false;  ///< of `check`: the daemon's own report, and nothing else
-    bool strict = false;    ///< of `check`: warnings decide the status
-    bool verbose = false;   ///< of `check`: also what is absent on some of the variants only
-    std::string livePreset; ///< of `diff`
+    bool asDaemon = false;     ///< of `check`: the daemon's own report, and nothing else
+    bool strict = false;       ///< of `check`: warnings decide the status
+    bool verbose = false;      ///< of `check`: also what is absent on some of the variants only
+    bool withDefaults = false; ///< of `diff`: compare with a load that resets what FILE lacks
+    std::string output;        ///< of `translate`: the file to write; empty for none
     bool dryRun = false;
 };
 

@@ -1,103 +1,85 @@
-// morvanectl translate: what becomes of each line of a preset data file when it is loaded.
+// morvanectl translate: what becomes of each line of a preset data file when it is loaded, and the
+// file that this release would have stored instead.
 
 #include "commands.h"
-#include "engine/preset_file.h"
-#include "engine/preset_translate.h"
+#include "data_check.h"
 #include "output.h"
-#include "text/cursor.h"
+#include "stored_file.h"
 #include "variant.h"
 
 #include <iostream>
+#include <map>
 
 namespace morvane::ctl {
 
 namespace {
 
 struct TranslatedLine {
-    std::uint32_t number;
-    std::string before; ///< the line as it was read
-    std::string after;  ///< empty if it is not loaded
-    std::string what;   ///< what was done, or why it is not loaded
+    DataLine place; ///< its text is gone
+    std::string before;
+    LineOutcome outcome;
 };
 
-std::string changes(const PresetEntry& before, const PresetEntry& after) {
-    std::vector<std::string> what;
-    if (after.name != before.name)
-        what.emplace_back("renamed");
-    if (after.value != before.value)
-        what.emplace_back("value mapped");
-    if (after.indices != before.indices)
-        what.emplace_back("re-indexed");
-    return what.empty() ? "kept" : joined(what, ", ");
-}
-
-std::string reasonForDropping(const PresetEntry& entry, const PresetManager& manager) {
-    const auto& [removed, nameMappings, indexMaps] = manager.translation();
-    const auto mapping = nameMappings.find(entry.name);
-    const std::string name(mapping == nameMappings.end() ? entry.name : mapping->second.newName);
-    return removed.contains(name) ? "dropped: " + name + " is in a removed list"
-                                  : "dropped: no parameter " + name + " on this variant";
-}
-
-TranslatedLine translateLine(std::string_view line, std::uint32_t number,
-                             const PresetManager& manager) {
-    TranslatedLine result{number, std::string(trimSpace(line)), {}, {}};
-    PresetEntry entry;
-    parsePresetLine(line, entry);
-    if (entry.name.empty() || entry.value.empty()) {
-        result.what = "skipped: not NAME=VALUE";
-        return result;
-    }
-    auto translated = entry;
-    if (!translateEntry(manager.translation(), translated) ||
-        !isOfKnownParameter(manager, translated)) {
-        result.what = reasonForDropping(entry, manager);
-    } else if (translated.name.empty()) {
-        result.what =
-            "dropped: its " + std::to_string(entry.indices.size()) + " indices cannot be mapped";
-    } else {
-        result.after = formatPresetLine(translated);
-        result.what = changes(entry, translated);
-    }
-    return result;
+std::string lineOf(const LineOutcome::Setting& setting) {
+    return setting.key + "=" + setting.value;
 }
 
 void writeLines(const std::vector<TranslatedLine>& lines) {
-    for (const auto& [number, before, after, what] : lines) {
-        std::cout << number << ": " << before;
-        if (!after.empty() && after != before)
-            std::cout << " -> " << after;
-        std::cout << " (" << what << ")\n";
+    for (const auto& [place, before, outcome] : lines) {
+        std::cout << place.number;
+        if (place.column > 0)
+            std::cout << ':' << place.column + 1;
+        std::cout << ": " << before;
+        if (outcome.set && lineOf(*outcome.set) != before)
+            std::cout << " -> " << lineOf(*outcome.set);
+        std::cout << " (" << outcome.what << ")\n";
     }
 }
 
 void writeLinesAsJson(const std::vector<TranslatedLine>& lines) {
     auto list = Json::array();
-    for (const auto& [number, before, after, what] : lines)
-        list.push_back({{"line", number},
+    for (const auto& [place, before, outcome] : lines) {
+        list.push_back({{"line", place.number},
+                        {"column", place.column + 1},
                         {"before", before},
-                        {"after", after.empty() ? Json() : Json(after)},
-                        {"what", what}});
+                        {"after", outcome.set ? Json(lineOf(*outcome.set)) : Json()},
+                        {"what", outcome.what}});
+    }
     writeJson(list);
+}
+
+// Of two lines with one key, the later counts.
+StoredValues valuesOf(const std::vector<TranslatedLine>& lines) {
+    StoredValues values;
+    for (const auto& line : lines) {
+        if (line.outcome.set)
+            values[line.outcome.set->key] = line.outcome.set->value;
+    }
+    return values;
 }
 
 } // namespace
 
 ExitStatus translateFile(const Settings& settings) {
-    const auto variant = readVariant(settings);
-    if (!variant)
+    const auto variant =
+        settings.preset.empty() ? readVariant(settings) : readVariantWithPreset(settings);
+    const auto file = variant ? fileToLoad(settings.file) : std::nullopt;
+    if (!file)
         return ExitStatus::error;
-    const auto stream = openDataFile(settings.file);
-    if (!stream)
-        return ExitStatus::error;
+    DataCheck check(*variant, settings.preset, *file, Reports::on);
     std::vector<TranslatedLine> lines;
-    LineReader<presetLineBufferSize> reader(stream.get());
-    while (const auto line = reader.next()) {
-        const auto number = static_cast<std::uint32_t>(lines.size() + 1);
-        lines.push_back(translateLine(*line, number, variant->manager));
-    }
+    const auto add = [&](const DataLine& line) {
+        lines.push_back({line, std::string(trimEnd(line.text)), check.check(line)});
+    };
+    if (!readDataLines(*file, add))
+        return ExitStatus::error;
     settings.json ? writeLinesAsJson(lines) : writeLines(lines);
-    return ExitStatus::yes;
+    for (const auto& line : lines) {
+        for (const auto& finding : line.outcome.others)
+            noteFinding(finding);
+    }
+    return settings.output.empty() ? ExitStatus::yes
+                                   : writeStoredFile(settings.output, *file, valuesOf(lines));
 }
 
 } // namespace morvane::ctl

@@ -4,8 +4,6 @@
 #include "output.h"
 #include "variant_choice.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <iostream>
 #include <iterator>
@@ -56,16 +54,6 @@ std::optional<Variant> readVariantWithPreset(const Settings& settings) {
         return std::nullopt;
     }
     return variant;
-}
-
-OwnedStream openDataFile(const std::string& file) {
-    struct stat status {};
-    OwnedStream stream;
-    if (stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode)) // a FIFO would block
-        stream.reset(std::fopen(file.c_str(), "r"));
-    if (!stream)
-        fail("cannot read " + file);
-    return stream;
 }
 
 } // namespace morvane::ctl

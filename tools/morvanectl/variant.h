@@ -1,11 +1,10 @@
 // What the offline subcommands read: the definitions, with the tables derived from them for one
-// variant of the device, and preset data files.
+// variant of the device.
 #pragma once
 
 #include "core/definitions.h"
 #include "core/preset_manager.h"
 #include "settings.h"
-#include "text/line_reader.h"
 
 #include <optional>
 #include <string>
@@ -25,9 +24,5 @@ std::optional<Variant> readVariant(const Settings& settings);
 
 /// As above, but fails with a message if the preset of the settings does not exist on this variant.
 std::optional<Variant> readVariantWithPreset(const Settings& settings);
-
-/// Opens a regular file for reading; unlike a load, leaves a left-over backup alone.
-/// @return null, with a message on standard error, if it cannot be read.
-OwnedStream openDataFile(const std::string& file);
 
 } // namespace morvane::ctl
