@@ -185,8 +185,59 @@ def test_says_that_its_output_cannot_be_written(world, ctl, command):
         outcome = subprocess.run(
             [*CTL, "-p", "parameters.def", "-d", "presets.def", *command], cwd=world.folder,
             stdout=full, stderr=subprocess.PIPE, text=True, check=False)
-    assert (outcome.returncode, outcome.stderr) == (
-        ERROR, "morvanectl: cannot write: No space left on device\n")
+    problem = "cannot write: No space left on device"
+    assert outcome.returncode == ERROR
+    assert outcome.stderr == (
+        json_message("error", problem) if "--json" in command else f"morvanectl: {problem}\n")
+
+
+def json_message(severity, text):
+    return json.dumps({"file": None, "line": None, "column": None, "severity": severity,
+                       "code": None, "text": text, "variants": []},
+                      separators=(",", ":")) + "\n"
+
+
+@pytest.mark.parametrize("arguments, text", [
+    (["is-preset", "scene"], "the service org.norvix.preset is not running"),
+    (["load", "scene", "x"], "the service org.norvix.preset is not running"),
+    (["keys", "nothing"], "no preset nothing covers a key on this variant; see: morvanectl "
+     "presets, morvanectl check"),
+    (["translate", "nowhere"], "cannot read nowhere: No such file or directory"),
+    (["validate", "."], "cannot read .: not a regular file"),
+    (["diff", "nowhere", "nowhere"], "cannot read nowhere: No such file or directory"),
+    (["diff", "a"], "diff needs another FILE, or --live PRESET"),
+    (["presets", "--variant", "x"], "no variant x in variants"),
+    (["presets", "--variants", "nowhere"], "cannot read nowhere: No such file or directory"),
+    (["presets", "-s", "a=1", "-s", "a=2"], "a=1 and a=2 give one system argument two values"),
+    (["check", "--all-variants"], "there are no named variants; see --variants, or give "
+     "--all-variants system arguments with all their values"),
+    (["keys"], "preset is required"),
+    (["nothing"], "A subcommand is required"),
+])
+def test_writes_errors_as_json(world, ctl, arguments, text):
+    status, output, problem = ctl(*arguments, "--json")
+    assert (status, output) == (ERROR, "")
+    assert problem.splitlines(keepends=True)[0] == json_message("error", text)
+
+
+def test_writes_what_is_wrong_in_the_definitions_as_json(world, ctl):
+    world.write("p", "gain rw { rangeValid (model == 1) { 1 } }\nx ry { }\n")
+    world.write("d", "all preset { }\n")
+    definitions = ("-p", "p", "-d", "d")
+    status, output, problem = ctl("keys", "all", "--json", definitions=definitions)
+    place = {"file": "p", "line": 2, "column": 3}
+    code = {"code": "invalid-access"}
+    assert (status, output) == (ERROR, "")
+    assert [json.loads(line) for line in problem.splitlines()] == [
+        {**place, "severity": severity, **code, "text": text, "variants": []}
+        for severity, text in (("error", "Invalid parameter access type"),
+                               ("note", "the access type is index, ro, rostrict, rw or wo"),
+                               ("note", "did you mean ro?"))]
+    world.write("p", "gain rw { rangeValid (model == 1) { 1 } }\n")
+    assert ctl("keys", "all", "--json", definitions=definitions) == (
+        YES, '[\n  "gain"\n]\n', json_message(
+            "warning", "nothing gives a value to model, which p uses; describe the device with "
+            "--system or --variant"))
 
 
 def test_names_the_options_when_definitions_cannot_be_read(ctl):

@@ -93,7 +93,12 @@ def test_refuses_what_the_list_of_variants_does_not_have(of_variant, world):
 def test_refuses_a_wrong_list_of_variants(of_variant, world):
     world.write("variants", "field: inputs=1\nstudio inputs=2\n")
     assert of_variant("keys", "all", "--variant", "field") == (
-        ERROR, "", "morvanectl: variants:2:1: a line is \"NAME: argument argument ...\"\n")
+        ERROR, "", "variants:2:1: error: a line is \"NAME: argument argument ...\"\n"
+        "studio inputs=2\n^\n")
+    world.write("variants", "\nfield: inputs=1\n\n \tfield: inputs=2")
+    assert of_variant("keys", "all", "--json") == (
+        ERROR, "", '{"file":"variants","line":4,"column":3,"severity":"error","code":"variants",'
+        '"text":"there is a variant field already","variants":[]}\n')
 
 
 def test_refuses_two_values_of_one_argument(of_variant):

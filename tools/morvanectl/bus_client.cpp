@@ -12,6 +12,7 @@ using OwnedLoop = std::unique_ptr<GMainLoop, ReleasedBy<g_main_loop_unref>>;
 struct Pending {
     const Service& service;
     const char* method;
+    const Messages& messages;
     OwnedLoop loop{g_main_loop_new(nullptr, FALSE)};
     Answer answer{};
 };
@@ -41,13 +42,15 @@ void onAnswer(GObject* bus, GAsyncResult* result, gpointer data) {
 
 gboolean noteWaiting(gpointer data) {
     const auto* const pending = static_cast<Pending*>(data);
-    note(std::string("waiting for ") + pending->service.name + " to answer " + pending->method);
+    pending->messages.note(std::string("waiting for ") + pending->service.name + " to answer " +
+                           pending->method);
     return G_SOURCE_REMOVE;
 }
 
 } // namespace
 
-BusClient::BusClient(const std::string& address, std::string& error) {
+BusClient::BusClient(const std::string& address, const Messages& messages, std::string& error)
+    : messages_(messages) {
     GError* raw = nullptr;
     constexpr auto flags =
         static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
@@ -64,7 +67,7 @@ BusClient::BusClient(const std::string& address, std::string& error) {
 
 Answer BusClient::call(const Service& service, const char* method, GVariant* arguments) const {
     constexpr guint noticeDelayMilliseconds = 1000;
-    Pending pending{service, method};
+    Pending pending{service, method, messages_};
     g_dbus_connection_call(bus_.get(), service.name, service.path, service.name, method, arguments,
                            nullptr, G_DBUS_CALL_FLAGS_NONE, G_MAXINT, nullptr, onAnswer, &pending);
     const auto timer = g_timeout_add(noticeDelayMilliseconds, noteWaiting, &pending);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "glib/variant.h"
+#include "output.h"
 
 #include <gio/gio.h>
 
@@ -30,8 +31,9 @@ struct Answer {
 class BusClient {
 public:
     /// Connects. On failure the object is of no use and `error` says why.
-    /// @param address empty for the session bus.
-    BusClient(const std::string& address, std::string& error);
+    /// @param address  empty for the session bus.
+    /// @param messages gets what is waited for.
+    BusClient(const std::string& address, const Messages& messages, std::string& error);
 
     /// Calls a method and waits for the answer, however long that takes; after a second, says on
     /// standard error what it is waiting for. Lets the bus start the service.
@@ -43,6 +45,7 @@ public:
     std::optional<bool> isRunning(const Service& service) const;
 
 private:
+    Messages messages_;
     std::unique_ptr<GDBusConnection, ReleasedBy<g_object_unref>> bus_;
 };
 

@@ -65,8 +65,9 @@ checkedVariants(const Settings& settings, const std::vector<NamedVariant>& named
             variants.push_back({named.name, argumentsOf(named, settings)});
         if (!variants.empty())
             return variants;
-        fail("there are no named variants; see --variants, or give --all-variants system arguments "
-             "with all their values");
+        settings.messages.fail(
+            "there are no named variants; see --variants, or give --all-variants system arguments "
+            "with all their values");
         return std::nullopt;
     }
     auto arguments = chosenArguments(settings, namedVariants);

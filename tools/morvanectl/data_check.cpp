@@ -39,10 +39,13 @@ bool looksLikeComment(std::string_view text) {
 
 } // namespace
 
-void noteFinding(const Finding& finding) {
+void noteFinding(const Finding& finding, const Messages& messages) {
     auto note = finding;
     note.severity = Severity::note;
-    writeHead(std::cerr, note, {});
+    if (messages.asJson())
+        report(note, messages);
+    else
+        writeHead(std::cerr, note, {});
 }
 
 std::vector<Finding> LineOutcome::findings() const {

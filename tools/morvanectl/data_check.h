@@ -33,7 +33,7 @@ struct LineOutcome {
 };
 
 /// Writes a finding to standard error as a note about an answer.
-void noteFinding(const Finding& finding);
+void noteFinding(const Finding& finding, const Messages& messages);
 
 /// Checks the lines of one file, one after the other.
 class DataCheck {

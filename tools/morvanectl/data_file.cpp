@@ -14,18 +14,18 @@
 
 namespace morvane::ctl {
 
-std::optional<std::string> fileToLoad(const std::string& file) {
+std::optional<std::string> fileToLoad(const std::string& file, const Messages& messages) {
     auto backup = backupOf(file);
     switch (lookUpBackup(file)) {
     case BackupState::none:
         return file;
     case BackupState::unknown:
-        fail("cannot examine " + backup + ": " + std::strerror(errno));
+        messages.fail("cannot examine " + backup + ": " + std::strerror(errno));
         return std::nullopt;
     case BackupState::leftOver:
         break;
     }
-    note("an interrupted store left " + backup + ", which a load puts back");
+    messages.note("an interrupted store left " + backup + ", which a load puts back");
     return backup;
 }
 
@@ -34,30 +34,31 @@ void logToStandardError() {
     setlogmask(LOG_UPTO(LOG_ERR));
 }
 
-OwnedStream openDataFile(const std::string& file) {
+OwnedStream openDataFile(const std::string& file, const Messages& messages) {
     struct stat status {};
     OwnedStream stream;
     const bool isThere = stat(file.c_str(), &status) == 0;
     if (isThere && !S_ISREG(status.st_mode)) { // a FIFO would block
-        fail("cannot read " + file + ": not a regular file");
+        messages.fail("cannot read " + file + ": not a regular file");
         return stream;
     }
     if (isThere)
         stream.reset(std::fopen(file.c_str(), "r"));
     if (!stream)
-        fail("cannot read " + file + ": " + std::strerror(errno));
+        messages.fail("cannot read " + file + ": " + std::strerror(errno));
     return stream;
 }
 
-bool isAtEnd(std::FILE* stream, const std::string& file) {
+bool isAtEnd(std::FILE* stream, const std::string& file, const Messages& messages) {
     if (std::ferror(stream) == 0)
         return true;
-    fail("cannot read " + file + ": " + std::strerror(errno));
+    messages.fail("cannot read " + file + ": " + std::strerror(errno));
     return false;
 }
 
-bool readDataLines(const std::string& file, const std::function<void(const DataLine&)>& use) {
-    const auto stream = openDataFile(file);
+bool readDataLines(const std::string& file, const Messages& messages,
+                   const std::function<void(const DataLine&)>& use) {
+    const auto stream = openDataFile(file, messages);
     if (!stream)
         return false;
     std::vector<char> block(LineReader<presetLineBufferSize>::blockSize);
@@ -71,7 +72,7 @@ bool readDataLines(const std::string& file, const std::function<void(const DataL
         line.number += endsLine ? 1 : 0;
         line.column = endsLine ? 0 : line.column + static_cast<std::uint32_t>(piece->size());
     }
-    return isAtEnd(stream.get(), file);
+    return isAtEnd(stream.get(), file, messages);
 }
 
 } // namespace morvane::ctl

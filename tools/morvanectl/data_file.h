@@ -2,6 +2,7 @@
 // line as a load reads it. Nothing on the disk is changed.
 #pragma once
 
+#include "output.h"
 #include "text/line_reader.h"
 
 #include <cstdint>
@@ -19,17 +20,17 @@ namespace morvane::ctl {
 ///
 /// @return nothing, with a message on standard error, if it cannot be told whether there is a
 ///         backup, with which a load fails.
-std::optional<std::string> fileToLoad(const std::string& file);
+std::optional<std::string> fileToLoad(const std::string& file, const Messages& messages);
 
 /// From now on, what the code of the service logs as an error goes to standard error, too.
 void logToStandardError();
 
 /// Opens a regular file for reading.
 /// @return null, with a message on standard error, if it cannot be read.
-OwnedStream openDataFile(const std::string& file);
+OwnedStream openDataFile(const std::string& file, const Messages& messages);
 
 /// Whether reading came to the end; if not, a message on standard error says so.
-bool isAtEnd(std::FILE* stream, const std::string& file);
+bool isAtEnd(std::FILE* stream, const std::string& file, const Messages& messages);
 
 /// A line of a preset data file, or a piece of one: a load reads a long line as several.
 struct DataLine {
@@ -41,6 +42,7 @@ struct DataLine {
 
 /// Hands the lines and pieces of a file to `use`, in order. Their texts are gone when it returns.
 /// @return false, with a message on standard error, if the file cannot be read to its end.
-bool readDataLines(const std::string& file, const std::function<void(const DataLine&)>& use);
+bool readDataLines(const std::string& file, const Messages& messages,
+                   const std::function<void(const DataLine&)>& use);
 
 } // namespace morvane::ctl

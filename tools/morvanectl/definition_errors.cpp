@@ -22,19 +22,19 @@ constexpr const char* openBlock = "open-block";
 constexpr const char* emptyFile = "empty-file";
 
 // Null, with a message, if the file cannot be opened.
-OwnedStream openFile(const std::string& path) {
+OwnedStream openFile(const std::string& path, const Messages& messages) {
     OwnedStream stream(std::fopen(path.c_str(), "r"));
     if (!stream)
-        fail("cannot read " + path + ": " + std::strerror(errno) +
-             "; name the definition files with --parameters and --presets");
+        messages.fail("cannot read " + path + ": " + std::strerror(errno) +
+                      "; name the definition files with --parameters and --presets");
     return stream;
 }
 
 // Whether all of an open file was read; else, with a message.
-bool wasRead(const std::string& path, std::FILE* stream) {
+bool wasRead(const std::string& path, std::FILE* stream, const Messages& messages) {
     if (std::ferror(stream) == 0)
         return true;
-    fail("cannot read " + path + ": " + std::strerror(errno));
+    messages.fail("cannot read " + path + ": " + std::strerror(errno));
     return false;
 }
 
@@ -151,12 +151,12 @@ private:
 
     bool readParameters() {
         const auto& path = settings_.paramDefFile;
-        const auto stream = openFile(path);
+        const auto stream = openFile(path, settings_.messages);
         if (!stream)
             return false;
         const auto error =
             readParamDefinitions(stream.get(), definitions_.parameters, KeptAttributes::all);
-        if (!wasRead(path, stream.get()))
+        if (!wasRead(path, stream.get(), settings_.messages))
             return false;
         if (error)
             addError(*error);
@@ -190,12 +190,12 @@ private:
 
     bool readPresets() {
         const auto& path = settings_.presetDefFile;
-        const auto stream = openFile(path);
+        const auto stream = openFile(path, settings_.messages);
         if (!stream)
             return false;
         PresetDefStop stop;
         const auto result = readPresetDefinitions(stream.get(), definitions_.presets, stop);
-        if (!wasRead(path, stream.get()))
+        if (!wasRead(path, stream.get(), settings_.messages))
             return false;
         const SourceFile file(path, *definitions_.presets.text);
         if (result == PARSE_PRESET_IO_ERROR) {

@@ -30,19 +30,20 @@ struct Difference {
 
 // Hands the file that a load would read to `read`, as a stream.
 // @return false, with a message, if it cannot be read to its end.
-bool readFile(const std::string& file, const std::function<void(std::FILE*)>& read) {
-    const auto source = fileToLoad(file);
-    const auto stream = source ? openDataFile(*source) : nullptr;
+bool readFile(const std::string& file, const Messages& messages,
+              const std::function<void(std::FILE*)>& read) {
+    const auto source = fileToLoad(file, messages);
+    const auto stream = source ? openDataFile(*source, messages) : nullptr;
     if (!stream)
         return false;
     read(stream.get());
-    return isAtEnd(stream.get(), *source);
+    return isAtEnd(stream.get(), *source, messages);
 }
 
 // Of two lines with the same key the second counts, as it does when both are loaded.
-std::optional<Values> readValues(const std::string& file) {
+std::optional<Values> readValues(const std::string& file, const Messages& messages) {
     Values values;
-    const bool isRead = readFile(file, [&values](std::FILE* stream) {
+    const bool isRead = readFile(file, messages, [&values](std::FILE* stream) {
         readPresetFile(stream, [&](PresetEntry& entry) { values[presetKey(entry)] = entry.value; });
     });
     return isRead ? std::optional(std::move(values)) : std::nullopt;
@@ -92,31 +93,31 @@ ExitStatus show(const std::vector<Difference>& differences, bool asJson) {
 }
 
 // The live values of all keys, read in one call.
-std::optional<Values> liveValues(const std::string& address, const std::vector<std::string>& keys) {
+std::optional<Values> liveValues(const Settings& settings, const std::vector<std::string>& keys) {
     constexpr guint32 noOption = 0;
     Values values;
     if (keys.empty())
         return values;
     std::string problem;
-    const BusClient bus(address, problem);
+    const BusClient bus(settings.address, settings.messages, problem);
     if (!problem.empty()) {
-        fail(problem);
+        settings.messages.fail(problem);
         return std::nullopt;
     }
     const auto answer = bus.call(parameterHandler, "single_get_bulk",
                                  g_variant_new("(u@as)", noOption, stringArray(keys)));
     if (!answer.values) {
-        fail(answer.error);
+        settings.messages.fail(answer.error);
         return std::nullopt;
     }
     if (g_variant_is_of_type(answer.values.get(), G_VARIANT_TYPE("(as)")) == FALSE) {
-        fail("the Parameter Handler answered something else than texts");
+        settings.messages.fail("the Parameter Handler answered something else than texts");
         return std::nullopt;
     }
     const OwnedVariant list(g_variant_get_child_value(answer.values.get(), 0));
     auto texts = stringsOf(list.get());
     if (texts.size() != keys.size()) {
-        fail("the Parameter Handler answered another number of values");
+        settings.messages.fail("the Parameter Handler answered another number of values");
         return std::nullopt;
     }
     for (std::size_t i = 0; i < keys.size(); ++i)
@@ -134,7 +135,7 @@ struct Load {
 std::optional<Load> planLoad(const Settings& settings, const Variant& variant) {
     const auto& keys = *variant.manager.findPreset(settings.preset);
     LoadPlan plan(variant.manager, keys);
-    const bool isRead = readFile(settings.file, [&plan](std::FILE* stream) {
+    const bool isRead = readFile(settings.file, settings.messages, [&plan](std::FILE* stream) {
         readPresetFile(
             stream, [&plan](std::string_view line) { return plan.addAsWritten(line); },
             [&plan](PresetEntry& entry) { plan.add(entry); });
@@ -165,8 +166,8 @@ std::optional<Load> planLoad(const Settings& settings, const Variant& variant) {
 } // namespace
 
 ExitStatus diffFiles(const Settings& settings) {
-    const auto first = readValues(settings.file);
-    const auto second = readValues(settings.otherFile);
+    const auto first = readValues(settings.file, settings.messages);
+    const auto second = readValues(settings.otherFile, settings.messages);
     if (!first || !second)
         return ExitStatus::error;
     return show(differences(*first, *second), settings.json);
@@ -181,7 +182,7 @@ ExitStatus diffLive(const Settings& settings) {
     auto keys = load->keysToReset;
     for (const auto& [key, value] : load->values)
         keys.push_back(key);
-    auto live = liveValues(settings.address, keys);
+    auto live = liveValues(settings, keys);
     if (!live)
         return ExitStatus::error;
     std::vector<Difference> resets;

@@ -102,19 +102,19 @@ void noteFindings(const Settings& settings, const std::string& file, const Varia
     if (!variant.manager.is_preset(settings.preset) || access(file.c_str(), R_OK) != 0)
         return;
     DataCheck check(variant, settings.preset, file, Reports::off);
-    readDataLines(file, [&](const DataLine& line) {
+    readDataLines(file, settings.messages, [&](const DataLine& line) {
         for (const auto& finding : check.check(line).findings())
-            noteFinding(finding);
+            noteFinding(finding, settings.messages);
     });
 }
 
 bool loadFileInto(CallList& list, const Settings& settings, const Variant& variant,
                   Defaults defaults) {
-    const auto file = fileToLoad(settings.file);
+    const auto file = fileToLoad(settings.file, settings.messages);
     if (!file)
         return false;
     if (lookUpBackup(*file) == BackupState::leftOver) { // which reading the file would put back
-        note(*file + " has a backup, too: " + backupOf(*file));
+        settings.messages.note(*file + " has a backup, too: " + backupOf(*file));
         return false;
     }
     const auto operations = list.operations();

@@ -2,7 +2,7 @@
 
 #include "text/diagnostic.h"
 
-#include <ostream>
+#include <iostream>
 #include <utility>
 
 namespace morvane::ctl {
@@ -69,6 +69,17 @@ void appendJson(Json& list, const Finding& finding) {
     list.push_back(jsonOf(finding, finding.severity, finding.text));
     for (const auto& note : finding.notes)
         list.push_back(jsonOf(finding, Severity::note, note));
+}
+
+void report(const Finding& finding, const Messages& messages) {
+    if (!messages.asJson()) {
+        write(std::cerr, finding);
+        return;
+    }
+    auto list = Json::array();
+    appendJson(list, finding);
+    for (const auto& object : list)
+        writeJsonLine(object);
 }
 
 SourceFile::SourceFile(std::string path, const SourceText& text)

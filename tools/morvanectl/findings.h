@@ -42,6 +42,9 @@ void writeHead(std::ostream& stream, const Finding& finding, const std::string& 
 /// As above, with the line, a caret below it, and the notes.
 void write(std::ostream& stream, const Finding& finding, const std::string& where = {});
 
+/// Writes the finding to standard error, with its line, caret and notes or as JSON.
+void report(const Finding& finding, const Messages& messages);
+
 /// Appends the finding to a JSON array of objects, and each note as one of its own.
 void appendJson(Json& list, const Finding& finding);
 

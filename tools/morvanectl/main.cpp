@@ -13,6 +13,8 @@
 #include <functional>
 #include <iostream>
 #include <new>
+#include <span>
+#include <string_view>
 
 namespace morvane::ctl {
 
@@ -57,12 +59,44 @@ public:
     ExitStatus run(int argc, char** argv) {
         try {
             app_.parse(argc, argv);
+            settings_.messages = Messages(settings_.json);
+            return finish();
         } catch (const CLI::ParseError& error) {
-            return app_.exit(error) == 0 ? ExitStatus::yes : ExitStatus::error;
+            return explain(error, std::span(argv, static_cast<std::size_t>(argc)));
+        } catch (const std::bad_alloc&) { // definitions may stand for more keys than memory holds
+            return settings_.messages.fail("there is not enough memory");
         }
+    }
+
+    /// Whether all of the answer could be written; else, with a message.
+    bool isWritten() const {
+        std::cout.flush();
+        const bool written = std::cout.good() && std::ferror(stdout) == 0;
+        if (!written)
+            settings_.messages.fail(std::string("cannot write: ") + std::strerror(errno));
+        return written;
+    }
+
+private:
+    using Command = std::function<ExitStatus()>;
+
+    // Which option is wrong may be one before --json.
+    ExitStatus explain(const CLI::ParseError& error, std::span<char*> arguments) {
+        const auto status = static_cast<CLI::ExitCodes>(error.get_exit_code());
+        const bool asJson = std::any_of(arguments.begin(), arguments.end(), [](const char* text) {
+            return std::string_view(text) == "--json";
+        });
+        settings_.messages = Messages(asJson);
+        if (asJson && status != CLI::ExitCodes::Success)
+            return settings_.messages.fail(error.what());
+        return app_.exit(error) == 0 ? ExitStatus::yes : ExitStatus::error;
+    }
+
+    // Runs the command with all that was parsed.
+    ExitStatus finish() {
         if (const auto conflict = conflictOf(systemArguments_))
-            return fail(conflict->first + " and " + conflict->second +
-                        " give one system argument two values");
+            return settings_.messages.fail(conflict->first + " and " + conflict->second +
+                                           " give one system argument two values");
         for (const auto& argument : systemArguments_)
             addSystemArgument(settings_.systemArguments, argument);
         settings_.allVariants = allVariants_->count() > 0;
@@ -72,9 +106,6 @@ public:
         }
         return command_();
     }
-
-private:
-    using Command = std::function<ExitStatus()>;
 
     void addOptions() {
         app_.add_option("-p,--parameters", settings_.paramDefFile, "Parameter definition file")
@@ -221,7 +252,7 @@ private:
 
     ExitStatus compare() {
         if (settings_.otherFile.empty() == settings_.preset.empty())
-            return fail("diff needs another FILE, or --live PRESET");
+            return settings_.messages.fail("diff needs another FILE, or --live PRESET");
         return settings_.preset.empty() ? diffFiles(settings_) : diffLive(settings_);
     }
 
@@ -238,15 +269,8 @@ private:
 } // namespace morvane::ctl
 
 int main(int argc, char** argv) {
-    using namespace morvane::ctl;
-    ExitStatus status = ExitStatus::error;
-    try {
-        status = CommandLine().run(argc, argv);
-    } catch (const std::bad_alloc&) { // definitions may stand for more keys than memory holds
-        fail("there is not enough memory");
-    }
-    std::cout.flush();
-    if (!std::cout || std::ferror(stdout) != 0)
-        status = fail(std::string("cannot write: ") + std::strerror(errno));
-    return static_cast<int>(status);
+    using morvane::ctl::ExitStatus;
+    morvane::ctl::CommandLine line;
+    const auto status = line.run(argc, argv);
+    return static_cast<int>(line.isWritten() ? status : ExitStatus::error);
 }

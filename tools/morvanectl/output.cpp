@@ -4,13 +4,32 @@
 
 namespace morvane::ctl {
 
-ExitStatus fail(std::string_view problem) {
-    note(problem);
+ExitStatus Messages::fail(std::string_view problem) const {
+    say("error", problem);
     return ExitStatus::error;
 }
 
-void note(std::string_view text) {
-    std::cerr << "morvanectl: " << text << std::endl;
+void Messages::warn(std::string_view problem) const {
+    say("warning", problem);
+}
+
+void Messages::note(std::string_view text) const {
+    say("note", text);
+}
+
+void Messages::say(const char* severity, std::string_view text) const {
+    const Json nothing;
+    if (asJson_)
+        writeJsonLine({{"file", nothing},
+                       {"line", nothing},
+                       {"column", nothing},
+                       {"severity", severity},
+                       {"code", nothing},
+                       {"text", text},
+                       {"variants", Json::array()}});
+    else
+        std::cerr << "morvanectl: " << (std::string_view(severity) == "warning" ? "warning: " : "")
+                  << text << std::endl;
 }
 
 std::string joined(std::span<const std::string> texts, const char* separator) {
@@ -38,6 +57,10 @@ void writeList(std::span<const std::string> texts, bool asJson) {
     }
     for (const auto& text : texts)
         std::cout << text << '\n';
+}
+
+void writeJsonLine(const Json& value) {
+    std::cerr << value.dump(-1, ' ', false, Json::error_handler_t::replace) << std::endl;
 }
 
 void writeJson(const Json& value) {

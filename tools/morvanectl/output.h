@@ -15,12 +15,29 @@ enum class ExitStatus : int {
     error = 2, ///< the question could not be answered
 };
 
-/// Writes a line about a problem to standard error, after the program's name.
-/// @return ExitStatus::error, so that a command can end with it.
-ExitStatus fail(std::string_view problem);
+/// What is said on standard error, beside the answer: lines after the program's name or, as JSON,
+/// objects like those of findings, one a line.
+class Messages {
+public:
+    explicit Messages(bool asJson = false) : asJson_(asJson) {}
 
-/// Writes a line to standard error that is not about a problem, such as what is awaited.
-void note(std::string_view text);
+    /// Says why the question cannot be answered.
+    /// @return ExitStatus::error, so that a command can end with it.
+    ExitStatus fail(std::string_view problem) const;
+
+    /// Says what may be a mistake.
+    void warn(std::string_view problem) const;
+
+    /// Says what is no problem, such as what is awaited.
+    void note(std::string_view text) const;
+
+    bool asJson() const { return asJson_; }
+
+private:
+    void say(const char* severity, std::string_view text) const;
+
+    bool asJson_;
+};
 
 using Json = nlohmann::ordered_json;
 
@@ -32,6 +49,9 @@ std::string shortList(std::span<const std::string> texts);
 
 /// Writes one text per line, or one JSON array of texts.
 void writeList(std::span<const std::string> texts, bool asJson);
+
+/// Writes a value to standard error, on one line. Bytes that are not UTF-8 become U+FFFD.
+void writeJsonLine(const Json& value);
 
 /// Writes a value with a line feed. Bytes that are not UTF-8 become U+FFFD.
 void writeJson(const Json& value);

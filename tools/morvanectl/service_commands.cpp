@@ -42,9 +42,9 @@ bool isSendable(const Settings& settings) {
     return sendable;
 }
 
-ExitStatus statusOf(const Answer& answer) {
+ExitStatus statusOf(const Answer& answer, const Messages& messages) {
     if (!answer.values)
-        return fail(answer.error);
+        return messages.fail(answer.error);
     gboolean yes = TRUE; // "die" answers nothing
     if (g_variant_check_format_string(answer.values.get(), "(b)", FALSE) != FALSE)
         g_variant_get(answer.values.get(), "(b)", &yes);
@@ -55,12 +55,13 @@ ExitStatus statusOf(const Answer& answer) {
 
 ExitStatus callService(const Settings& settings, const char* method) {
     if (!isSendable(settings))
-        return fail("names, keys and paths must be UTF-8");
+        return settings.messages.fail("names, keys and paths must be UTF-8");
     std::string problem;
-    const BusClient bus(settings.address, problem);
+    const BusClient bus(settings.address, settings.messages, problem);
     if (!problem.empty())
-        return fail(problem);
-    const auto status = statusOf(bus.call(presetService, method, argumentsOf(settings, method)));
+        return settings.messages.fail(problem);
+    const auto status =
+        statusOf(bus.call(presetService, method, argumentsOf(settings, method)), settings.messages);
     const bool asked =
         std::string_view(method) == "is_preset" || std::string_view(method) == "in_preset";
     if (asked && status != ExitStatus::error)
@@ -70,15 +71,15 @@ ExitStatus callService(const Settings& settings, const char* method) {
 
 ExitStatus showStatus(const Settings& settings) {
     std::string problem;
-    const BusClient bus(settings.address, problem);
+    const BusClient bus(settings.address, settings.messages, problem);
     if (!problem.empty())
-        return fail(problem);
+        return settings.messages.fail(problem);
     bool all = true;
     auto states = Json::object();
     for (const auto& service : {presetService, parameterHandler}) {
         const auto running = bus.isRunning(service);
         if (!running)
-            return fail("the bus does not answer");
+            return settings.messages.fail("the bus does not answer");
         all = all && *running;
         states[service.name] = *running;
         if (!settings.json)

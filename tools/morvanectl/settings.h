@@ -1,6 +1,7 @@
 // What the options of morvanectl say, for all of its subcommands.
 #pragma once
 
+#include "output.h"
 #include "paramdef/system_arguments.h"
 
 #include <string>
@@ -25,6 +26,7 @@ struct Settings {
     std::string variantsFile;        ///< the list of named variants; empty for the usual place
     std::string address;             ///< of the bus; empty for the session bus
     bool json = false;
+    Messages messages; ///< as JSON with `json`
 
     std::string preset; ///< empty where a command needs none
     std::string key;

@@ -43,9 +43,9 @@ bool writeLines(std::FILE* stream, const StoredValues& values) {
 } // namespace
 
 ExitStatus writeStoredFile(const std::string& file, const std::string& input,
-                           const StoredValues& values) {
-    const auto cannot = [&file](const std::string& why) {
-        return fail("cannot write " + file + ": " + why);
+                           const StoredValues& values, const Messages& messages) {
+    const auto cannot = [&](const std::string& why) {
+        return messages.fail("cannot write " + file + ": " + why);
     };
     const auto reason = obstacle(file, input, values);
     if (!reason.empty())

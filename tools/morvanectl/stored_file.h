@@ -18,6 +18,6 @@ using StoredValues = std::map<std::string, std::string>;
 /// @param values none of them empty, which a load does not set either.
 /// @return yes, or error with a message on standard error.
 ExitStatus writeStoredFile(const std::string& file, const std::string& input,
-                           const StoredValues& values);
+                           const StoredValues& values, const Messages& messages);
 
 } // namespace morvane::ctl

@@ -63,7 +63,7 @@ StoredValues valuesOf(const std::vector<TranslatedLine>& lines) {
 ExitStatus translateFile(const Settings& settings) {
     const auto variant =
         settings.preset.empty() ? readVariant(settings) : readVariantWithPreset(settings);
-    const auto file = variant ? fileToLoad(settings.file) : std::nullopt;
+    const auto file = variant ? fileToLoad(settings.file, settings.messages) : std::nullopt;
     if (!file)
         return ExitStatus::error;
     DataCheck check(*variant, settings.preset, *file, Reports::on);
@@ -71,15 +71,16 @@ ExitStatus translateFile(const Settings& settings) {
     const auto add = [&](const DataLine& line) {
         lines.push_back({line, std::string(trimEnd(line.text)), check.check(line)});
     };
-    if (!readDataLines(*file, add))
+    if (!readDataLines(*file, settings.messages, add))
         return ExitStatus::error;
     settings.json ? writeLinesAsJson(lines) : writeLines(lines);
     for (const auto& line : lines) {
         for (const auto& finding : line.outcome.others)
-            noteFinding(finding);
+            noteFinding(finding, settings.messages);
     }
-    return settings.output.empty() ? ExitStatus::yes
-                                   : writeStoredFile(settings.output, *file, valuesOf(lines));
+    return settings.output.empty()
+               ? ExitStatus::yes
+               : writeStoredFile(settings.output, *file, valuesOf(lines), settings.messages);
 }
 
 } // namespace morvane::ctl

@@ -14,7 +14,7 @@ namespace morvane::ctl {
 ExitStatus validateFile(const Settings& settings) {
     const auto variant =
         settings.preset.empty() ? readVariant(settings) : readVariantWithPreset(settings);
-    const auto file = variant ? fileToLoad(settings.file) : std::nullopt;
+    const auto file = variant ? fileToLoad(settings.file, settings.messages) : std::nullopt;
     if (!file)
         return ExitStatus::error;
     DataCheck check(*variant, settings.preset, *file, Reports::off);
@@ -23,7 +23,7 @@ ExitStatus validateFile(const Settings& settings) {
         for (auto& finding : check.check(line).findings())
             findings.push_back(std::move(finding));
     };
-    if (!readDataLines(*file, add))
+    if (!readDataLines(*file, settings.messages, add))
         return ExitStatus::error;
     auto list = Json::array();
     for (const auto& finding : findings)

@@ -5,7 +5,6 @@
 #include "variant_choice.h"
 
 #include <algorithm>
-#include <iostream>
 #include <iterator>
 #include <utility>
 
@@ -24,7 +23,7 @@ std::string namesOf(const std::vector<UndescribedName>& undescribed) {
 std::optional<Definitions> usableDefinitions(const Settings& settings) {
     auto files = readDefinitionFiles(settings);
     for (const auto& error : files.errors)
-        write(std::cerr, error);
+        report(error, settings.messages);
     return std::move(files.definitions);
 }
 
@@ -40,8 +39,9 @@ std::optional<Variant> readVariant(const Settings& settings) {
         return std::nullopt;
     const auto unknown = undescribedNames(definitions->parameters, *arguments, *named);
     if (!unknown.empty())
-        note("warning: nothing gives a value to " + namesOf(unknown) + ", which " +
-             settings.paramDefFile + " uses; describe the device with --system or --variant");
+        settings.messages.warn("nothing gives a value to " + namesOf(unknown) + ", which " +
+                               settings.paramDefFile +
+                               " uses; describe the device with --system or --variant");
     PresetManager manager(*definitions, *arguments);
     return Variant{*std::move(definitions), *std::move(arguments), std::move(manager)};
 }
@@ -49,8 +49,9 @@ std::optional<Variant> readVariant(const Settings& settings) {
 std::optional<Variant> readVariantWithPreset(const Settings& settings) {
     auto variant = readVariant(settings);
     if (variant && !variant->manager.is_preset(settings.preset)) {
-        fail("no preset " + settings.preset +
-             " covers a key on this variant; see: morvanectl presets, morvanectl check");
+        settings.messages.fail(
+            "no preset " + settings.preset +
+            " covers a key on this variant; see: morvanectl presets, morvanectl check");
         return std::nullopt;
     }
     return variant;

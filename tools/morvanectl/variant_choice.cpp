@@ -1,6 +1,6 @@
 #include "variant_choice.h"
 
-#include "output.h"
+#include "findings.h"
 #include "paramdef/system_parameter.h"
 #include "text/line_reader.h"
 
@@ -32,6 +32,12 @@ std::optional<std::string> readFile(const std::string& path) {
     return std::ferror(stream.get()) == 0 ? std::optional(std::move(text)) : std::nullopt;
 }
 
+std::string lineOf(std::string_view text, std::uint32_t number) {
+    for (; number > 1; --number)
+        text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
+    return std::string(text.substr(0, text.find('\n')));
+}
+
 std::string variantsFileOf(const Settings& settings) {
     if (!settings.variantsFile.empty())
         return settings.variantsFile;
@@ -44,7 +50,7 @@ bool asksForTheDevice(const Settings& settings) {
            settings.presetDefFile == installedPresetDefFile;
 }
 
-std::optional<SystemArguments> deviceArguments() {
+std::optional<SystemArguments> deviceArguments(const Settings& settings) {
     const auto text = readFile(deviceArgumentsFile);
     const auto value = environmentValue(text.value_or(""), deviceArgumentsVariable);
     SystemArguments arguments;
@@ -52,12 +58,13 @@ std::optional<SystemArguments> deviceArguments() {
         return arguments;
     for (const auto& word : commandLineWords(*value)) {
         if (!addSystemArgument(arguments, word)) {
-            fail(std::string(deviceArgumentsFile) + ": " + word +
-                 " is no argument, with which the daemon does not start");
+            settings.messages.fail(std::string(deviceArgumentsFile) + ": " + word +
+                                   " is no argument, with which the daemon does not start");
             return std::nullopt;
         }
     }
-    note("the device's own arguments, from " + std::string(deviceArgumentsFile) + ": " + *value);
+    settings.messages.note("the device's own arguments, from " + std::string(deviceArgumentsFile) +
+                           ": " + *value);
     return arguments;
 }
 
@@ -117,12 +124,20 @@ std::optional<std::vector<NamedVariant>> readNamedVariants(const Settings& setti
     if (!text) {
         if (settings.variantsFile.empty())
             return variants;
-        fail("cannot read " + path + ": " + std::strerror(errno));
+        settings.messages.fail("cannot read " + path + ": " + std::strerror(errno));
         return std::nullopt;
     }
     if (const auto problem = parseVariants(*text, variants)) {
         const auto& [line, column, what] = *problem;
-        fail(path + ":" + std::to_string(line) + ":" + std::to_string(column + 1) + ": " + what);
+        report({.file = path,
+                .line = line,
+                .column = column + 1,
+                .severity = Severity::error,
+                .code = "variants",
+                .text = what,
+                .sourceLine = lineOf(*text, line),
+                .caret = column},
+               settings.messages);
         return std::nullopt;
     }
     return variants;
@@ -138,7 +153,7 @@ SystemArguments argumentsOf(const NamedVariant& variant, const Settings& setting
 std::optional<SystemArguments> chosenArguments(const Settings& settings,
                                                const std::vector<NamedVariant>& variants) {
     if (settings.variant.empty())
-        return asksForTheDevice(settings) ? deviceArguments() : settings.systemArguments;
+        return asksForTheDevice(settings) ? deviceArguments(settings) : settings.systemArguments;
     const auto variant = std::find_if(variants.begin(), variants.end(), [&](const NamedVariant& v) {
         return v.name == settings.variant;
     });
@@ -147,8 +162,8 @@ std::optional<SystemArguments> chosenArguments(const Settings& settings,
     std::vector<std::string> names;
     std::transform(variants.begin(), variants.end(), std::back_inserter(names),
                    [](const NamedVariant& v) { return v.name; });
-    fail("no variant " + settings.variant + " in " + variantsFileOf(settings) +
-         (names.empty() ? "" : ", which has: " + joined(names, ", ")));
+    settings.messages.fail("no variant " + settings.variant + " in " + variantsFileOf(settings) +
+                           (names.empty() ? "" : ", which has: " + joined(names, ", ")));
     return std::nullopt;
 }
 
