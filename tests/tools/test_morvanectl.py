@@ -397,6 +397,17 @@ fan is not in all
 """, "")
 
 
+def test_explains_that_all_adds_no_value_that_the_index_lacks(world, ctl):
+    """Beside "all", an item that names such a value counts for nothing."""
+    world.write("parameters.def", "port index { rangeValid { 5 } }\nled ro { index { port } }\n")
+    world.write("presets.def",
+                "some preset { include ro { led { index { port { 1 } } }, all } }\n")
+    assert ctl("explain", "some", "led[1]")[1].splitlines()[-1] == (
+        "    an include list has all, which adds the values that the indices have, and no others")
+    assert ctl("explain", "some", "led[5]")[1].splitlines()[-1] == (
+        "    presets.def:1: added by the include list: all")
+
+
 def test_explains_which_of_two_presets_counts(world, ctl):
     world.write("presets.def", """\
 twice preset { exclude rw { all } }

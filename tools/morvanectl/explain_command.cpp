@@ -207,9 +207,11 @@ private:
                        "away");
         const auto& map = includes ? manager_.readOnly() : manager_.readWrite();
         const ParameterMap alone{{key_.name, map.indexNames(*map.find(key_.name))}};
+        const auto parts = partsOf(preset);
+        const bool includesAll = includes && std::any_of(parts.begin(), parts.end(), isIncludedAll);
         bool any = false;
-        for (const auto& part : partsOf(preset)) {
-            if ((part.kind == Kind::include) != includes ||
+        for (const auto& part : parts) {
+            if ((part.kind == Kind::include) != includes || (includesAll && !isIncludedAll(part)) ||
                 !selectedKeys(part, manager_, alone).contains(settings_.key))
                 continue;
             any = true;
@@ -219,8 +221,15 @@ private:
                     part.text);
         }
         if (!any)
-            lines_.emplace_back(includes ? "no include list adds it"
-                                         : "no exclude list takes it away");
+            lines_.emplace_back(includesAll ? "an include list has all, which adds the values that "
+                                              "the indices have, and no others"
+                                : includes  ? "no include list adds it"
+                                            : "no exclude list takes it away");
+    }
+
+    // Beside it nothing of any include list counts, not even index values that it does not add.
+    static bool isIncludedAll(const PresetPart& part) {
+        return part.kind == Kind::include && part.alone.includeLists.front().all;
     }
 
     const Settings& settings_;
