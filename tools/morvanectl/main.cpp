@@ -59,10 +59,12 @@ public:
     ExitStatus run(int argc, char** argv) {
         try {
             app_.parse(argc, argv);
-            settings_.messages = Messages(settings_.json);
-            return finish();
         } catch (const CLI::ParseError& error) {
             return explain(error, std::span(argv, static_cast<std::size_t>(argc)));
+        }
+        settings_.messages = Messages(settings_.json);
+        try {
+            return finish();
         } catch (const std::bad_alloc&) { // definitions may stand for more keys than memory holds
             return settings_.messages.fail("there is not enough memory");
         }
@@ -270,7 +272,12 @@ private:
 
 int main(int argc, char** argv) {
     using morvane::ctl::ExitStatus;
-    morvane::ctl::CommandLine line;
-    const auto status = line.run(argc, argv);
-    return static_cast<int>(line.isWritten() ? status : ExitStatus::error);
+    try {
+        morvane::ctl::CommandLine line;
+        const auto status = line.run(argc, argv);
+        return static_cast<int>(line.isWritten() ? status : ExitStatus::error);
+    } catch (const std::exception& error) { // which only a defect of this program can cause
+        std::fprintf(stderr, "morvanectl: %s\n", error.what());
+        return static_cast<int>(ExitStatus::error);
+    }
 }

@@ -19,7 +19,7 @@ void Messages::note(std::string_view text) const {
 
 void Messages::say(const char* severity, std::string_view text) const {
     const Json nothing;
-    if (asJson_)
+    if (asJson_) {
         writeJsonLine({{"file", nothing},
                        {"line", nothing},
                        {"column", nothing},
@@ -27,9 +27,10 @@ void Messages::say(const char* severity, std::string_view text) const {
                        {"code", nothing},
                        {"text", text},
                        {"variants", Json::array()}});
-    else
-        std::cerr << "morvanectl: " << (std::string_view(severity) == "warning" ? "warning: " : "")
-                  << text << std::endl;
+        return;
+    }
+    std::cerr << "morvanectl: " << (std::string_view(severity) == "warning" ? "warning: " : "")
+              << text << std::endl;
 }
 
 std::string joined(std::span<const std::string> texts, const char* separator) {
