@@ -9,6 +9,11 @@ ParamDefResult DefaultParser::parse(Cursor& line) {
     return readTokens<ParamDefResult::incomplete>(line, [&] { return readToken(line); });
 }
 
+void DefaultParser::drop() {
+    default_.condition.drop();
+    default_.value.drop();
+}
+
 ParamDefResult DefaultParser::readToken(Cursor& line) {
     switch (expect_) {
     case Expect::openBrace: {

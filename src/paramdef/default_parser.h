@@ -20,6 +20,9 @@ public:
     /// Hands over the default that was read and starts again with an empty one.
     DefaultSpec take() { return {default_.condition.take(), default_.value.take()}; }
 
+    /// Forgets it instead.
+    void drop();
+
 private:
     enum class Expect {
         openBrace,

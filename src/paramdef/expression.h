@@ -72,6 +72,9 @@ struct Expression {
         tokens.clear();
         return taken;
     }
+
+    /// Forgets the tokens and keeps the memory for the next ones.
+    void drop() { tokens.clear(); }
 };
 
 /// The value of an operand during an evaluation.

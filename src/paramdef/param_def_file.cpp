@@ -17,13 +17,14 @@ void printError(const ParamDefError& error, const SourceText& text) {
     printWithCaret(heading, *text.line(line), column);
 }
 
-} // namespace
-
-std::optional<ParamDefError> readParamDefinitions(std::FILE* stream, SystemParameterTable& table,
-                                                  KeptAttributes kept) {
-    ParamDefParser parser(kept);
+// Parses one line after the other, up to the first error.
+//
+// nextLine is given the number of a line.
+template <typename NextLine>
+std::optional<ParamDefError> parseLines(ParamDefParser& parser, SystemParameterTable& table,
+                                        NextLine nextLine) {
     SourceText::Place place{1, 0};
-    for (; const auto line = table.text().readLine(stream); ++place.line) {
+    for (; const auto line = nextLine(place.line); ++place.line) {
         const auto result = parser.parseParamDefLine(table, place.column, *line, place.line);
         if (result != ParamDefResult::ok)
             return ParamDefError{result, place, parser.state()};
@@ -32,6 +33,21 @@ std::optional<ParamDefError> readParamDefinitions(std::FILE* stream, SystemParam
         return std::nullopt;
     const auto block = table.text().placeOf(parser.blockName());
     return ParamDefError{ParamDefResult::incomplete, block.value_or(place), parser.state()};
+}
+
+} // namespace
+
+std::optional<ParamDefError> readParamDefinitions(std::FILE* stream, SystemParameterTable& table,
+                                                  KeptAttributes kept) {
+    auto& text = table.text();
+    ParamDefParser parser(kept);
+    auto error = parseLines(parser, table, [&](std::uint32_t) { return text.readLine(stream); });
+    if (!parser.lacksRanges())
+        return error;
+    // Once more, from memory: the file may be a pipe.
+    table.clear();
+    ParamDefParser keeper(KeptAttributes::all);
+    return parseLines(keeper, table, [&](std::uint32_t number) { return text.line(number); });
 }
 
 ParamDefResult readParamDefFile(const char* path, SystemParameterTable* table,

@@ -29,6 +29,15 @@ constexpr std::array attributeKeywords{
     AttributeKeyword{"index", State::inIndex, false},
 };
 
+// Moves the attribute that was just completed to the end of its list, or drops it.
+template <typename Parser, typename Attribute>
+void finish(Parser& parser, std::vector<Attribute>& attributes, bool isKept) {
+    if (isKept)
+        attributes.push_back(parser.take());
+    else
+        parser.drop();
+}
+
 } // namespace
 
 ParamDefResult ParamDefParser::parseParamDefLine(SystemParameterTable& table,
@@ -85,6 +94,9 @@ ParamDefResult ParamDefParser::readAccess(SystemParameterTable& table, Cursor& l
     const auto access = accessTypeOf(line.word("{"));
     if (!access)
         return ParamDefResult::invalidAccess;
+    const bool becomesIndex =
+        parameter->access != AccessType::ACCESS_INDEX && *access == AccessType::ACCESS_INDEX;
+    lacksRanges_ = lacksRanges_ || (becomesIndex && kept_ != KeptAttributes::all);
     parameter->access = *access;
     state_ = State::expectOpenBrace;
     return ParamDefResult::incomplete;
@@ -146,36 +158,30 @@ ParamDefResult ParamDefParser::readAttributeBody(Cursor& line) {
     return ParamDefResult::internalError;
 }
 
-// Adds an attribute that the start of the daemon does not use.
-template <typename Attribute>
-void ParamDefParser::addUnused(std::vector<Attribute>& attributes, Attribute attribute) const {
-    if (kept_ == KeptAttributes::all)
-        attributes.push_back(std::move(attribute));
-}
-
-// Moves the attribute that was just completed to the end of its list.
 ParamDefResult ParamDefParser::finishAttribute(SystemParameter& parameter) {
+    const bool keepsAll = kept_ == KeptAttributes::all;
     switch (state_) {
     case State::inRangeValid:
-        parameter.rangeValid.push_back(range_.take());
+        finish(range_, parameter.rangeValid,
+               keepsAll || parameter.access == AccessType::ACCESS_INDEX);
         break;
     case State::inRangeDoc:
-        addUnused(parameter.rangeDoc, range_.take());
+        finish(range_, parameter.rangeDoc, keepsAll);
         break;
     case State::inCtrlRO:
         // Nobody reads a write-only parameter, so making it read-only for a while is a mistake.
         if (parameter.access == AccessType::ACCESS_WO)
             return ParamDefResult::invalidAccess;
-        addUnused(parameter.ctrlRO, expression_.take());
+        finish(expression_, parameter.ctrlRO, keepsAll);
         break;
     case State::inCtrlValid:
-        parameter.ctrlValid.push_back(expression_.take());
+        finish(expression_, parameter.ctrlValid, true);
         break;
     case State::inDefault:
-        addUnused(parameter.defaults, default_.take());
+        finish(default_, parameter.defaults, keepsAll);
         break;
     case State::inValueChange:
-        addUnused(parameter.valueChange, valueChange_.take());
+        finish(valueChange_, parameter.valueChange, keepsAll);
         break;
     case State::inIndex:
         parameter.indices.push_back(index_.take());

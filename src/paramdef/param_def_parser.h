@@ -35,7 +35,8 @@ enum class ParamDefParseState : std::int32_t {
 /// Which attributes get into the table. All of them are checked.
 enum class KeptAttributes {
     all,
-    ofStartUp, ///< those that decide which keys there are: `index`, `rangeValid` and `ctrlValid`
+    ofStartUp, ///< those that decide which keys there are: `index`, `ctrlValid`, and `rangeValid`
+               ///< of what is an index when it is read
 };
 
 /// The state survives from one line to the next, so a block, a string or an expression may run over
@@ -61,6 +62,9 @@ public:
     /// The name with which the last block began, as it stands there.
     std::string_view blockName() const { return blockName_; }
 
+    /// Whether a later block made an index of a parameter whose ranges may not have been kept.
+    bool lacksRanges() const { return lacksRanges_; }
+
 private:
     ParamDefResult readToken(SystemParameterTable& table, Cursor& line);
     ParamDefResult readName(SystemParameterTable& table, Cursor& line);
@@ -69,10 +73,9 @@ private:
     ParamDefResult readAttribute(SystemParameterTable& table, Cursor& line);
     ParamDefResult readAttributeBody(Cursor& line);
     ParamDefResult finishAttribute(SystemParameter& parameter);
-    template <typename Attribute>
-    void addUnused(std::vector<Attribute>& attributes, Attribute attribute) const;
 
     KeptAttributes kept_;
+    bool lacksRanges_ = false;
     ParamDefParseState state_ = ParamDefParseState::expectName;
     std::string_view blockName_;
     RangeParser range_;

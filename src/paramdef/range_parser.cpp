@@ -19,6 +19,11 @@ RangeSpec RangeParser::take() {
     return taken;
 }
 
+void RangeParser::drop() {
+    range_.condition.drop();
+    range_.items.clear();
+}
+
 ParamDefResult RangeParser::readToken(Cursor& line) {
     switch (expect_) {
     case Expect::openBrace: {

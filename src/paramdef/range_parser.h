@@ -23,6 +23,9 @@ public:
     /// Hands over the range that was read and starts again with an empty one.
     RangeSpec take();
 
+    /// Forgets it instead.
+    void drop();
+
 private:
     enum class Expect {
         openBrace, // or a condition before it

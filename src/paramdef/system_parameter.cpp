@@ -45,6 +45,11 @@ SystemParameter* SystemParameterTable::find(std::string_view name) {
     return found == content_->parameters.end() ? nullptr : &found->second;
 }
 
+void SystemParameterTable::clear() {
+    content_->parameters.clear();
+    content_->lastInserted = nullptr;
+}
+
 void SystemParameterTable::insert(std::string_view name, std::uint32_t line) {
     auto& [text, parameters, lastInserted] = *content_;
     const auto sizeBefore = parameters.size();

@@ -107,6 +107,9 @@ public:
     ///             longer than the table.
     void insert(std::string_view name, std::uint32_t line);
 
+    /// Removes all parameters, but not the text.
+    void clear();
+
     /// @return the record of the last name inserted, or null before the first.
     SystemParameter* lastInserted() { return content_->lastInserted; }
 

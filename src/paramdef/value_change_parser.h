@@ -20,6 +20,9 @@ public:
     /// Hands over the value change that was read and starts again with an empty one.
     ValueChange take() { return std::exchange(change_, {}); }
 
+    /// Forgets it instead.
+    void drop() { change_ = {}; }
+
 private:
     enum class Expect {
         openBrace,

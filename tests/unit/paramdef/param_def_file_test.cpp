@@ -24,18 +24,18 @@ void PrintTo(const Outcome& outcome, std::ostream* out) {
          << outcome.output;
 }
 
-Outcome readPath(const char* path) {
+Outcome readPath(const char* path, KeptAttributes kept = KeptAttributes::all) {
     Outcome outcome;
     SystemParameterTable table;
     outcome.output =
-        test::standardOutputOf([&] { outcome.result = readParamDefFile(path, &table); });
+        test::standardOutputOf([&] { outcome.result = readParamDefFile(path, &table, kept); });
     outcome.table = test::textOf(table);
     return outcome;
 }
 
-Outcome readContent(std::string_view content) {
+Outcome readContent(std::string_view content, KeptAttributes kept = KeptAttributes::all) {
     const test::TempFolder folder;
-    return readPath(folder.write("parameters", content).c_str());
+    return readPath(folder.write("parameters", content).c_str(), kept);
 }
 
 TEST(ParamDefFile, NeedsAFileAndATable) {
@@ -133,6 +133,32 @@ TEST(ParamDefFile, ReportsTheFirstMistake) {
     for (const auto& [why, content, outcome] : reportRows) {
         SCOPED_TRACE(why);
         EXPECT_EQ(readContent(content), outcome);
+    }
+}
+
+const Row startUpRows[] = {
+    {"a range of a parameter that stays none",
+     "p rw { rangeValid { 1 } }",
+     {ParamDefResult::ok, "", "p@1 4"}},
+    {"a range of a parameter that a later block makes an index",
+     "p rw {\n rangeValid { 1, \"a\nb\" }\n}\n# q\nq ro { rangeValid { 1 } }\np index { "
+     "rangeValid { 2 } }\n",
+     {ParamDefResult::ok, "",
+      "p@1 0 rangeValid { 1, \"ab\" }; rangeValid { 2 };\nq@6 1 rangeValid { 1 };"}},
+    {"a mistake after such a block",
+     "p rw { rangeValid { 1 } }\np index { }\nq\nxx { }\n",
+     {ParamDefResult::invalidAccess,
+      "Error on line 4\n"
+      "Invalid parameter access type\n"
+      "xx { }\n"
+      "^\n",
+      "p@1 0 rangeValid { 1 };\nq@3 0"}},
+};
+
+TEST(ParamDefFile, KeepsWhatTheStartNeeds) {
+    for (const auto& [why, content, outcome] : startUpRows) {
+        SCOPED_TRACE(why);
+        EXPECT_EQ(readContent(content, KeptAttributes::ofStartUp), outcome);
     }
 }
 

@@ -12,6 +12,7 @@ namespace {
 struct Outcome {
     test::AttributeReading reading;
     std::string table;
+    bool lacksRanges = false;
 };
 
 Outcome read(std::string_view text, KeptAttributes kept = KeptAttributes::all) {
@@ -30,6 +31,7 @@ Outcome read(std::string_view text, KeptAttributes kept = KeptAttributes::all) {
         before += line.size();
     }
     outcome.table = test::textOf(table);
+    outcome.lacksRanges = parser.lacksRanges();
     return outcome;
 }
 
@@ -185,13 +187,19 @@ constexpr KeptRow keptRows[] = {
     {"every attribute",
      "p rw { index { i } rangeValid { 1 } rangeDoc { 2 } ctrlRO ( a ) ctrlValid ( b ) "
      "default { 3 } valueChange { 4 -> 5 } rangeValid ( c ) { 6..7 } }@",
-     ok, "p@1 4 index i; rangeValid { 1 }; rangeValid [c] { 6..7 }; ctrlValid b;"},
+     ok, "p@1 4 index i; ctrlValid b;"},
+    {"every attribute of an index",
+     "p index { index { i } rangeValid { 1 } rangeDoc { 2 } ctrlRO ( a ) ctrlValid ( b ) "
+     "default { 3 } valueChange { 4 -> 5 } rangeValid ( c ) { 6..7 } }@",
+     ok, "p@1 0 index i; rangeValid { 1 }; rangeValid [c] { 6..7 }; ctrlValid b;"},
     {"one attribute after the other, the next as if there had been none before",
-     "p rw { rangeDoc (a) { 2, 3 } rangeValid { 1 } default (b) { 3 } default { 4 } ctrlRO ( a ) "
-     "ctrlValid ( b ) }@",
-     ok, "p@1 4 rangeValid { 1 }; ctrlValid b;"},
-    {"a range of a parameter that becomes an index later", "p rw { rangeValid { 1 } } p index { }@",
-     ok, "p@1 0 rangeValid { 1 };"},
+     "p index { rangeDoc (a) { 2, 3 } rangeValid { 1 } default (b) { 3 } default { 4 } "
+     "ctrlRO ( a ) ctrlValid ( b ) }@",
+     ok, "p@1 0 rangeValid { 1 }; ctrlValid b;"},
+    {"a range after that of another parameter",
+     "p rw { rangeValid (a) { 2, 3 } } q index { rangeValid { 1 } }@", ok,
+     "p@1 4\nq@1 0 rangeValid { 1 };"},
+    {"a mistake in a range", "p rw { rangeValid { @, } }", syntax, "p@1 4"},
     {"ctrlRO of a write-only parameter", "p wo { ctrlRO (1@) }", access, "p@1 3"},
     {"a mistake in a documented range", "p rw { rangeDoc { @, } }", syntax, "p@1 4"},
     {"a mistake in a default", "p rw { default { @} }", syntax, "p@1 4"},
@@ -206,6 +214,27 @@ TEST(ParamDefParser, ChecksWhatItDoesNotKeep) {
         EXPECT_EQ(outcome.reading.result, result);
         EXPECT_EQ(outcome.reading.stop, result == ok ? "" : text);
         EXPECT_EQ(outcome.table, table);
+    }
+}
+
+struct LackRow {
+    std::string_view text;
+    bool all;     ///< whether ranges are lacking that the start-up needs if all attributes are kept
+    bool startUp; ///< and if those of the start-up are
+};
+
+constexpr LackRow lackRows[] = {
+    {"p index { rangeValid { 1 } }", false, false},
+    {"p rw { rangeValid { 1 } } q index { rangeValid { 1 } }", false, false},
+    {"p index { rangeValid { 1 } } p rw { rangeValid { 2 } }", false, false},
+    {"p rw { rangeValid { 1 } } p index { } q rw { }", false, true},
+    {"p index { } p rw { rangeValid { 1 } } p index { }", false, true},
+};
+
+TEST(ParamDefParser, KnowsThatItLacksRangesOfAnIndex) {
+    for (const auto& [text, all, startUp] : lackRows) {
+        EXPECT_EQ(read(text).lacksRanges, all) << text;
+        EXPECT_EQ(read(text, KeptAttributes::ofStartUp).lacksRanges, startUp) << text;
     }
 }
 
