@@ -60,7 +60,10 @@ SortedValues::SortedValues(std::span<const std::string> values)
 // If a value begins others, the next one is among them.
 SortedValues::SortedValues(std::vector<std::string_view> texts)
     : texts_(std::move(texts)),
-      orderKeys_(std::adjacent_find(texts_.begin(), texts_.end(), begins) == texts_.end()) {}
+      orderKeys_(std::adjacent_find(texts_.begin(), texts_.end(), begins) == texts_.end()) {
+    for (const auto text : texts_)
+        traits_.narrow(traitsOfValue(text));
+}
 
 std::optional<std::size_t> SortedValues::find(std::string_view value) const {
     const auto place = std::lower_bound(texts_.begin(), texts_.end(), value, isLessValue);

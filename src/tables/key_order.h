@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tables/device_tables.h"
+#include "tables/key_set.h"
 
 #include <cstddef>
 #include <optional>
@@ -29,12 +30,16 @@ public:
     /// Not if one of them, with its bracket, begins another, as "a" does in "p[a]x]".
     bool orderKeys() const { return orderKeys_; }
 
+    /// Of the groups that are made of the values.
+    KeyTraits traits() const { return traits_; }
+
     /// The place of a value; nothing if it is not there.
     std::optional<std::size_t> find(std::string_view value) const;
 
 private:
     std::vector<std::string_view> texts_;
     bool orderKeys_;
+    KeyTraits traits_;
 };
 
 /// The values of each dimension of a parameter; borrowed.

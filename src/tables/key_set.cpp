@@ -45,19 +45,20 @@ std::size_t nextNotLess(std::size_t first, std::size_t last, IsLess isLess) {
 
 } // namespace
 
-void KeyTexts::examine() {
-    areUtf8 = areCanonical = true;
-    for (std::size_t place = 0; place < list.size(); ++place) {
-        const auto key = list[place].view();
-        areUtf8 = areUtf8 && isUtf8(key);
-        areCanonical = areCanonical && isCanonicalKey(key);
-    }
+KeyTraits traitsOfKey(std::string_view key) {
+    return {.areUtf8 = isUtf8(key), .areCanonical = isCanonicalKey(key)};
+}
+
+KeyTraits traitsOfValue(std::string_view value) {
+    return {.areUtf8 = isUtf8(value),
+            .areCanonical = value.find_first_of("[]=") == std::string_view::npos};
 }
 
 KeySet::KeySet(std::vector<std::string> keys) {
     auto texts = std::make_shared<KeyTexts>();
+    for (const auto& key : keys)
+        texts->traits.narrow(traitsOfKey(key));
     texts->list.appendSorted(std::move(keys));
-    texts->examine();
     texts_ = std::move(texts);
     append(0, texts_->list.size());
 }

@@ -15,18 +15,32 @@
 
 namespace morvane {
 
+/// What holds for each of some keys.
+struct KeyTraits {
+    bool areUtf8 = true;
+
+    /// A canonical key is a name, which is not empty, and groups without brackets within them, with
+    /// no "=" anywhere and no white space at the end. A line of such a key in a preset data file
+    /// reads back as this key.
+    bool areCanonical = true;
+
+    /// Makes these traits those of the keys of both.
+    void narrow(KeyTraits other) {
+        areUtf8 = areUtf8 && other.areUtf8;
+        areCanonical = areCanonical && other.areCanonical;
+    }
+};
+
+/// Of a key, or of a name without brackets, whatever groups follow it.
+KeyTraits traitsOfKey(std::string_view key);
+
+/// Of the groups that are made of a value. A key has the traits of its parts.
+KeyTraits traitsOfValue(std::string_view value);
+
 /// The texts of keys, for the sets that share them.
 struct KeyTexts {
     TextList list;
-    bool areUtf8 = false;
-
-    /// Whether every key is a name, which is not empty, and groups without brackets within them,
-    /// with no "=" anywhere and no white space at the end. A line of such a key in a preset data
-    /// file reads back as this key.
-    bool areCanonical = false;
-
-    /// Finds out what holds for all texts, once the list is complete.
-    void examine();
+    KeyTraits traits; ///< hold for all texts, once the list is complete
 };
 
 /// Sorted bytewise and unique. The texts may be shared: a set is a list of runs, stretches of a
@@ -61,10 +75,10 @@ public:
 
     /// Whether every key is UTF-8, which the bus requires. Like the next, known of the texts that
     /// the set shares with others: false may be due to a key of theirs.
-    bool isUtf8() const { return texts_ == nullptr || texts_->areUtf8; }
+    bool isUtf8() const { return texts_ == nullptr || texts_->traits.areUtf8; }
 
-    /// Whether every key is canonical, see `KeyTexts`.
-    bool isCanonical() const { return texts_ == nullptr || texts_->areCanonical; }
+    /// Whether every key is canonical, see `KeyTraits`.
+    bool isCanonical() const { return texts_ == nullptr || texts_->traits.areCanonical; }
 
     /// A copy of every key.
     std::vector<std::string> strings() const;

@@ -72,10 +72,7 @@ public:
         }
     }
 
-    std::vector<KeySet> take() {
-        texts_->examine();
-        return std::move(sets_);
-    }
+    std::vector<KeySet> take() { return std::move(sets_); }
 
 private:
     /// Places in the list of texts.
@@ -150,8 +147,16 @@ private:
         return stretches;
     }
 
+    // Notes what holds for the keys: of their parts, of which there are fewer.
+    void addTraits(std::string_view name, const Dimensions& dimensions) {
+        texts_->traits.narrow(traitsOfKey(name));
+        for (const auto* const values : dimensions)
+            texts_->traits.narrow(values->traits());
+    }
+
     Stretch listAll(std::string_view name, const Dimensions& dimensions) {
         const auto first = texts_->list.size();
+        addTraits(name, dimensions);
         if (orderKeys(dimensions)) {
             forEachKey(name, dimensions, [&](std::string_view key) { texts_->list.append(key); });
         } else {
@@ -182,6 +187,7 @@ private:
             Dimensions dimensions;
             for (const auto& sorted : owned)
                 dimensions.push_back(&sorted);
+            addTraits(name, dimensions);
             forEachKey(name, dimensions, [&](std::string_view key) { keys.emplace_back(key); });
         }
         texts_->list.appendSorted(std::move(keys));

@@ -18,16 +18,20 @@ std::string textOf(const KeySet& keys) {
 }
 
 /// The keys of a preset with these lists, in order, on a device with these arguments.
-std::string keysOf(std::string_view parameterText, const std::string& lists,
-                   const SystemArguments& arguments = {}) {
+KeySet setOf(std::string_view parameterText, const std::string& lists,
+             const SystemArguments& arguments = {}) {
     const auto parameters = test::parametersOf(parameterText);
     const auto definitions = test::presetDefinitionsOf("p preset { " + lists + " }");
-    const auto keys = PresetGenerate::keySet(
+    return PresetGenerate::keySet(
         PresetGenerate::indexTable(parameters, arguments),
         PresetGenerate::parameterMap(parameters, arguments, AccessSelector::readWrite),
         PresetGenerate::parameterMap(parameters, arguments, AccessSelector::readOnly),
         definitions.presets.at(0));
-    return textOf(keys);
+}
+
+std::string keysOf(std::string_view parameterText, const std::string& lists,
+                   const SystemArguments& arguments = {}) {
+    return textOf(setOf(parameterText, lists, arguments));
 }
 
 struct KeyRow {
@@ -473,6 +477,44 @@ TEST(PresetKeys, TakeNoMemoryForKeysOfOtherPresets) {
                      "exclude rw { p { index { not a {1..2} } } }\n"
                      "include ro { q { index { a {3} } } }"),
               "p[1][1] p[1][2] p[2][1] p[2][2] q[3][3]");
+}
+
+struct TraitRow {
+    const char* why;
+    const char* parameters;
+    const char* lists;
+    bool isUtf8;
+    bool isCanonical;
+};
+
+constexpr TraitRow traitRows[] = {
+    {"no key", "p ro { }", "", true, true},
+    {"names and values",
+     "a index { rangeValid { \"\xc3\xa4\", \" \" } } p rw { index { a } } q rw { }", "", true,
+     true},
+    {"a name that is not UTF-8", "p rw { } q\xff rw { }", "", false, true},
+    {"a name with an equals sign", "p= rw { } q rw { }", "", true, false},
+    {"a value that is not UTF-8", "a index { rangeValid { \"\xff\", 1 } } p rw { index { a } }", "",
+     false, true},
+    {"a value with a bracket", "a index { rangeValid { 1, \"[\" } } p rw { index { a } }", "", true,
+     false},
+    {"a value with a closing bracket", "a index { rangeValid { \"x]\" } } p rw { index { a } }", "",
+     true, false},
+    {"a value with an equals sign", "a index { rangeValid { \"=\" } } p rw { index { a } }", "",
+     true, false},
+    {"a value that is left out", "a index { rangeValid { 1, \"\xff\", 2 } } p rw { index { a } }",
+     "exclude rw { p { index { not a {1, 2} } } }", true, true},
+    {"a value as written", "a index { rangeValid { 1 } } p ro { index { a } }",
+     "include ro { p { index { a {\xff=} } } }", false, false},
+};
+
+TEST(PresetKeys, KnowWhatHoldsForAllOfThem) {
+    for (const auto& [why, parameters, lists, isUtf8, isCanonical] : traitRows) {
+        SCOPED_TRACE(why);
+        const auto keys = setOf(parameters, lists);
+        EXPECT_EQ(keys.isUtf8(), isUtf8);
+        EXPECT_EQ(keys.isCanonical(), isCanonical);
+    }
 }
 
 struct ParameterRow {
