@@ -1,5 +1,6 @@
 #include "tables/key_set.h"
 
+#include "text/character_set.h"
 #include "text/utf8.h"
 
 #include <algorithm>
@@ -10,6 +11,7 @@ namespace morvane {
 namespace {
 
 bool isCanonicalKey(std::string_view key) {
+    constexpr CharacterSet marks = "[]=";
     constexpr std::string_view trimmed = "\t\f\v\n\r";
     if (key.empty() || key.front() == '[' || trimmed.find(key.back()) != std::string_view::npos)
         return false;
@@ -19,13 +21,11 @@ bool isCanonicalKey(std::string_view key) {
         rest
     } in = In::name;
     for (const char c : key) {
-        if (c == '=' || (c == '[' && in == In::group) || (c == ']' && in != In::group))
-            return false;
-        if (c == '[')
+        if (c == '[' && in != In::group)
             in = In::group;
-        else if (c == ']')
+        else if (c == ']' && in == In::group)
             in = In::rest;
-        else if (in == In::rest)
+        else if (in == In::rest || marks.contains(c))
             return false;
     }
     return in != In::group;
