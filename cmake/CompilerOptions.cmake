@@ -33,6 +33,11 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     set(CMAKE_CXX_ARCHIVE_FINISH_IPO "")
 endif()
 
+option(MORVANE_STATIC_LIBSTDCXX "Link the libraries of the compiler into the programs" OFF)
+if(MORVANE_STATIC_LIBSTDCXX)
+    target_link_options(morvane_options INTERFACE -static-libstdc++ -static-libgcc)
+endif()
+
 option(MORVANE_FUZZ "Build the fuzz targets; needs clang and MORVANE_SANITIZE" OFF)
 if(MORVANE_FUZZ)
     target_compile_options(morvane_options INTERFACE -fsanitize=fuzzer-no-link)
