@@ -4,11 +4,12 @@
 //
 // Usage: bare_reader PARAMETERS PRESETS KEYS
 //
-// KEYS has the keys of all presets, one a line.
+// KEYS has the keys of all presets, one a line. Stops when it is done, to be looked at and killed.
 
 #include "text/line_reader.h"
 
 #include <cctype>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
@@ -64,5 +65,7 @@ int main(int argc, char** argv) {
         keys.emplace(line);
     });
     // The daemon, which is killed when it has its name, frees none of its tables either.
-    std::_Exit(words.empty() || keys.empty() ? EXIT_FAILURE : EXIT_SUCCESS);
+    if (!words.empty() && !keys.empty())
+        std::raise(SIGSTOP);
+    std::_Exit(EXIT_FAILURE);
 }

@@ -19,18 +19,31 @@ DAEMON = "org.norvix.preset"
 PRESET = "scene"  # the only preset of write_keys(), with all keys
 PATIENCE = 60  # seconds until a program must own its name
 
-# Ten parameters of a unit: one in five has a small index, one in five depends on the model.
+# Ten parameters of a unit, with 41 keys: half of them are indexed, a third of the ranges is
+# conditional.
 UNIT = """
 # Unit {unit}
-unit{unit}Level rw {{ rangeValid {{ -60..12 }} default {{ 0 }} }}
-unit{unit}Mute rw {{ rangeValid {{ 0..1 }} default {{ 0 }} }}
+unit{unit}Level rw {{
+    rangeValid (model == "studio") {{ -90..12 }}
+    rangeValid (model != "studio") {{ -60..12 }}
+    default {{ 0 }}
+}}
+unit{unit}Mute rw {{ index {{ channel }} rangeValid {{ 0..1 }} default {{ 0 }} }}
 unit{unit}Mode rw {{
     rangeValid {{ "auto", "manual", "off" }}
     default {{ "auto" }}
 }}
 unit{unit}Gain rw {{ index {{ channel }} rangeValid {{ -15..15 }} default {{ 0 }} }}
-unit{unit}Delay rw {{ rangeValid {{ 0..(delay) }} default {{ (delay / 10) }} }}
-unit{unit}Label rw {{ default {{ "unnamed" }} }}
+unit{unit}Delay rw {{
+    index {{ channel }}
+    rangeValid (delay > 0 && options $ "delay") {{ 0..(delay) }}
+    default {{ (delay / 10) }}
+}}
+unit{unit}Equalizer rw {{
+    index {{ channel }} index {{ band }}
+    rangeValid {{ -120..120 }}
+    default {{ 0 }}
+}}
 unit{unit}Source rw {{
     rangeValid {{ "analog", "digital" }}
     rangeValid (model == "studio") {{ "network" }}
@@ -54,7 +67,7 @@ status preset {
 }
 """
 PRESET_NAMES = ("everything", "snapshot", "scalars", "status")
-SYSTEM_ARGUMENTS = ("model=studio", "delay=500")
+SYSTEM_ARGUMENTS = ("model=studio", "delay=500", "options=delay,meter")
 
 # Ends what is running, as Ctrl-C does.
 signal.signal(signal.SIGTERM, lambda *_: sys.exit("bench: terminated"))
@@ -117,7 +130,8 @@ def write_device(folder, count):
     parameters, presets = folder / "parameters.def", folder / "presets.def"
     keys = folder / "keys"
     units = "".join(UNIT.format(unit=f"{unit:05}") for unit in range(count // 10))
-    parameters.write_text(f"channel index {{ rangeValid {{ 1..4 }} }}\n{units}")
+    parameters.write_text("channel index { rangeValid { 1..4 } }\n"
+                          f"band index {{ rangeValid {{ 1..5 }} }}\n{units}")
     presets.write_text(PRESETS)
     keys.write_text("".join(list_keys((parameters, presets), preset, *SYSTEM_ARGUMENTS)
                             for preset in PRESET_NAMES))
