@@ -9,10 +9,14 @@ PresetManager::PresetManager(const std::string& paramDefPath, const std::string&
                              const SystemArguments& arguments) {
     if (const auto definitions =
             readDefinitions(paramDefPath, presetDefPath, KeptAttributes::ofStartUp))
-        *this = PresetManager(*definitions, arguments);
+        derive(*definitions, arguments);
 }
 
 PresetManager::PresetManager(const Definitions& definitions, const SystemArguments& arguments) {
+    derive(definitions, arguments);
+}
+
+void PresetManager::derive(const Definitions& definitions, const SystemArguments& arguments) {
     const auto& [parameters, presets] = definitions;
     indices_ = PresetGenerate::indexTable(parameters, arguments);
     readOnly_ = PresetGenerate::parameterMap(parameters, arguments, AccessSelector::readOnly);

@@ -58,6 +58,8 @@ public:
     const PresetTable& presets() const { return presets_; }
 
 private:
+    void derive(const Definitions& definitions, const SystemArguments& arguments);
+
     IndexTable indices_;
     ParameterMap readOnly_;
     ParameterMap readWrite_;
