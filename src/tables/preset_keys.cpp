@@ -154,6 +154,11 @@ private:
             texts_->traits.narrow(values->traits());
     }
 
+    static void addKeys(std::string_view name, const Dimensions& dimensions,
+                        std::vector<std::string>& keys) {
+        forEachKey(name, dimensions, [&](std::string_view key) { keys.emplace_back(key); });
+    }
+
     Stretch listAll(std::string_view name, const Dimensions& dimensions) {
         const auto first = texts_->list.size();
         addTraits(name, dimensions);
@@ -161,7 +166,7 @@ private:
             forEachKey(name, dimensions, [&](std::string_view key) { texts_->list.append(key); });
         } else {
             std::vector<std::string> keys;
-            forEachKey(name, dimensions, [&](std::string_view key) { keys.emplace_back(key); });
+            addKeys(name, dimensions, keys);
             texts_->list.appendSorted(std::move(keys));
         }
         return {first, texts_->list.size()};
@@ -188,7 +193,7 @@ private:
             for (const auto& sorted : owned)
                 dimensions.push_back(&sorted);
             addTraits(name, dimensions);
-            forEachKey(name, dimensions, [&](std::string_view key) { keys.emplace_back(key); });
+            addKeys(name, dimensions, keys);
         }
         texts_->list.appendSorted(std::move(keys));
         return {first, texts_->list.size()};
@@ -205,10 +210,8 @@ std::vector<KeySet> PresetGenerate::keySets(const IndexTable& indices,
                                             const ParameterMap& readOnly,
                                             std::span<const PresetDefinition> presets) {
     using Lists = ListCoverage::Lists;
-    std::vector<ListCoverage> included;
-    std::vector<ListCoverage> excluded;
-    included.reserve(presets.size()); // what has selections is not to be copied
-    excluded.reserve(presets.size());
+    std::list<ListCoverage> included; // what has selections is not to be moved
+    std::list<ListCoverage> excluded;
     for (const auto& preset : presets) {
         included.emplace_back(Lists::include, preset.includeLists, indices, readOnly);
         excluded.emplace_back(Lists::exclude, preset.excludeLists, indices, readWrite);
@@ -222,8 +225,8 @@ std::vector<KeySet> PresetGenerate::keySets(const IndexTable& indices,
         if (dimensions == nullptr)
             continue;
         auto& lists = map == &readOnly ? included : excluded;
-        for (std::size_t i = 0; i < presets.size(); ++i)
-            coverages[i] = &lists[i].of(place, *dimensions);
+        std::transform(lists.begin(), lists.end(), coverages.begin(),
+                       [&](ListCoverage& list) { return &list.of(place, *dimensions); });
         builder.add(map->name(place), *dimensions, coverages);
     }
     return builder.take();
