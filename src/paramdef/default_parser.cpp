@@ -1,9 +1,16 @@
 #include "paramdef/default_parser.h"
 
+#include "text/character_set.h"
 #include "text/cursor.h"
 #include "text/token_loop.h"
 
 namespace morvane {
+
+namespace {
+
+constexpr CharacterSet numberEnd = "}";
+
+} // namespace
 
 ParamDefResult DefaultParser::parse(Cursor& line) {
     return readTokens<ParamDefResult::incomplete>(line, [&] { return readToken(line); });
@@ -53,7 +60,7 @@ ParamDefResult DefaultParser::readValue(Cursor& line) {
         return ParamDefResult::incomplete;
     }
     Token number;
-    const auto result = readBareNumber(line, "}", number);
+    const auto result = readBareNumber(line, numberEnd, number);
     if (result != ParamDefResult::ok)
         return result;
     default_.value.tokens.push_back(number);

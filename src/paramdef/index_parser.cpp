@@ -1,9 +1,16 @@
 #include "paramdef/index_parser.h"
 
+#include "text/character_set.h"
 #include "text/cursor.h"
 #include "text/token_loop.h"
 
 namespace morvane {
+
+namespace {
+
+constexpr CharacterSet nameEnd = ",}";
+
+} // namespace
 
 ParamDefResult IndexParser::parse(Cursor& line) {
     return readTokens<ParamDefResult::incomplete>(line, [&] { return readToken(line); });
@@ -32,7 +39,7 @@ ParamDefResult IndexParser::readToken(Cursor& line) {
 }
 
 ParamDefResult IndexParser::readName(Cursor& line) {
-    const auto name = line.word(",}");
+    const auto name = line.word(nameEnd);
     if (name.empty())
         return ParamDefResult::syntaxError;
     dimension_.names.push_back({name, line.line().number, line.tokenColumn()});

@@ -1,5 +1,6 @@
 #include "paramdef/param_def_parser.h"
 
+#include "text/character_set.h"
 #include "text/cursor.h"
 #include "text/token_loop.h"
 
@@ -10,6 +11,10 @@
 namespace morvane {
 
 namespace {
+
+constexpr CharacterSet nameEnd = "[]";
+constexpr CharacterSet accessEnd = "{";
+constexpr CharacterSet keywordEnd = "({";
 
 using State = ParamDefParseState;
 
@@ -78,7 +83,7 @@ ParamDefResult ParamDefParser::readToken(SystemParameterTable& table, Cursor& li
 }
 
 ParamDefResult ParamDefParser::readName(SystemParameterTable& table, Cursor& line) {
-    const auto name = line.word("[]");
+    const auto name = line.word(nameEnd);
     if (name.empty())
         return ParamDefResult::syntaxError;
     table.insert(name, line.line().number);
@@ -91,7 +96,7 @@ ParamDefResult ParamDefParser::readAccess(SystemParameterTable& table, Cursor& l
     auto* const parameter = table.lastInserted();
     if (parameter == nullptr)
         return ParamDefResult::internalError;
-    const auto access = accessTypeOf(line.word("{"));
+    const auto access = accessTypeOf(line.word(accessEnd));
     if (!access)
         return ParamDefResult::invalidAccess;
     const bool becomesIndex =
@@ -107,7 +112,7 @@ ParamDefResult ParamDefParser::readAttributeKeyword(Cursor& line) {
         state_ = State::expectName;
         return ParamDefResult::incomplete;
     }
-    const auto word = line.word("({");
+    const auto word = line.word(keywordEnd);
     const auto* const keyword = std::find_if(attributeKeywords.begin(), attributeKeywords.end(),
                                              [word](const auto& row) { return row.word == word; });
     if (keyword == attributeKeywords.end())

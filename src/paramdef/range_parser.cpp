@@ -1,11 +1,19 @@
 #include "paramdef/range_parser.h"
 
+#include "text/character_set.h"
 #include "text/cursor.h"
 #include "text/token_loop.h"
 
 #include <iterator>
 
 namespace morvane {
+
+namespace {
+
+constexpr CharacterSet lowEnd = ",.}";
+constexpr CharacterSet highEnd = ",}";
+
+} // namespace
 
 ParamDefResult RangeParser::parse(Cursor& line) {
     return readTokens<ParamDefResult::incomplete>(line, [&] { return readToken(line); });
@@ -65,7 +73,7 @@ ParamDefResult RangeParser::readItem(Cursor& line) {
         expect_ = Expect::lowExpressionEnd;
         return ParamDefResult::incomplete;
     }
-    return readNumber(line, ",.}", item_.low, Expect::dotsCommaOrClose);
+    return readNumber(line, lowEnd, item_.low, Expect::dotsCommaOrClose);
 }
 
 ParamDefResult RangeParser::readString(Cursor& line) {
@@ -81,7 +89,7 @@ ParamDefResult RangeParser::readHighBound(Cursor& line) {
         expect_ = Expect::highExpressionEnd;
         return ParamDefResult::incomplete;
     }
-    return readNumber(line, ",}", item_.high, Expect::commaOrClose);
+    return readNumber(line, highEnd, item_.high, Expect::commaOrClose);
 }
 
 ParamDefResult RangeParser::readExpression(Cursor& line, TokenList& bound, Expect next) {

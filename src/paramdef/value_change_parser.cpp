@@ -40,7 +40,7 @@ ParamDefResult ValueChangeParser::readToken(Cursor& line) {
 
 // The "-" of the arrow ends a number, so a negative one must be quoted.
 ParamDefResult ValueChangeParser::readSide(Cursor& line, Expect stringEnd, Expect next) {
-    constexpr CharacterSet delimiters = "-}";
+    static constexpr CharacterSet delimiters = "-}";
     if (string_.open(line)) {
         expect_ = stringEnd;
         return readString(line, next);

@@ -1,5 +1,6 @@
 #include "presetdef/from_clause_parser.h"
 
+#include "text/character_set.h"
 #include "text/cursor.h"
 #include "text/token_loop.h"
 
@@ -10,6 +11,10 @@ namespace morvane {
 using enum PresetParseResult;
 
 namespace {
+
+constexpr CharacterSet nameEnd = "{}";
+constexpr CharacterSet oldValueEnd = "=},";
+constexpr CharacterSet newValueEnd = "},";
 
 // Reads a word, or a quoted text, which may hold blanks but none of the delimiters. If the closing
 // quote is missing at the end of the line, the line feed becomes part of the text.
@@ -67,7 +72,7 @@ PresetParseResult FromClauseParser::parseToken(Cursor& line) {
 
 // A missing old name is a syntax error, unlike every other missing name.
 PresetParseResult FromClauseParser::parseOldName(Cursor& line) {
-    from_.oldName = line.word("{}");
+    from_.oldName = line.word(nameEnd);
     if (from_.oldName.empty())
         return PARSE_PRESET_SYNTAX;
     expect_ = Expect::mapOrClose;
@@ -75,7 +80,7 @@ PresetParseResult FromClauseParser::parseOldName(Cursor& line) {
 }
 
 PresetParseResult FromClauseParser::parseKey(Cursor& line) {
-    key_ = quotedTextOrWord(line, "=},");
+    key_ = quotedTextOrWord(line, oldValueEnd);
     if (key_.empty())
         return PARSE_PRESET_MISSING_IDENTIFIER;
     expect_ = Expect::equals;
@@ -83,7 +88,7 @@ PresetParseResult FromClauseParser::parseKey(Cursor& line) {
 }
 
 PresetParseResult FromClauseParser::parseValue(Cursor& line) {
-    const auto value = quotedTextOrWord(line, "},");
+    const auto value = quotedTextOrWord(line, newValueEnd);
     if (value.empty())
         return PARSE_PRESET_MISSING_IDENTIFIER;
     if (!from_.values.try_emplace(key_, value).second) // the first pair stays

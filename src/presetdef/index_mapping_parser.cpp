@@ -1,10 +1,18 @@
 #include "presetdef/index_mapping_parser.h"
 
+#include "text/character_set.h"
 #include "text/cursor.h"
 #include "text/number.h"
 #include "text/token_loop.h"
 
 namespace morvane {
+
+namespace {
+
+constexpr CharacterSet nameEnd = "=";
+constexpr CharacterSet textEnd = ",}";
+
+} // namespace
 
 using enum PresetParseResult;
 
@@ -47,7 +55,7 @@ PresetParseResult IndexMappingParser::parseCount(Cursor& line) {
 }
 
 PresetParseResult IndexMappingParser::parseIndexName(Cursor& line) {
-    indexName_ = line.word("=");
+    indexName_ = line.word(nameEnd);
     if (indexName_.empty())
         return PARSE_PRESET_MISSING_IDENTIFIER;
     expect_ = Expect::equals;
@@ -55,7 +63,7 @@ PresetParseResult IndexMappingParser::parseIndexName(Cursor& line) {
 }
 
 PresetParseResult IndexMappingParser::parseText(Cursor& line) {
-    const auto text = line.word(",}");
+    const auto text = line.word(textEnd);
     if (text.empty())
         return PARSE_PRESET_MISSING_IDENTIFIER;
     mapping_.pairs.emplace_back(indexName_, text);

@@ -10,6 +10,7 @@ using enum PresetParseResult;
 namespace {
 
 constexpr CharacterSet delimiters = "{,}";
+constexpr CharacterSet onlySpace = "";
 
 } // namespace
 
@@ -42,7 +43,7 @@ PresetParseResult ListParser::parseToken(Cursor& line) {
 
 // Only white space ends this word, so "include{" is refused although the block took it for a list.
 PresetParseResult ListParser::parseKind(Cursor& line) {
-    const auto word = line.word("");
+    const auto word = line.word(onlySpace);
     if (word == "include")
         list_.kind = PresetList::Kind::include;
     else if (word == "exclude")

@@ -1,9 +1,16 @@
 #include "presetdef/mapping_parser.h"
 
+#include "text/character_set.h"
 #include "text/cursor.h"
 #include "text/token_loop.h"
 
 namespace morvane {
+
+namespace {
+
+constexpr CharacterSet wordEnd = "{";
+
+} // namespace
 
 using enum PresetParseResult;
 
@@ -31,7 +38,7 @@ PresetParseResult MappingParser::parseToken(Cursor& line) {
 }
 
 PresetParseResult MappingParser::parseNewName(Cursor& line) {
-    mapping_.newName = line.word("{");
+    mapping_.newName = line.word(wordEnd);
     if (mapping_.newName.empty())
         return PARSE_PRESET_MISSING_IDENTIFIER;
     mapping_.line = line.line().number;
@@ -41,7 +48,7 @@ PresetParseResult MappingParser::parseNewName(Cursor& line) {
 
 // The closing brace is read as a word, so another byte right after it makes it an unknown keyword.
 PresetParseResult MappingParser::parseClauseOrClose(Cursor& line) {
-    const auto word = line.word("{");
+    const auto word = line.word(wordEnd);
     if (word == "from") {
         expect_ = Expect::fromClauseEnd;
         return PARSE_PRESET_CONTINUE;

@@ -1,9 +1,16 @@
 #include "presetdef/preset_def_parser.h"
 
+#include "text/character_set.h"
 #include "text/cursor.h"
 #include "text/token_loop.h"
 
 namespace morvane {
+
+namespace {
+
+constexpr CharacterSet keywordEnd = "{";
+
+} // namespace
 
 using enum PresetParseResult;
 
@@ -29,7 +36,7 @@ PresetParseResult PresetDefParser::parseToken(PresetDefinitions& definitions, Cu
     switch (section_) {
     case Section::none: {
         constexpr std::string_view keyword = "translate";
-        blockBegin_ = line.peekWord("{");
+        blockBegin_ = line.peekWord(keywordEnd);
         const bool translates = blockBegin_ == keyword;
         if (translates)
             line.advance(keyword.size());

@@ -1,9 +1,16 @@
 #include "presetdef/preset_parser.h"
 
+#include "text/character_set.h"
 #include "text/cursor.h"
 #include "text/token_loop.h"
 
 namespace morvane {
+
+namespace {
+
+constexpr CharacterSet wordEnd = "{";
+
+} // namespace
 
 using enum PresetParseResult;
 
@@ -31,9 +38,9 @@ PresetParseResult PresetParser::parseToken(Cursor& line) {
 // Both words must stand on one line.
 PresetParseResult PresetParser::parseHeader(Cursor& line) {
     constexpr std::string_view keyword = "preset";
-    const auto name = line.word("{");
+    const auto name = line.word(wordEnd);
     line.skipSpace();
-    if (line.word("{") != keyword || name.empty() || name == keyword)
+    if (line.word(wordEnd) != keyword || name.empty() || name == keyword)
         return PARSE_PRESET_INVALID_IDENTIFIER;
     preset_.name = name;
     preset_.line = line.line().number;
@@ -43,7 +50,7 @@ PresetParseResult PresetParser::parseHeader(Cursor& line) {
 
 // The closing brace is read as a word, so "}x" does not close the block.
 PresetParseResult PresetParser::parseListOrClose(Cursor& line) {
-    const auto word = line.peekWord("{");
+    const auto word = line.peekWord(wordEnd);
     if (word == "}") {
         line.advance(1);
         expect_ = Expect::header;

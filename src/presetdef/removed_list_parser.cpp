@@ -1,9 +1,16 @@
 #include "presetdef/removed_list_parser.h"
 
+#include "text/character_set.h"
 #include "text/cursor.h"
 #include "text/token_loop.h"
 
 namespace morvane {
+
+namespace {
+
+constexpr CharacterSet nameEnd = ",}";
+
+} // namespace
 
 using enum PresetParseResult;
 
@@ -35,7 +42,7 @@ PresetParseResult RemovedListParser::parseToken(Cursor& line) {
 }
 
 PresetParseResult RemovedListParser::parseName(Cursor& line) {
-    const auto name = line.word(",}");
+    const auto name = line.word(nameEnd);
     if (name.empty())
         return PARSE_PRESET_MISSING_IDENTIFIER;
     list_.names.emplace_back(name);

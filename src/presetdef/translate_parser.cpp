@@ -1,9 +1,16 @@
 #include "presetdef/translate_parser.h"
 
+#include "text/character_set.h"
 #include "text/cursor.h"
 #include "text/token_loop.h"
 
 namespace morvane {
+
+namespace {
+
+constexpr CharacterSet keywordEnd = "{";
+
+} // namespace
 
 using enum PresetParseResult;
 
@@ -31,7 +38,7 @@ PresetParseResult TranslateParser::parseToken(Cursor& line) {
 
 // The closing brace is read as a word, so another byte right after it makes it a new name.
 PresetParseResult TranslateParser::parseItemOrClose(Cursor& line) {
-    const auto word = line.peekWord("{");
+    const auto word = line.peekWord(keywordEnd);
     if (word.empty())
         return PARSE_PRESET_MISSING_IDENTIFIER;
     if (word == "removed") {

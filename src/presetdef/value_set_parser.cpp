@@ -1,10 +1,17 @@
 #include "presetdef/value_set_parser.h"
 
+#include "text/character_set.h"
 #include "text/cursor.h"
 #include "text/number.h"
 #include "text/token_loop.h"
 
 namespace morvane {
+
+namespace {
+
+constexpr CharacterSet nameEnd = "},";
+
+} // namespace
 
 using enum PresetParseResult;
 
@@ -37,7 +44,7 @@ PresetParseResult ValueSetParser::parseElement(Cursor& line) {
         expect_ = Expect::restOfNumber;
         return PARSE_PRESET_CONTINUE;
     }
-    const auto name = line.word("},");
+    const auto name = line.word(nameEnd);
     if (name.empty())
         return PARSE_PRESET_MISSING_IDENTIFIER;
     set_.names.emplace_back(name);

@@ -11,7 +11,7 @@ namespace morvane {
 namespace {
 
 bool isCanonicalKey(std::string_view key) {
-    constexpr CharacterSet marks = "[]=";
+    static constexpr CharacterSet marks = "[]=";
     constexpr std::string_view trimmed = "\t\f\v\n\r";
     if (key.empty() || key.front() == '[' || trimmed.find(key.back()) != std::string_view::npos)
         return false;

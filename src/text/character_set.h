@@ -7,10 +7,12 @@
 
 namespace morvane {
 
+/// A constant that is not static, or a literal that is passed as a set, costs a table on the stack
+/// each time.
 class CharacterSet {
 public:
     /// @param characters a literal.
-    // Implicit, so that callers pass the literal itself: word(",}").
+    // Implicit, so that a constant reads like the literal that it is.
     consteval CharacterSet(const char* characters) { // NOLINT(google-explicit-constructor)
         for (; *characters != '\0'; ++characters)
             has_[static_cast<unsigned char>(*characters)] = true;
