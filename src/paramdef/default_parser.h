@@ -7,6 +7,8 @@
 #include "paramdef/param_def_result.h"
 #include "paramdef/system_parameter.h"
 
+#include <utility>
+
 namespace morvane {
 
 class Cursor;
@@ -18,7 +20,7 @@ public:
     ParamDefResult parse(Cursor& line);
 
     /// Hands over the default that was read and starts again with an empty one.
-    DefaultSpec take() { return {default_.condition.take(), default_.value.take()}; }
+    DefaultSpec take() { return std::exchange(default_, {}); }
 
     /// Forgets it instead.
     void drop();

@@ -4,8 +4,6 @@
 #include "text/cursor.h"
 #include "text/token_loop.h"
 
-#include <iterator>
-
 namespace morvane {
 
 namespace {
@@ -17,14 +15,6 @@ constexpr CharacterSet highEnd = ",}";
 
 ParamDefResult RangeParser::parse(Cursor& line) {
     return readTokens<ParamDefResult::incomplete>(line, [&] { return readToken(line); });
-}
-
-RangeSpec RangeParser::take() {
-    RangeSpec taken{
-        range_.condition.take(),
-        {std::move_iterator(range_.items.begin()), std::move_iterator(range_.items.end())}};
-    range_.items.clear();
-    return taken;
 }
 
 void RangeParser::drop() {

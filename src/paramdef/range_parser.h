@@ -21,7 +21,7 @@ public:
     ParamDefResult parse(Cursor& line);
 
     /// Hands over the range that was read and starts again with an empty one.
-    RangeSpec take();
+    RangeSpec take() { return std::exchange(range_, {}); }
 
     /// Forgets it instead.
     void drop();
