@@ -23,7 +23,7 @@ std::optional<std::string_view> SourceText::readLine(std::FILE* stream) {
 std::optional<std::string_view> SourceText::line(std::uint32_t number) const {
     if (number == 0 || number > lineBegins_.size())
         return std::nullopt;
-    return cutter_.firstOf(upToNull(fromLine(number)));
+    return cutter_.firstOf(upToNull(fromLine(number).substr(0, longestLine)));
 }
 
 // The rest of the block, which may not be full if the line is the last one.
