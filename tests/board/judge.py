@@ -21,6 +21,7 @@ from versions import FILES, keys_of, text_of  # noqa: E402
 
 DEFINITIONS = HERE / "device/definitions"
 EXAMPLES = 5  # of what was lost
+SECONDS_OF_A_STATE = 2  # at most, on the board; a fifth of one on a machine with nothing else to do
 
 
 def version_of(file, folder):
@@ -169,7 +170,8 @@ def judge_on_board(board, kind, folder, wanted):
     for name, path in (("stream", steps), ("base", folder / f"{kind}.part")):
         drives += ["-drive", f"if=none,id={name},format=raw,file={path}",
                    "-device", f"virtio-blk-device,drive={name},serial={name}"]
-    report = board.run("replay", drives=drives, seconds=3600)
+    report = board.run("replay", drives=drives, arguments=f"board.kind={kind}",
+                       seconds=900 + SECONDS_OF_A_STATE * len(found))
     data = {r["content"]: zlib.decompress(b64decode(r["data"]))
             for r in report.others if "content" in r}
     seen = {r["state"]: r["files"] for r in report.others if "state" in r}
