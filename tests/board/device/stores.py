@@ -19,7 +19,7 @@ from own_bus import Client, daemon_process, set_up, wait_ready
 from report import check, equal, figure, output, sh, until
 from versions import FILES, KEYS, keys_of, text_of
 
-ROUNDS = 24
+CYCLES, ROUNDS = 2, 24  # of stores on a disk, and in each of them
 FILLED, INTERRUPTED, CARELESS = (8, 16), (5, 11, 14, 20), (7, 18)
 
 
@@ -105,7 +105,7 @@ class Stores:
         for file in FILES:
             self.store(disk, file)
         refused = []
-        for turn in range(ROUNDS):
+        for turn in CYCLES * list(range(ROUNDS)):
             if turn in FILLED:
                 refused.append(self.fill(disk))
             if turn in INTERRUPTED:
@@ -121,7 +121,8 @@ class Stores:
             if not self.store(disk, file):
                 check(f"{disk.name}: a store of {file} succeeds", False)
         self.store(disk, "big")
-        equal(f"{disk.name}: stores on a full disk are refused", refused, [True] * len(FILLED))
+        equal(f"{disk.name}: stores on a full disk are refused", refused,
+              [True] * CYCLES * len(FILLED))
 
 
 def run():
