@@ -225,8 +225,9 @@ std::vector<KeySet> PresetGenerate::keySets(const IndexTable& indices,
         if (dimensions == nullptr)
             continue;
         auto& lists = map == &readOnly ? included : excluded;
-        std::transform(lists.begin(), lists.end(), coverages.begin(),
-                       [&](ListCoverage& list) { return &list.of(place, *dimensions); });
+        std::transform(
+            lists.begin(), lists.end(), coverages.begin(),
+            [&, place = place](ListCoverage& list) { return &list.of(place, *dimensions); });
         builder.add(map->name(place), *dimensions, coverages);
     }
     return builder.take();
