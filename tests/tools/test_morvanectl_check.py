@@ -368,6 +368,19 @@ def test_a_name_of_all_variants_counts_more_than_a_single_argument(check):
         "p:2:60: warning: the default 3 of led is none of its values [on 1 of 2: leds=2]"]
 
 
+def test_finds_only_mistakes_in_defaults_that_may_be_used(check):
+    """The first default whose condition holds is the one, unless that depends on a parameter."""
+    hidden = ('level rw { rangeValid { 0..9 } default (model == "a") { 7 } default { 99 } }\n'
+              'text rw { rangeValid { 0..9 } default { 5 } default { (10 / 0) } }\n')
+    assert check("-s", "model=a", "--strict", parameters=PARAMETERS + hidden) == (YES, "", "")
+    used = ("level rw { rangeValid { 0..9 } default (0) { 98 } default (mode == 1) { 7 } "
+            "default { 99 } }\n")
+    assert check("--strict", parameters=PARAMETERS + used) == (NO, f"""\
+p:5:87: warning: the default 99 of level is none of its values
+{used}{" " * used.index("99")}^
+""", "")
+
+
 def test_points_at_the_name_itself(check):
     """The name stands on its line within longer ones, and in other blocks before."""
     parameters = "".join(f"{name} rw {{ }}\n" for name in ("mode", "subgain", "gain2", "gain3"))
@@ -499,12 +512,14 @@ def test_warns_of_bytes_that_are_not_text(world, ctl):  # noqa: F811
     assert (outcome[0], outcome[2]) == (YES, "")
 
 
-def test_reads_definitions_from_pipes(world, ctl):  # noqa: F811
-    """Each is read once."""
+@pytest.mark.parametrize("options", [[], ["--all-variants", "a=1,2"]])
+def test_reads_definitions_from_pipes(world, ctl, options):  # noqa: F811
+    """Each is read once, for however many variants."""
     for name, text in (("p", PARAMETERS), ("d", PRESETS)):
         os.mkfifo(world.folder / name)
         threading.Thread(target=(world.folder / name).write_text, args=[text], daemon=True).start()
-    assert ctl("check", "--strict", definitions=("-p", "p", "-d", "d"), bus=False) == (YES, "", "")
+    assert ctl("check", "--strict", *options, definitions=("-p", "p", "-d", "d"), bus=False) == (
+        YES, "", "")
 
 
 def test_says_why_a_file_cannot_be_read(check, ctl):  # noqa: F811
