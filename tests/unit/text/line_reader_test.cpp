@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <random>
@@ -88,15 +89,15 @@ TEST(LineReader, ReadsThePiecesOfFgets) {
 // What was read of the line at which the error is, is lost; the lines before it are not.
 TEST(LineReader, EndsAtAReadErrorInTheMiddle) {
     std::string text = "ab\ncd\nef";
-    const auto read = [](void* data, char* buffer, std::size_t) -> ssize_t {
+    const auto read = [](void* data, char* buffer, std::size_t size) -> ssize_t {
         auto& rest = *static_cast<std::string*>(data);
         if (rest.empty()) {
             errno = EIO;
             return -1;
         }
-        const auto size = rest.copy(buffer, 4);
-        rest.erase(0, size);
-        return static_cast<ssize_t>(size);
+        const auto count = rest.copy(buffer, std::min<std::size_t>(size, 4));
+        rest.erase(0, count);
+        return static_cast<ssize_t>(count);
     };
     const OwnedStream stream(fopencookie(&text, "r", {read, nullptr, nullptr, nullptr}));
     std::setvbuf(stream.get(), nullptr, _IONBF, 0);
