@@ -2,11 +2,11 @@
 
 import json
 import os
+import select
 import shlex
 import socket
 import subprocess
 import threading
-import time
 
 import pytest
 from harness import CTL, DEADLINE_SECONDS, SOURCE, tools_on_path
@@ -94,7 +94,8 @@ def test_says_what_it_waits_for(world, ctl):
 
 
 class SlowBus(threading.Thread):
-    """A bus for one client, which answers the last of `calls` calls later than the others."""
+    """A bus for one client, which answers the last of `calls` calls later than the others, if the
+    client is still there."""
 
     def __init__(self, path, calls, seconds):
         super().__init__()
@@ -103,6 +104,7 @@ class SlowBus(threading.Thread):
         self.server.listen()
         self.server.settimeout(DEADLINE_SECONDS)
         self.calls, self.seconds = calls, seconds
+        self.was_left = False
 
     def run(self):
         client, _ = self.server.accept()
@@ -115,8 +117,9 @@ class SlowBus(threading.Thread):
                     data = client.recv(4096)
                     assert data, "the client left"
                     parser.add_data(data)
-                if number == self.calls:
-                    time.sleep(self.seconds)
+                if number == self.calls and select.select([client], [], [], self.seconds)[0]:
+                    self.was_left = client.recv(4096) == b""
+                    return
                 hello = call.header.fields[HeaderFields.member] == "Hello"
                 reply = new_method_return(call, *(("s", (":1.1",)) if hello else ("b", (True,))))
                 client.sendall(reply.serialise(number))

@@ -2,79 +2,89 @@
 
 #include "output.h"
 
+#include <utility>
+
 namespace morvane::ctl {
 
 namespace {
 
-using OwnedLoop = std::unique_ptr<GMainLoop, ReleasedBy<g_main_loop_unref>>;
-
-/// A call that is not answered yet.
-struct Pending {
-    const Service& service;
-    const char* method;
-    const Messages& messages;
-    OwnedLoop loop{g_main_loop_new(nullptr, FALSE)};
-    Answer answer{};
-};
+using OwnedIoStream = std::unique_ptr<GIOStream, ReleasedBy<g_object_unref>>;
 
 // The error text as the service sent it, without the prefix that GDBus adds.
 std::string textOf(GError* raw) {
     const OwnedError error(raw);
-    if (g_error_matches(raw, G_DBUS_ERROR, G_DBUS_ERROR_SERVICE_UNKNOWN) != FALSE)
-        return {};
     g_dbus_error_strip_remote_error(raw);
     return raw->message;
 }
 
-void onAnswer(GObject* bus, GAsyncResult* result, gpointer data) {
-    auto* const pending = static_cast<Pending*>(data);
-    GError* error = nullptr;
-    pending->answer.values.reset(
-        g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error));
-    if (error != nullptr) {
-        pending->answer.error = textOf(error);
-        if (pending->answer.error.empty())
-            pending->answer.error =
-                std::string("the service ") + pending->service.name + " is not running";
-    }
-    g_main_loop_quit(pending->loop.get());
+// The bus that the address names, or the session bus. Null with an error.
+OwnedConnection connect(const std::string& address, Wait& wait, GError** error) {
+    constexpr auto flags =
+        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+    const OwnedText found(address.empty() ? g_dbus_address_get_for_bus_sync(
+                                                G_BUS_TYPE_SESSION, wait.cancellable(), error)
+                                          : g_strdup(address.c_str()));
+    if (!found)
+        return nullptr;
+    g_dbus_address_get_stream(found.get(), wait.cancellable(), Wait::onResult, &wait);
+    const OwnedIoStream stream(g_dbus_address_get_stream_finish(wait.result(), nullptr, error));
+    if (!stream)
+        return nullptr;
+    wait.endWithTime(stream.get());
+    g_dbus_connection_new(stream.get(), nullptr, flags, nullptr, wait.cancellable(), Wait::onResult,
+                          &wait);
+    return OwnedConnection(g_dbus_connection_new_finish(wait.result(), error));
 }
 
-gboolean noteWaiting(gpointer data) {
-    const auto* const pending = static_cast<Pending*>(data);
-    pending->messages.note(std::string("waiting for ") + pending->service.name + " to answer " +
-                           pending->method);
-    return G_SOURCE_REMOVE;
+Answer failure(const Service& service, const char* method, const TimeLimit& limit, bool isTimeOver,
+               GError* raw) {
+    using enum Answer::Outcome;
+    const std::string name = service.name;
+    if (isTimeOver) {
+        g_error_free(raw);
+        return {timedOut, {}, name + " did not answer " + method + ' ' + withinText(limit)};
+    }
+    if (g_error_matches(raw, G_DBUS_ERROR, G_DBUS_ERROR_SERVICE_UNKNOWN) != FALSE) {
+        g_error_free(raw);
+        return {notRunning, {}, "the service " + name + " is not running"};
+    }
+    const bool isLost = g_dbus_error_is_remote_error(raw) == FALSE ||
+                        g_error_matches(raw, G_DBUS_ERROR, G_DBUS_ERROR_NO_REPLY) != FALSE;
+    return {isLost ? lost : refused, {}, textOf(raw)};
 }
 
 } // namespace
 
-BusClient::BusClient(const std::string& address, const Messages& messages, std::string& error)
-    : messages_(messages) {
+BusClient::BusClient(const Settings& settings, std::string& error)
+    : messages_(settings.messages),
+      limit_(settings.timeLimit) {
+    Wait wait("the bus to answer", messages_, limit_);
     GError* raw = nullptr;
-    constexpr auto flags =
-        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    bus_.reset(address.empty() ? g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &raw)
-                               : g_dbus_connection_new_for_address_sync(address.c_str(), flags,
-                                                                        nullptr, nullptr, &raw));
-    if (raw != nullptr)
-        error = "cannot reach the bus (" + textOf(raw) +
-                "); set DBUS_SESSION_BUS_ADDRESS, or name the bus with --address";
-    else
-        g_dbus_connection_set_exit_on_close(bus_.get(), FALSE);
+    bus_ = connect(settings.address, wait, &raw);
+    if (raw == nullptr)
+        return;
+    const auto text = textOf(raw);
+    error = "cannot reach the bus (" +
+            (wait.isTimeOver() ? "it did not answer " + withinText(limit_) : text) +
+            "); set DBUS_SESSION_BUS_ADDRESS, or name the bus with --address";
 }
 
 Answer BusClient::call(const Service& service, const char* method, GVariant* arguments) const {
-    constexpr guint noticeDelayMilliseconds = 1000;
-    Pending pending{service, method, messages_};
+    return call(service, method, arguments, limit_);
+}
+
+Answer BusClient::call(const Service& service, const char* method, GVariant* arguments,
+                       const TimeLimit& limit) const {
+    Wait wait(std::string(service.name) + " to answer " + method, messages_, limit);
     g_dbus_connection_call(bus_.get(), service.name, service.path, service.name, method, arguments,
-                           nullptr, G_DBUS_CALL_FLAGS_NONE, G_MAXINT, nullptr, onAnswer, &pending);
-    const auto timer = g_timeout_add(noticeDelayMilliseconds, noteWaiting, &pending);
-    g_main_loop_run(pending.loop.get());
-    if (auto* const source = g_main_context_find_source_by_id(nullptr, timer))
-        g_source_destroy(source);
-    return std::move(pending.answer);
+                           nullptr, G_DBUS_CALL_FLAGS_NONE, G_MAXINT, wait.cancellable(),
+                           Wait::onResult, &wait);
+    GError* error = nullptr;
+    OwnedVariant values(g_dbus_connection_call_finish(bus_.get(), wait.result(), &error));
+    if (error != nullptr)
+        return failure(service, method, limit, wait.isTimeOver(), error);
+    return {Answer::Outcome::answered, std::move(values), {}};
 }
 
 std::optional<bool> BusClient::isRunning(const Service& service) const {

@@ -3,6 +3,8 @@
 
 #include "glib/variant.h"
 #include "output.h"
+#include "settings.h"
+#include "wait.h"
 
 #include <gio/gio.h>
 
@@ -21,32 +23,47 @@ struct Service {
 constexpr Service presetService{"org.norvix.preset", "/preset"};
 constexpr Service parameterHandler{"org.norvix.transaction", "/transaction"};
 
-/// An answer, or the text of an error.
+/// An answer, or why there is none.
 struct Answer {
-    OwnedVariant values; ///< null after an error
-    std::string error;
+    enum class Outcome {
+        answered,
+        refused,    ///< the service, or the bus in its place, answered with an error
+        notRunning, ///< nobody has the name of the service
+        timedOut,   ///< there was no answer within the time limit
+        lost,       ///< the service or the bus ended before it answered
+    };
+
+    Outcome outcome = Outcome::answered;
+    OwnedVariant values; ///< null without an answer
+    std::string error;   ///< why there is none; that of the service as it was sent
 };
 
-/// A connection to a bus.
+using OwnedConnection = std::unique_ptr<GDBusConnection, ReleasedBy<g_object_unref>>;
+
+/// A connection to a bus. Whatever takes more than a second is said on standard error.
 class BusClient {
 public:
-    /// Connects. On failure the object is of no use and `error` says why.
-    /// @param address  empty for the session bus.
-    /// @param messages gets what is waited for.
-    BusClient(const std::string& address, const Messages& messages, std::string& error);
+    /// Connects to the bus of the settings, within their time limit. On failure the object is of no
+    /// use and `error` says why.
+    BusClient(const Settings& settings, std::string& error);
 
-    /// Calls a method and waits for the answer, however long that takes; after a second, says on
-    /// standard error what it is waiting for. Lets the bus start the service.
+    /// Calls a method and waits for the answer, as long as the settings let it. Lets the bus start
+    /// the service.
     ///
     /// @param arguments a floating tuple, which is consumed.
     Answer call(const Service& service, const char* method, GVariant* arguments) const;
+
+    /// As above, with a time limit of its own.
+    Answer call(const Service& service, const char* method, GVariant* arguments,
+                const TimeLimit& limit) const;
 
     /// Whether the service runs; nothing if the bus does not answer.
     std::optional<bool> isRunning(const Service& service) const;
 
 private:
     Messages messages_;
-    std::unique_ptr<GDBusConnection, ReleasedBy<g_object_unref>> bus_;
+    TimeLimit limit_;
+    OwnedConnection bus_;
 };
 
 } // namespace morvane::ctl

@@ -17,7 +17,7 @@ _morvanectl() {
         -p | --parameters | -d | --presets | -s | --system | --variant | --variants)
             definitions+=("$word" "${COMP_WORDS[++i]}")
             ;;
-        --address | --live | --for | --output | --all-variants) ((++i)) ;;
+        --address | --timeout | --live | --for | --output | --all-variants) ((++i)) ;;
         -*) ;;
         *) positional+=("$word") ;;
         esac
@@ -26,7 +26,7 @@ _morvanectl() {
     local words='' files=no
     case $previous in
     -p | --parameters | -d | --presets | --variants | --output) files=yes ;;
-    -s | --system | --variant | --address | --all-variants) return ;;
+    -s | --system | --variant | --address | --timeout | --all-variants) return ;;
     --live | --for) words=$(morvanectl "${definitions[@]}" presets 2>/dev/null) ;;
     *)
         case $current in

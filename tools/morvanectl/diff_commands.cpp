@@ -99,7 +99,7 @@ std::optional<Values> liveValues(const Settings& settings, const std::vector<std
     if (keys.empty())
         return values;
     std::string problem;
-    const BusClient bus(settings.address, settings.messages, problem);
+    const BusClient bus(settings, problem);
     if (!problem.empty()) {
         settings.messages.fail(problem);
         return std::nullopt;

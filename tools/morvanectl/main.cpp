@@ -8,6 +8,8 @@
 #include <CLI/CLI.hpp>
 
 #include <cerrno>
+#include <charconv>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <functional>
@@ -27,6 +29,21 @@ constexpr const char* description =
 std::string checkSystemArgument(const std::string& text) {
     SystemArguments unused;
     return addSystemArgument(unused, text) ? "" : "a system argument is NAME=VALUE";
+}
+
+// In milliseconds, of which there is at least one; nothing if the text is no time limit.
+TimeLimit timeLimitOf(const std::string& text) {
+    constexpr double most = 1e6; // which GLib's timers can count
+    double seconds = 0;
+    const auto* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, seconds);
+    if (error != std::errc() || rest != end || !(seconds > 0 && seconds <= most))
+        return std::nullopt;
+    return std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(seconds));
+}
+
+std::string checkTimeLimit(const std::string& text) {
+    return timeLimitOf(text) ? "" : "a time limit is a number of seconds, above 0, at most 1000000";
 }
 
 // A comma behind a backslash belongs to a value.
@@ -131,6 +148,12 @@ private:
             ->type_name("FILE")
             ->envname("MORVANE_VARIANTS");
         app_.add_option("--address", settings_.address, "Bus to use instead of the session bus");
+        app_.add_option_function<std::string>(
+                "--timeout",
+                [this](const std::string& text) { settings_.timeLimit = timeLimitOf(text); },
+                "Give up what the bus or a service does not answer within this time")
+            ->type_name("SECONDS")
+            ->check(checkTimeLimit);
         app_.add_flag("--json", settings_.json, "Write lists as JSON");
     }
 

@@ -57,7 +57,7 @@ ExitStatus callService(const Settings& settings, const char* method) {
     if (!isSendable(settings))
         return settings.messages.fail("names, keys and paths must be UTF-8");
     std::string problem;
-    const BusClient bus(settings.address, settings.messages, problem);
+    const BusClient bus(settings, problem);
     if (!problem.empty())
         return settings.messages.fail(problem);
     const auto status =
@@ -71,7 +71,7 @@ ExitStatus callService(const Settings& settings, const char* method) {
 
 ExitStatus showStatus(const Settings& settings) {
     std::string problem;
-    const BusClient bus(settings.address, settings.messages, problem);
+    const BusClient bus(settings, problem);
     if (!problem.empty())
         return settings.messages.fail(problem);
     bool all = true;

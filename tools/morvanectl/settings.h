@@ -4,6 +4,8 @@
 #include "output.h"
 #include "paramdef/system_arguments.h"
 
+#include <chrono>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +13,9 @@ namespace morvane::ctl {
 
 constexpr const char* installedParamDefFile = "/etc/morvane/parameters.def";
 constexpr const char* installedPresetDefFile = "/etc/morvane/presets.def";
+
+/// How long something may take; nothing for no limit.
+using TimeLimit = std::optional<std::chrono::milliseconds>;
 
 /// One system argument of `check --all-variants`, with every value that it takes.
 struct VariantAxis {
@@ -25,6 +30,7 @@ struct Settings {
     std::string variant;             ///< the name of one; empty without
     std::string variantsFile;        ///< the list of named variants; empty for the usual place
     std::string address;             ///< of the bus; empty for the session bus
+    TimeLimit timeLimit;             ///< of the connection to the bus and of each call
     bool json = false;
     Messages messages; ///< as JSON with `json`
 
