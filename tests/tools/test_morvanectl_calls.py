@@ -1,11 +1,13 @@
-"""morvanectl's calls of the services: what is waited for, and how long."""
+"""morvanectl's calls of the services: what is waited for, and what is sent."""
 
 import os
 import signal
 import socket
+import subprocess
+from pathlib import Path
 
 import pytest
-from harness import wait_until
+from harness import CTL, wait_until
 from test_morvanectl import ERROR, YES, SlowBus, ctl, json_message  # noqa: F401 - a fixture
 
 NO_BUS = ("morvanectl: cannot reach the bus (it did not answer within {} s); set "
@@ -105,3 +107,50 @@ def test_refuses_what_is_no_time_limit(ctl, text):  # noqa: F811
     status, output, problem = ctl("status", f"--timeout={text}", "--json")
     assert (status, output, problem) == (ERROR, "", json_message(
         "error", "--timeout: a time limit is a number of seconds, above 0, at most 1000000"))
+
+
+def test_refuses_a_folder_that_the_bus_does_not_carry(world, ctl):  # noqa: F811
+    world.simulator()
+    world.daemon()
+    folder = Path(os.fsdecode(bytes(world.folder) + b"/sc\xffne"))
+    folder.mkdir()
+    for arguments in (["store", "scene", "p"], ["load", "scene", "p"],
+                      ["store-subpreset", "scene", "p", "mode"]):
+        outcome = subprocess.run([*CTL, *arguments], cwd=folder, env=world.bus.environment(),
+                                 capture_output=True, text=True, check=False)
+        assert (outcome.returncode, outcome.stdout, outcome.stderr) == (
+            ERROR, "", "morvanectl: names, keys and paths must be UTF-8; the name of the working "
+            "folder is not\n")
+    assert list(folder.iterdir()) == []
+    assert subprocess.run([*CTL, "is-preset", "scene"], cwd=folder, env=world.bus.environment(),
+                          capture_output=True, check=False).stdout == b"yes\n"
+
+
+def test_does_not_send_a_path_whose_folder_is_gone(world, ctl):  # noqa: F811
+    """The daemon would look for the file in its own folder."""
+    world.simulator()
+    world.daemon()
+    folder = world.folder / "gone"
+    folder.mkdir()
+    outcome = subprocess.run(
+        ["sh", "-c", 'rmdir "$PWD" && exec "$@"', "sh", *CTL, "store", "scene", "p"], cwd=folder,
+        env=world.bus.environment(), capture_output=True, text=True, check=False)
+    assert (outcome.returncode, outcome.stdout, outcome.stderr) == (
+        ERROR, "", "morvanectl: cannot tell the folder of p: No such file or directory\n")
+
+
+def test_a_comparison_sends_no_key_that_the_bus_does_not_carry(world, ctl):  # noqa: F811
+    handler = world.simulator()
+    world.write("bytes.def", b'input index { rangeValid { "a\xff" } }\n'
+                             b"gain rw { index { input } }\nmode rw { }\n")
+    world.write("all.def", "all preset { }\n")
+    world.write("p", b"gain[a\xff]=1\n")
+    definitions = ("-p", "bytes.def", "-d", "all.def")
+    assert ctl("diff", "p", "--live", "all", definitions=definitions) == (
+        ERROR, "", "morvanectl: ERROR: parm_set_() - set failed (p: key of gain[a\\xff] is not "
+        "valid UTF-8)\n")
+    world.write("p", "mode=1\n")
+    assert ctl("diff", "p", "--live", "all", "--with-defaults", definitions=definitions) == (
+        ERROR, "", "morvanectl: ERROR: parm_reset_() - reset failed (p: key of gain[a\\xff] is "
+        "not valid UTF-8)\n")
+    assert handler.methods() == []

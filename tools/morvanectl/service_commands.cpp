@@ -5,41 +5,64 @@
 #include "output.h"
 #include "text/utf8.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace morvane::ctl {
 
 namespace {
 
-// The daemon has a different working directory.
-std::string absolutePath(const std::string& file) {
-    std::error_code error;
-    const auto path = std::filesystem::absolute(file, error);
-    return error || file.empty() ? file : path.string();
-}
+/// A call of the preset service.
+struct PresetCall {
+    std::string_view method;
+    std::string preset;
+    std::string file; ///< as it is sent; empty without one
+    std::vector<std::string> keys;
+};
 
-GVariant* argumentsOf(const Settings& settings, std::string_view method) {
-    const auto* const preset = settings.preset.c_str();
-    const auto file = absolutePath(settings.file);
-    if (method == "store_subpreset")
-        return g_variant_new("(@asss)", stringArray(settings.keys), preset, file.c_str());
-    if (method == "in_preset")
-        return g_variant_new("(s@as)", preset, stringArray(settings.keys));
-    if (method == "is_preset" || method == "load_default")
+GVariant* argumentsOf(const PresetCall& call) {
+    const auto* const preset = call.preset.c_str();
+    const auto* const file = call.file.c_str();
+    if (call.method == "store_subpreset")
+        return g_variant_new("(@asss)", stringArray(call.keys), preset, file);
+    if (call.method == "in_preset")
+        return g_variant_new("(s@as)", preset, stringArray(call.keys));
+    if (call.method == "is_preset" || call.method == "load_default")
         return g_variant_new("(s)", preset);
-    if (method == "die")
+    if (call.method == "die")
         return nullptr;
-    return g_variant_new("(ss)", preset, file.c_str());
+    return g_variant_new("(ss)", preset, file);
 }
 
 // D-Bus carries nothing but UTF-8, and GLib treats anything else as a programming error.
-bool isSendable(const Settings& settings) {
-    bool sendable = isUtf8(settings.preset) && isUtf8(settings.file);
-    for (const auto& key : settings.keys)
-        sendable = sendable && isUtf8(key);
-    return sendable;
+bool isSendable(const PresetCall& call) {
+    return isUtf8(call.preset) && isUtf8(call.file) && std::ranges::all_of(call.keys, isUtf8);
+}
+
+// The daemon has a different working directory, so the file is sent with its folder.
+// @return nothing, with a message, if that is not known.
+std::optional<PresetCall> callOf(const Settings& settings, const char* method) {
+    std::error_code error;
+    const auto file = settings.file.empty()
+                          ? settings.file
+                          : std::filesystem::absolute(settings.file, error).string();
+    if (error) {
+        settings.messages.fail("cannot tell the folder of " + settings.file + ": " +
+                               error.message());
+        return std::nullopt;
+    }
+    PresetCall call{method, settings.preset, file, settings.keys};
+    if (isSendable(call))
+        return call;
+    settings.messages.fail(
+        std::string("names, keys and paths must be UTF-8") +
+        (isUtf8(settings.file) && !isUtf8(file) ? "; the name of the working folder is not" : ""));
+    return std::nullopt;
 }
 
 ExitStatus statusOf(const Answer& answer, const Messages& messages) {
@@ -54,16 +77,16 @@ ExitStatus statusOf(const Answer& answer, const Messages& messages) {
 } // namespace
 
 ExitStatus callService(const Settings& settings, const char* method) {
-    if (!isSendable(settings))
-        return settings.messages.fail("names, keys and paths must be UTF-8");
+    const auto call = callOf(settings, method);
+    if (!call)
+        return ExitStatus::error;
     std::string problem;
     const BusClient bus(settings, problem);
     if (!problem.empty())
         return settings.messages.fail(problem);
     const auto status =
-        statusOf(bus.call(presetService, method, argumentsOf(settings, method)), settings.messages);
-    const bool asked =
-        std::string_view(method) == "is_preset" || std::string_view(method) == "in_preset";
+        statusOf(bus.call(presetService, method, argumentsOf(*call)), settings.messages);
+    const bool asked = call->method == "is_preset" || call->method == "in_preset";
     if (asked && status != ExitStatus::error)
         std::cout << (status == ExitStatus::yes ? "yes\n" : "no\n");
     return status;
