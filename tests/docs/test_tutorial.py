@@ -37,7 +37,7 @@ def test_every_step_prints_what_the_tutorial_says(world):
         if command.startswith("kill "):
             script.append("wait")  # until the job has ended, or the next one would be %2
         elif command == "morvanectl die":  # the next daemon needs the name
-            script.append("while morvanectl status | grep -q 'preset is running'; do :; done")
+            script.append("while morvanectl status | grep -q 'preset: running'; do :; done")
     folder = world.folder / "empty"
     folder.mkdir()
     printed_file = world.folder / "printed"  # a pipe would stay open as long as any process

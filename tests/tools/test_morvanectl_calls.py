@@ -1,5 +1,6 @@
-"""morvanectl's calls of the services: what is waited for, and what is sent."""
+"""morvanectl's calls of the services: what is waited for, what is sent, and status."""
 
+import json
 import os
 import signal
 import socket
@@ -7,11 +8,17 @@ import subprocess
 from pathlib import Path
 
 import pytest
-from harness import CTL, wait_until
-from test_morvanectl import ERROR, YES, SlowBus, ctl, json_message  # noqa: F401 - a fixture
+from harness import CTL, SIMULATOR, wait_until
+from test_morvanectl import ERROR, NO, YES, SlowBus, ctl, json_message  # noqa: F401 - a fixture
 
 NO_BUS = ("morvanectl: cannot reach the bus (it did not answer within {} s); set "
           "DBUS_SESSION_BUS_ADDRESS, or name the bus with --address\n")
+
+REFUSED = "dbus_norvix_transaction: unknown parameter gain[1]"
+
+
+def notes(*texts):
+    return "".join(f"morvanectl: {text}\n" for text in texts)
 
 
 @pytest.fixture
@@ -154,3 +161,123 @@ def test_a_comparison_sends_no_key_that_the_bus_does_not_carry(world, ctl):  # n
         ERROR, "", "morvanectl: ERROR: parm_reset_() - reset failed (p: key of gain[a\\xff] is "
         "not valid UTF-8)\n")
     assert handler.methods() == []
+
+
+def seen(program, process):
+    """What status says of a process; an emulator is seen instead of the program."""
+    name = Path(os.fsdecode(Path(f"/proc/{process.pid}/cmdline").read_bytes().split(b"\0")[0]))
+    assert name.name == program.name or program != SIMULATOR
+    return f"running; process {process.pid}, {name.name}"
+
+
+def test_shows_that_all_is_well(world, ctl):  # noqa: F811
+    handler, daemon = world.simulator(), world.daemon()
+    processes = (seen(CTL[-1], daemon.process), seen(SIMULATOR, handler.process))
+    assert ctl("status") == (YES, f"""\
+bus: {world.bus.address}
+org.norvix.preset: {processes[0]}
+org.norvix.transaction: {processes[1]}
+presets: the service has all 3 of presets.def
+values: the Parameter Handler reads gain[1]
+""", "")
+    status, output, problem = ctl("status", "--json")
+    assert (status, problem) == (YES, "")
+    assert json.loads(output) == {
+        "bus": world.bus.address,
+        "org.norvix.preset": {
+            "running": True, "process": daemon.process.pid, "program": processes[0].split(", ")[1]},
+        "org.norvix.transaction": {
+            "running": True, "process": handler.process.pid, "program": SIMULATOR.name},
+        "presets": {"well": True, "text": "the service has all 3 of presets.def"},
+        "values": {"well": True, "text": "the Parameter Handler reads gain[1]"}}
+
+
+def test_shows_that_nothing_is_there(world, ctl):  # noqa: F811
+    assert ctl("status") == (NO, f"""\
+bus: {world.bus.address}
+org.norvix.preset: not running
+org.norvix.transaction: not running
+""", "")
+    absent = {"running": False, "process": None, "program": None}
+    unknown = {"well": None, "text": None}
+    assert ctl("status", "--json") == (NO, json.dumps(
+        {"bus": world.bus.address, "org.norvix.preset": absent, "org.norvix.transaction": absent,
+         "presets": unknown, "values": unknown}, indent=2) + "\n", "")
+
+
+def state_lines(outcome):
+    """The status, and what is said below the services."""
+    status, output, problem = outcome
+    assert problem == ""
+    return status, output.splitlines()[3:]
+
+
+def test_status_compares_the_presets(world, ctl):  # noqa: F811
+    world.simulator()
+    world.daemon()
+    values = "values: the Parameter Handler reads gain[1]"
+    ctl("presets")  # writes the definitions
+    world.write("more.def", "more preset { }\nscene preset { exclude rw { all } }\n"
+                            "single preset { exclude rw { gain } }\n")
+    definitions = ("-p", "parameters.def", "-d", "more.def")
+    assert state_lines(ctl("status", definitions=definitions)) == (NO, [
+        "presets: bad: the service lacks more; the service has scene, which this variant lacks",
+        values])
+    world.write("none.def", "more preset { }\n")
+    assert state_lines(ctl("status", definitions=("-p", "parameters.def", "-d", "none.def"))) == (
+        NO, ["presets: bad: the service has none of none.def", values])
+
+
+def test_status_says_what_it_does_not_know(world, ctl):  # noqa: F811
+    world.simulator()
+    world.daemon()
+    answers = "values: the Parameter Handler answers"
+    assert state_lines(ctl("status", definitions=("-p", "nowhere"))) == (YES, [
+        "presets: not known: cannot read nowhere: No such file or directory; name the definition "
+        "files with --parameters and --presets", answers])
+    world.write("model.def", "mode rw { rangeValid (model == 1) { 1 } }\n")
+    world.write("all.def", "all preset { }\n")
+    assert state_lines(ctl("status", definitions=("-p", "model.def", "-d", "all.def"))) == (YES, [
+        "presets: not known: nothing gives a value to model, which model.def uses; describe the "
+        "device with --system or --variant", answers])
+    world.write("wrong.def", "mode ry { }\n")
+    assert state_lines(ctl("status", definitions=("-p", "wrong.def", "-d", "all.def"))) == (YES, [
+        "presets: not known: wrong.def:1:6: Invalid parameter access type", answers])
+
+
+def test_status_says_that_a_service_does_not_answer(world, ctl, stopped):  # noqa: F811
+    handler, daemon = world.simulator(), world.daemon()
+    presets = "presets: the service has all 3 of presets.def"
+    stopped(handler.process)
+    assert state_lines(ctl("status", "--timeout", "1")) == (NO, [
+        presets, "values: bad: org.norvix.transaction did not answer single_get within 1 s"])
+    stopped(daemon.process)
+    assert state_lines(ctl("status", "--timeout", "1")) == (NO, [
+        "presets: bad: org.norvix.preset did not answer is_preset within 1 s",
+        "values: bad: org.norvix.transaction did not answer single_get within 1 s"])
+
+
+def test_status_waits_for_a_service_two_seconds(world, ctl, stopped):  # noqa: F811
+    stopped(world.simulator().process)
+    status, output, problem = ctl("status")
+    assert (status, problem) == (
+        NO, notes("waiting for org.norvix.transaction to answer single_get"))
+    assert output.splitlines()[-1] == (
+        "values: bad: org.norvix.transaction did not answer single_get within 2 s")
+
+
+def test_status_says_that_a_key_is_not_known(world, ctl):  # noqa: F811
+    world.simulator(parameters=world.write("old.def", "mode rw { }\ntemperature ro { }\n"))
+    status, output, _ = ctl("status")
+    assert (status, output.splitlines()[-1]) == (
+        NO, "values: bad: the Parameter Handler refuses to read gain[1]: " + REFUSED)
+
+
+def test_status_of_a_daemon_that_detached(world, ctl):  # noqa: F811
+    world.simulator()
+    daemon = world.daemon(options=())
+    daemon.wait()
+    status, output, _ = ctl("status")
+    assert (status, output.splitlines()[1]) == (
+        YES, f"org.norvix.preset: running; process {daemon.process.pid}, which cannot be seen; it "
+        "may have detached")

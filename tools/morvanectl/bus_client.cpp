@@ -17,17 +17,19 @@ std::string textOf(GError* raw) {
     return raw->message;
 }
 
-// The bus that the address names, or the session bus. Null with an error.
+// That of the session bus; empty with an error.
+std::string sessionBusAddress(Wait& wait, GError** error) {
+    const OwnedText address(
+        g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, wait.cancellable(), error));
+    return address ? address.get() : "";
+}
+
+// Null with an error.
 OwnedConnection connect(const std::string& address, Wait& wait, GError** error) {
     constexpr auto flags =
         static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                           G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    const OwnedText found(address.empty() ? g_dbus_address_get_for_bus_sync(
-                                                G_BUS_TYPE_SESSION, wait.cancellable(), error)
-                                          : g_strdup(address.c_str()));
-    if (!found)
-        return nullptr;
-    g_dbus_address_get_stream(found.get(), wait.cancellable(), Wait::onResult, &wait);
+    g_dbus_address_get_stream(address.c_str(), wait.cancellable(), Wait::onResult, &wait);
     const OwnedIoStream stream(g_dbus_address_get_stream_finish(wait.result(), nullptr, error));
     if (!stream)
         return nullptr;
@@ -56,12 +58,22 @@ Answer failure(const Service& service, const char* method, const TimeLimit& limi
 
 } // namespace
 
+std::optional<bool> yesOrNo(const Answer& answer) {
+    if (!answer.values || g_variant_is_of_type(answer.values.get(), G_VARIANT_TYPE("(b)")) == FALSE)
+        return std::nullopt;
+    gboolean yes = FALSE;
+    g_variant_get(answer.values.get(), "(b)", &yes);
+    return yes != FALSE;
+}
+
 BusClient::BusClient(const Settings& settings, std::string& error)
     : messages_(settings.messages),
       limit_(settings.timeLimit) {
     Wait wait("the bus to answer", messages_, limit_);
     GError* raw = nullptr;
-    bus_ = connect(settings.address, wait, &raw);
+    address_ = settings.address.empty() ? sessionBusAddress(wait, &raw) : settings.address;
+    if (raw == nullptr)
+        bus_ = connect(address_, wait, &raw);
     if (raw == nullptr)
         return;
     const auto text = textOf(raw);
@@ -88,13 +100,11 @@ Answer BusClient::call(const Service& service, const char* method, GVariant* arg
 }
 
 std::optional<bool> BusClient::isRunning(const Service& service) const {
-    static constexpr Service driver{"org.freedesktop.DBus", "/org/freedesktop/DBus"};
-    const auto answer = call(driver, "NameHasOwner", g_variant_new("(s)", service.name));
-    if (!answer.values)
-        return std::nullopt;
-    gboolean owned = FALSE;
-    g_variant_get(answer.values.get(), "(b)", &owned);
-    return owned != FALSE;
+    return isRunning(service, limit_);
+}
+
+std::optional<bool> BusClient::isRunning(const Service& service, const TimeLimit& limit) const {
+    return yesOrNo(call(busDriver, "NameHasOwner", g_variant_new("(s)", service.name), limit));
 }
 
 } // namespace morvane::ctl

@@ -21,6 +21,7 @@ struct Service {
 };
 
 constexpr Service presetService{"org.norvix.preset", "/preset"};
+constexpr Service busDriver{"org.freedesktop.DBus", "/org/freedesktop/DBus"};
 constexpr Service parameterHandler{"org.norvix.transaction", "/transaction"};
 
 /// An answer, or why there is none.
@@ -37,6 +38,9 @@ struct Answer {
     OwnedVariant values; ///< null without an answer
     std::string error;   ///< why there is none; that of the service as it was sent
 };
+
+/// The answer, where it is a boolean.
+std::optional<bool> yesOrNo(const Answer& answer);
 
 using OwnedConnection = std::unique_ptr<GDBusConnection, ReleasedBy<g_object_unref>>;
 
@@ -57,12 +61,17 @@ public:
     Answer call(const Service& service, const char* method, GVariant* arguments,
                 const TimeLimit& limit) const;
 
+    /// The address of the bus.
+    const std::string& address() const { return address_; }
+
     /// Whether the service runs; nothing if the bus does not answer.
     std::optional<bool> isRunning(const Service& service) const;
+    std::optional<bool> isRunning(const Service& service, const TimeLimit& limit) const;
 
 private:
     Messages messages_;
     TimeLimit limit_;
+    std::string address_;
     OwnedConnection bus_;
 };
 

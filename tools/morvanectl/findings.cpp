@@ -72,6 +72,8 @@ void appendJson(Json& list, const Finding& finding) {
 }
 
 void report(const Finding& finding, const Messages& messages) {
+    if (messages.keep(placeText(finding) + finding.text))
+        return;
     if (!messages.asJson()) {
         write(std::cerr, finding);
         return;

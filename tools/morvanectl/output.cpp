@@ -4,17 +4,32 @@
 
 namespace morvane::ctl {
 
+Messages Messages::keptIn(std::vector<std::string>& problems) {
+    Messages messages;
+    messages.problems_ = &problems;
+    return messages;
+}
+
+bool Messages::keep(std::string_view problem) const {
+    if (problems_ != nullptr)
+        problems_->emplace_back(problem);
+    return problems_ != nullptr;
+}
+
 ExitStatus Messages::fail(std::string_view problem) const {
-    say("error", problem);
+    if (!keep(problem))
+        say("error", problem);
     return ExitStatus::error;
 }
 
 void Messages::warn(std::string_view problem) const {
-    say("warning", problem);
+    if (!keep(problem))
+        say("warning", problem);
 }
 
 void Messages::note(std::string_view text) const {
-    say("note", text);
+    if (problems_ == nullptr)
+        say("note", text);
 }
 
 void Messages::say(const char* severity, std::string_view text) const {

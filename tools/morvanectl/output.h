@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace morvane::ctl {
 
@@ -21,6 +22,10 @@ class Messages {
 public:
     explicit Messages(bool asJson = false) : asJson_(asJson) {}
 
+    /// For what is tried beside a command: problems are appended to a list, and nothing is written.
+    /// @param problems borrowed for the life of the object and its copies.
+    static Messages keptIn(std::vector<std::string>& problems);
+
     /// Says why the question cannot be answered.
     /// @return ExitStatus::error, so that a command can end with it.
     ExitStatus fail(std::string_view problem) const;
@@ -33,10 +38,15 @@ public:
 
     bool asJson() const { return asJson_; }
 
+    /// Appends a problem to the list instead of writing it.
+    /// @return false if there is no list.
+    bool keep(std::string_view problem) const;
+
 private:
     void say(const char* severity, std::string_view text) const;
 
     bool asJson_;
+    std::vector<std::string>* problems_ = nullptr;
 };
 
 using Json = nlohmann::ordered_json;

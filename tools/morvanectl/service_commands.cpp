@@ -1,4 +1,4 @@
-// The subcommands that call the running services.
+// The subcommands that call the preset service.
 
 #include "bus_client.h"
 #include "commands.h"
@@ -68,10 +68,7 @@ std::optional<PresetCall> callOf(const Settings& settings, const char* method) {
 ExitStatus statusOf(const Answer& answer, const Messages& messages) {
     if (!answer.values)
         return messages.fail(answer.error);
-    gboolean yes = TRUE; // "die" answers nothing
-    if (g_variant_check_format_string(answer.values.get(), "(b)", FALSE) != FALSE)
-        g_variant_get(answer.values.get(), "(b)", &yes);
-    return yes != FALSE ? ExitStatus::yes : ExitStatus::no;
+    return yesOrNo(answer).value_or(true) ? ExitStatus::yes : ExitStatus::no; // "die" says nothing
 }
 
 } // namespace
@@ -90,27 +87,6 @@ ExitStatus callService(const Settings& settings, const char* method) {
     if (asked && status != ExitStatus::error)
         std::cout << (status == ExitStatus::yes ? "yes\n" : "no\n");
     return status;
-}
-
-ExitStatus showStatus(const Settings& settings) {
-    std::string problem;
-    const BusClient bus(settings, problem);
-    if (!problem.empty())
-        return settings.messages.fail(problem);
-    bool all = true;
-    auto states = Json::object();
-    for (const auto& service : {presetService, parameterHandler}) {
-        const auto running = bus.isRunning(service);
-        if (!running)
-            return settings.messages.fail("the bus does not answer");
-        all = all && *running;
-        states[service.name] = *running;
-        if (!settings.json)
-            std::cout << service.name << (*running ? " is running\n" : " is not running\n");
-    }
-    if (settings.json)
-        writeJson(states);
-    return all ? ExitStatus::yes : ExitStatus::no;
 }
 
 } // namespace morvane::ctl
