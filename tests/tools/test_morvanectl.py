@@ -57,18 +57,7 @@ def test_calls_the_service(world, ctl):
     assert ctl("die") == (YES, "", "")
 
 
-def test_shows_the_error_of_the_service_as_it_came(world, ctl):
-    world.simulator()
-    world.daemon()
-    assert ctl("store", "unknown", "p") == (
-        ERROR, "", "morvanectl: dbus_norvix_preset: Store preset failed\n")
-    assert ctl("load", "scene", "nowhere") == (
-        ERROR, "", "morvanectl: dbus_norvix_preset: Load preset failed\n")
-
-
-def test_says_plainly_that_a_service_is_missing(world, ctl):
-    assert ctl("is-preset", "scene") == (
-        ERROR, "", "morvanectl: the service org.norvix.preset is not running\n")
+def test_says_plainly_that_the_bus_is_missing(ctl):
     status, output, problem = ctl("is-preset", "scene", "--address", "unix:path=/nowhere/bus")
     assert (status, output) == (ERROR, "")
     assert problem.startswith("morvanectl: cannot reach the bus (")

@@ -1,7 +1,9 @@
-"""morvanectl's calls of the services: what is waited for, what is sent, and status."""
+"""morvanectl's calls of the services: what is waited for, why a call failed, and status."""
 
+import errno
 import json
 import os
+import re
 import signal
 import socket
 import subprocess
@@ -15,10 +17,31 @@ NO_BUS = ("morvanectl: cannot reach the bus (it did not answer within {} s); set
           "DBUS_SESSION_BUS_ADDRESS, or name the bus with --address\n")
 
 REFUSED = "dbus_norvix_transaction: unknown parameter gain[1]"
+LOAD_FAILED = "morvanectl: dbus_norvix_preset: Load preset failed\n"
+STORE_FAILED = "morvanectl: dbus_norvix_preset: Store preset failed\n"
 
 
 def notes(*texts):
     return "".join(f"morvanectl: {text}\n" for text in texts)
+
+
+def log_place(daemon=None):
+    """What is said of the log. The unit is that of the tests, if a service runs them."""
+    if daemon is not None:
+        folder = Path(f"/proc/{daemon.process.pid}")
+        if (folder / "cmdline").read_bytes().split(b"\0")[0].endswith(b"/morvane"):
+            path = re.search(r"^(?:0::|1:name=systemd:)(.+)$", (folder / "cgroup").read_text(),
+                             re.MULTILINE)
+            parts = path[1].split("/") if path else []
+            units = [p for p in parts if p.endswith(".service") and not p.startswith("user@")]
+            if units:
+                user = any(re.fullmatch(r"user@.*\.service", p) for p in parts)
+                return (f"morvanectl: the log of the service: journalctl "
+                        f"--{'user-' if user else ''}unit={units[-1]}\n")
+    if Path("/run/systemd/system").is_dir():
+        return ("morvanectl: the log of the service is probably shown by: journalctl "
+                "--identifier=morvane\n")
+    return "morvanectl: the service writes to the system log, probably as morvane\n"
 
 
 @pytest.fixture
@@ -91,16 +114,19 @@ def test_waits_for_a_bus_without_a_time_limit(world, ctl):  # noqa: F811
 
 def test_gives_up_a_service_that_does_not_answer(world, ctl, stopped):  # noqa: F811
     stopped(world.simulator().process)
-    world.daemon()
+    daemon = world.daemon()
+    handler = notes("waiting for org.norvix.transaction to answer {0}", "the Parameter Handler: "
+                    "org.norvix.transaction did not answer {0} within 2 s") + log_place(daemon)
     assert ctl("store", "scene", "p", "--timeout", "1.5") == (
-        ERROR, "", "morvanectl: waiting for org.norvix.preset to answer store\n"
-        "morvanectl: org.norvix.preset did not answer store within 1.5 s\n")
+        ERROR, "", notes("waiting for org.norvix.preset to answer store",
+                         "org.norvix.preset did not answer store within 1.5 s")
+        + handler.format("single_get_bulk"))
     assert ctl("--timeout=0.2", "is-preset", "scene") == (
-        ERROR, "", "morvanectl: org.norvix.preset did not answer is_preset within 0.2 s\n")
+        ERROR, "", notes("org.norvix.preset did not answer is_preset within 0.2 s")
+        + handler.format("single_get"))
     world.write("p", "mode=off\n")
     assert ctl("diff", "p", "--live", "scene", "--timeout", "0.2") == (
-        ERROR, "",
-        "morvanectl: org.norvix.transaction did not answer single_get_bulk within 0.2 s\n")
+        ERROR, "", notes("org.norvix.transaction did not answer single_get_bulk within 0.2 s"))
 
 
 def test_an_answer_within_the_time_limit_counts(world, ctl):  # noqa: F811
@@ -114,6 +140,124 @@ def test_refuses_what_is_no_time_limit(ctl, text):  # noqa: F811
     status, output, problem = ctl("status", f"--timeout={text}", "--json")
     assert (status, output, problem) == (ERROR, "", json_message(
         "error", "--timeout: a time limit is a number of seconds, above 0, at most 1000000"))
+
+
+def test_says_that_the_file_is_missing(world, ctl):  # noqa: F811
+    world.simulator()
+    daemon = world.daemon()
+    assert ctl("load", "scene", "nowhere") == (
+        ERROR, "", LOAD_FAILED + notes(
+            f"cannot read {world.folder}/nowhere: No such file or directory") + log_place(daemon))
+    assert ctl("load-with-default", "scene", ".") == (
+        ERROR, "", "morvanectl: dbus_norvix_preset: Load preset with defaults failed\n" + notes(
+            f"cannot read {world.folder}/.: not a regular file") + log_place(daemon))
+
+
+def test_says_why_a_file_cannot_be_stored(world, ctl):  # noqa: F811
+    world.simulator()
+    daemon = world.daemon()
+    folder = world.folder
+    assert ctl("store", "scene", "nowhere/p") == (
+        ERROR, "", STORE_FAILED + notes(
+            f"cannot reach the folder {folder}/nowhere: No such file or directory")
+        + log_place(daemon))
+    (folder / "p_bak").mkdir()
+    assert ctl("store", "scene", "p") == (
+        ERROR, "", STORE_FAILED + notes(
+            f"{folder}/p_bak is not a regular file, which a store does not replace")
+        + log_place(daemon))
+    assert ctl("store", "scene", "parameters.def/p") == (
+        ERROR, "", STORE_FAILED + notes(f"{folder}/parameters.def is no folder")
+        + log_place(daemon))
+
+
+def test_says_that_the_preset_is_unknown(world, ctl):  # noqa: F811
+    world.simulator()
+    daemon = world.daemon()
+    assert ctl("load-default", "scnee") == (
+        ERROR, "", "morvanectl: dbus_norvix_preset: Load defaults failed\n" + notes(
+            "the service has no preset scnee", "did you mean scene?") + log_place(daemon))
+    assert ctl("store", "scnee", "p", definitions=("-p", "nowhere")) == (
+        ERROR, "", STORE_FAILED + notes("the service has no preset scnee") + log_place(daemon))
+    world.write("presets.def", "scnee preset { }\n" + world.presets.read_text())
+    assert ctl("store", "scnee", "p") == (
+        ERROR, "", STORE_FAILED + notes(
+            "the service has no preset scnee",
+            "probably: the service has other definition files, or other system arguments, than "
+            "were read here: presets.def gives this variant the preset") + log_place(daemon))
+
+
+def test_says_that_the_service_serves_no_presets(world, ctl):  # noqa: F811
+    world.simulator()
+    daemon = world.daemon(presets=world.write("broken.def", "scene preset {\n"))
+    assert ctl("store", "scene", "p", "--json") == (ERROR, "", "".join([
+        json_message("error", "dbus_norvix_preset: Store preset failed"),
+        json_message("note", "the service has no preset scene"),
+        json_message("note", "probably: the service could not use its definition files when it "
+                     "started, and serves no preset; it has none of presets.def"),
+        json_message("note", log_place(daemon)[len("morvanectl: "):-1])]))
+
+
+def test_says_that_no_key_is_in_the_preset(world, ctl):  # noqa: F811
+    world.simulator()
+    daemon = world.daemon()
+    assert ctl("store-subpreset", "single", "p", "gain[1]", "gain[2]") == (
+        ERROR, "", "morvanectl: dbus_norvix_preset: Store sub-preset failed\n" + notes(
+            "the service has none of these keys in single") + log_place(daemon))
+
+
+def test_says_which_values_are_probably_refused(world, ctl):  # noqa: F811
+    """The Parameter Handler refuses a load of them ten times, a second apart."""
+    world.simulator()
+    daemon = world.daemon(clock_rate=100)
+    world.write("p", "gain[1]=13\nserial=1\ngain[2]=14\ngain[3]=15\nmode=on\nmode=off\n")
+    assert ctl("load", "scene", "p") == (ERROR, "", LOAD_FAILED + notes(
+        'probably: line 1: gain[1]: "13" is none of its values: -60..12',
+        'probably: line 3: gain[2]: "14" is none of its values: -60..12',
+        'probably: line 4: gain[3]: "15" is none of its values: -60..12',
+        "there are 1 more like this; see: morvanectl validate p --for scene") + log_place(daemon))
+
+
+def test_reads_the_backup_that_a_load_puts_back(world, ctl):  # noqa: F811
+    """A load that fails has put it back already, so the file itself is examined."""
+    world.simulator()
+    daemon = world.daemon()
+    world.write("p", "mode=off\n")
+    world.write("p_bak", b"mode=\xff\n")
+    assert ctl("load", "scene", "p") == (ERROR, "", LOAD_FAILED + notes(
+        "probably: line 1: its value is not UTF-8, so the whole load fails") + log_place(daemon))
+
+
+def test_says_that_a_backup_was_not_put_back(world, ctl):  # noqa: F811
+    world.simulator()
+    daemon = world.daemon(fault=(f"rename 1 {errno.EACCES}", str(world.folder / "p")))
+    world.write("p_bak", "mode=off\n")
+    assert ctl("load", "scene", "p") == (ERROR, "", LOAD_FAILED + notes(
+        f"the service did not put {world.folder}/p_bak back, which an interrupted store has left")
+        + log_place(daemon))
+
+
+def test_says_that_the_parameter_handler_is_missing(world, ctl):  # noqa: F811
+    daemon = world.daemon()
+    assert ctl("store", "scene", "p", "--timeout", "0.5") == (
+        ERROR, "", "morvanectl: org.norvix.preset did not answer store within 0.5 s\n" + notes(
+            "the Parameter Handler, org.norvix.transaction, is not running; loads and stores wait "
+            "for it") + log_place(daemon))
+
+
+def test_says_that_the_parameter_handler_refuses_a_read(world, ctl):  # noqa: F811
+    world.simulator(parameters=world.write("old.def", "mode rw { }\ntemperature ro { }\n"))
+    daemon = world.daemon(clock_rate=100)
+    status, output, problem = ctl("store", "scene", "p")
+    assert (status, output) == (ERROR, "")
+    assert problem == STORE_FAILED + notes(
+        "the Parameter Handler refuses to read gain[1], gain[2], gain[3], mode, temperature: "
+        + REFUSED) + log_place(daemon)
+
+
+def test_says_where_the_log_of_a_missing_service_is(ctl):  # noqa: F811
+    assert ctl("is-preset", "scene") == (
+        ERROR, "", "morvanectl: the service org.norvix.preset is not running\n" + log_place())
 
 
 def test_refuses_a_folder_that_the_bus_does_not_carry(world, ctl):  # noqa: F811
@@ -281,3 +425,5 @@ def test_status_of_a_daemon_that_detached(world, ctl):  # noqa: F811
     assert (status, output.splitlines()[1]) == (
         YES, f"org.norvix.preset: running; process {daemon.process.pid}, which cannot be seen; it "
         "may have detached")
+    assert ctl("store", "unknown", "p") == (ERROR, "", STORE_FAILED + notes(
+        "the service has no preset unknown") + log_place())

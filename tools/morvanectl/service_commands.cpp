@@ -1,6 +1,7 @@
 // The subcommands that call the preset service.
 
 #include "bus_client.h"
+#include "call_failure.h"
 #include "commands.h"
 #include "output.h"
 #include "text/utf8.h"
@@ -9,21 +10,11 @@
 #include <filesystem>
 #include <iostream>
 #include <optional>
-#include <string>
 #include <string_view>
-#include <vector>
 
 namespace morvane::ctl {
 
 namespace {
-
-/// A call of the preset service.
-struct PresetCall {
-    std::string_view method;
-    std::string preset;
-    std::string file; ///< as it is sent; empty without one
-    std::vector<std::string> keys;
-};
 
 GVariant* argumentsOf(const PresetCall& call) {
     const auto* const preset = call.preset.c_str();
@@ -81,11 +72,13 @@ ExitStatus callService(const Settings& settings, const char* method) {
     const BusClient bus(settings, problem);
     if (!problem.empty())
         return settings.messages.fail(problem);
-    const auto status =
-        statusOf(bus.call(presetService, method, argumentsOf(*call)), settings.messages);
+    const auto answer = bus.call(presetService, method, argumentsOf(*call));
+    const auto status = statusOf(answer, settings.messages);
     const bool asked = call->method == "is_preset" || call->method == "in_preset";
     if (asked && status != ExitStatus::error)
         std::cout << (status == ExitStatus::yes ? "yes\n" : "no\n");
+    else if (status != ExitStatus::yes)
+        explainFailure(bus, settings, *call, answer.outcome);
     return status;
 }
 
