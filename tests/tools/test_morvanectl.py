@@ -460,3 +460,4 @@ def test_bash_completes(world):
     assert complete(world, path, *options, "load", "scene", "pre") == ["presets.def"]
     assert complete(world, path, *options, "load", "--dr") == ["--dry-run"]
     assert complete(world, path, "--parameters", "para") == ["parameters.def"]
+    assert complete(world, path, "--timeout", "1.5", "st") == ["status", "store", "store-subpreset"]

@@ -7,10 +7,14 @@ import re
 import signal
 import socket
 import subprocess
+import threading
 from pathlib import Path
+from xml.sax.saxutils import escape
 
 import pytest
-from harness import CTL, SIMULATOR, wait_until
+from harness import BUS_CONFIG, CTL, SIMULATOR, Bus, wait_until
+from jeepney import new_method_return
+from raw_client import RawClient
 from test_morvanectl import ERROR, NO, YES, SlowBus, ctl, json_message  # noqa: F401 - a fixture
 
 NO_BUS = ("morvanectl: cannot reach the bus (it did not answer within {} s); set "
@@ -121,12 +125,14 @@ def test_gives_up_a_service_that_does_not_answer(world, ctl, stopped):  # noqa: 
         ERROR, "", notes("waiting for org.norvix.preset to answer store",
                          "org.norvix.preset did not answer store within 1.5 s")
         + handler.format("single_get_bulk"))
-    assert ctl("--timeout=0.2", "is-preset", "scene") == (
-        ERROR, "", notes("org.norvix.preset did not answer is_preset within 0.2 s")
+    assert ctl("--timeout=1.5", "is-preset", "scene") == (
+        ERROR, "", notes("waiting for org.norvix.preset to answer is_preset",
+                         "org.norvix.preset did not answer is_preset within 1.5 s")
         + handler.format("single_get"))
     world.write("p", "mode=off\n")
-    assert ctl("diff", "p", "--live", "scene", "--timeout", "0.2") == (
-        ERROR, "", notes("org.norvix.transaction did not answer single_get_bulk within 0.2 s"))
+    assert ctl("diff", "p", "--live", "scene", "--timeout", "1.5") == (
+        ERROR, "", notes("waiting for org.norvix.transaction to answer single_get_bulk",
+                         "org.norvix.transaction did not answer single_get_bulk within 1.5 s"))
 
 
 def test_an_answer_within_the_time_limit_counts(world, ctl):  # noqa: F811
@@ -239,8 +245,10 @@ def test_says_that_a_backup_was_not_put_back(world, ctl):  # noqa: F811
 
 def test_says_that_the_parameter_handler_is_missing(world, ctl):  # noqa: F811
     daemon = world.daemon()
-    assert ctl("store", "scene", "p", "--timeout", "0.5") == (
-        ERROR, "", "morvanectl: org.norvix.preset did not answer store within 0.5 s\n" + notes(
+    assert ctl("store", "scene", "p", "--timeout", "1.5") == (
+        ERROR, "", notes(
+            "waiting for org.norvix.preset to answer store",
+            "org.norvix.preset did not answer store within 1.5 s",
             "the Parameter Handler, org.norvix.transaction, is not running; loads and stores wait "
             "for it") + log_place(daemon))
 
@@ -253,6 +261,48 @@ def test_says_that_the_parameter_handler_refuses_a_read(world, ctl):  # noqa: F8
     assert problem == STORE_FAILED + notes(
         "the Parameter Handler refuses to read gain[1], gain[2], gain[3], mode, temperature: "
         + REFUSED) + log_place(daemon)
+
+
+def test_says_why_a_service_said_no(world, ctl):  # noqa: F811
+    """As a later service may, which the daemon does not."""
+    stand_in = RawClient(world.bus.address)
+    stand_in.own("org.norvix.preset")
+    no = {method: lambda call, serial: new_method_return(call, "b", (False,)).serialise(serial)
+          for method in ("load", "is_preset")}
+    thread = threading.Thread(target=stand_in.answer_calls, args=(no,))
+    thread.start()
+    world.simulator()
+    world.write("p", "mode=off\n")
+    status, output, problem = ctl("load", "scene", "p")
+    assert (status, output, problem.splitlines(keepends=True)[:-1]) == (NO, "", [
+        "morvanectl: the service has no preset scene\n",
+        "morvanectl: probably: the service could not use its definition files when it started, and "
+        "serves no preset; it has none of presets.def\n"])
+    stand_in.connection.sock.shutdown(socket.SHUT_RDWR)
+    thread.join()
+    stand_in.close()
+
+
+def test_says_where_the_log_of_a_service_is_that_ended(world, ctl):  # noqa: F811
+    world.simulator()
+    world.write("p", "mode=off\n")
+    world.daemon(fault=("rename 1 kill", str(world.folder / "p")))
+    assert ctl("store", "scene", "p") == (ERROR, "", notes(
+        "Message recipient disconnected from message bus without replying") + log_place())
+
+
+def test_says_where_the_log_of_a_service_is_that_does_not_start(tmp_path, world, ctl):  # noqa: F811
+    services = tmp_path / "services"
+    services.mkdir()
+    (services / "org.norvix.preset.service").write_text(
+        "[D-BUS Service]\nName=org.norvix.preset\nExec=/bin/false\n")
+    config = world.write("bus.conf", BUS_CONFIG.read_text().replace(
+        "</listen>", f"</listen><servicedir>{escape(str(services))}</servicedir>"))
+    bus = Bus(config)
+    outcome = ctl("store", "scene", "p", "--address", bus.address)
+    bus.stop()
+    assert outcome == (
+        ERROR, "", notes("Process org.norvix.preset exited with status 1") + log_place())
 
 
 def test_says_where_the_log_of_a_missing_service_is(ctl):  # noqa: F811
@@ -391,14 +441,17 @@ def test_status_says_what_it_does_not_know(world, ctl):  # noqa: F811
 
 def test_status_says_that_a_service_does_not_answer(world, ctl, stopped):  # noqa: F811
     handler, daemon = world.simulator(), world.daemon()
-    presets = "presets: the service has all 3 of presets.def"
+    values = "values: bad: org.norvix.transaction did not answer single_get within 1.5 s"
+    waiting = "waiting for org.norvix.transaction to answer single_get"
     stopped(handler.process)
-    assert state_lines(ctl("status", "--timeout", "1")) == (NO, [
-        presets, "values: bad: org.norvix.transaction did not answer single_get within 1 s"])
+    status, output, problem = ctl("status", "--timeout", "1.5")
+    assert (status, output.splitlines()[3:], problem) == (
+        NO, ["presets: the service has all 3 of presets.def", values], notes(waiting))
     stopped(daemon.process)
-    assert state_lines(ctl("status", "--timeout", "1")) == (NO, [
-        "presets: bad: org.norvix.preset did not answer is_preset within 1 s",
-        "values: bad: org.norvix.transaction did not answer single_get within 1 s"])
+    status, output, problem = ctl("status", "--timeout", "1.5")
+    assert (status, output.splitlines()[3:], problem) == (
+        NO, ["presets: bad: org.norvix.preset did not answer is_preset within 1.5 s", values],
+        notes("waiting for org.norvix.preset to answer is_preset", waiting))
 
 
 def test_status_waits_for_a_service_two_seconds(world, ctl, stopped):  # noqa: F811

@@ -51,8 +51,11 @@ Answer failure(const Service& service, const char* method, const TimeLimit& limi
         g_error_free(raw);
         return {notRunning, {}, "the service " + name + " is not running"};
     }
-    const bool isLost = g_dbus_error_is_remote_error(raw) == FALSE ||
-                        g_error_matches(raw, G_DBUS_ERROR, G_DBUS_ERROR_NO_REPLY) != FALSE;
+    const OwnedText remote(g_dbus_error_get_remote_error(raw));
+    if (remote && g_str_has_prefix(remote.get(), "org.freedesktop.DBus.Error.Spawn.") != FALSE)
+        return {notRunning, {}, textOf(raw)};
+    const bool isLost =
+        !remote || g_error_matches(raw, G_DBUS_ERROR, G_DBUS_ERROR_NO_REPLY) != FALSE;
     return {isLost ? lost : refused, {}, textOf(raw)};
 }
 

@@ -29,7 +29,7 @@ struct Answer {
     enum class Outcome {
         answered,
         refused,    ///< the service, or the bus in its place, answered with an error
-        notRunning, ///< nobody has the name of the service
+        notRunning, ///< nobody has the name of the service, and the bus could not start it
         timedOut,   ///< there was no answer within the time limit
         lost,       ///< the service or the bus ended before it answered
     };
