@@ -15,6 +15,11 @@ void exitWithError(const char* message, const char* detail) {
     std::exit(EXIT_FAILURE);
 }
 
+// The Parameter Handler marks its own errors.
+bool isRefusal(std::string_view message) {
+    return message.starts_with("dbus_norvix_transaction");
+}
+
 const char* messageOf(const OwnedError& error) {
     return error->message != nullptr ? error->message : "";
 }

@@ -1,7 +1,9 @@
-// Logs errors of the connection to the Parameter Handler.
+// Errors of the calls to the Parameter Handler: which are final, and the log of them.
 #pragma once
 
 #include "glib/glib_owned.h"
+
+#include <string_view>
 
 namespace morvane {
 
@@ -16,6 +18,10 @@ void logError(const char* message, const char* detail);
 
 /// Does the same, and ends the process with status 1.
 [[noreturn]] void exitWithError(const char* message, const char* detail);
+
+/// Whether an error's message says that the Parameter Handler itself refused the call, which is
+/// final. All others are transport errors.
+bool isRefusal(std::string_view message);
 
 /// The error's message; never null.
 const char* messageOf(const OwnedError& error);

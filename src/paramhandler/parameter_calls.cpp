@@ -9,7 +9,6 @@
 
 #include <cassert>
 #include <memory>
-#include <string_view>
 
 namespace morvane {
 
@@ -18,12 +17,6 @@ namespace {
 constexpr const char* setOutOfMemory = "parm_set_() setParm - out of memory\n";
 constexpr const char* resetOutOfMemory = "parm_reset_() defParm - out of memory\n";
 constexpr const char* getOutOfMemory = "parm_get_() getParm - out of memory\n";
-
-// The Parameter Handler marks its own errors; all others are transport errors.
-bool isRefusal(const OwnedError& error) {
-    constexpr std::string_view mark = "dbus_norvix_transaction";
-    return std::string_view(messageOf(error)).starts_with(mark);
-}
 
 // Makes the call until it succeeds or the Parameter Handler refuses it. After a transport error it
 // is repeated at once, without limit: the Parameter Handler may be restarting. Only a closed
@@ -37,7 +30,7 @@ bool callUntilAnswered(const Connection& connection, const char* failureText, Ca
             return true;
         const OwnedError error(raw);
         logError(failureText, messageOf(error));
-        if (isRefusal(error))
+        if (isRefusal(messageOf(error)))
             return false;
         exitIfClosed(connection);
     }
