@@ -10,6 +10,8 @@ namespace morvane::ctl {
 ExitStatus callService(const Settings& settings, const char* method);
 ExitStatus showStatus(const Settings& settings);
 ExitStatus diffLive(const Settings& settings);
+ExitStatus getValues(const Settings& settings);
+ExitStatus setValues(const Settings& settings);
 
 // With the definition files alone.
 ExitStatus checkDefinitions(const Settings& settings);

@@ -6,6 +6,7 @@
 #include "engine/load_plan.h"
 #include "engine/preset_file.h"
 #include "output.h"
+#include "parameter_values.h"
 #include "paramhandler/send_check.h"
 #include "variant.h"
 
@@ -94,7 +95,6 @@ ExitStatus show(const std::vector<Difference>& differences, bool asJson) {
 
 // The live values of all keys, read in one call.
 std::optional<Values> liveValues(const Settings& settings, const std::vector<std::string>& keys) {
-    constexpr guint32 noOption = 0;
     Values values;
     if (keys.empty())
         return values;
@@ -104,24 +104,13 @@ std::optional<Values> liveValues(const Settings& settings, const std::vector<std
         settings.messages.fail(problem);
         return std::nullopt;
     }
-    const auto answer = bus.call(parameterHandler, "single_get_bulk",
-                                 g_variant_new("(u@as)", noOption, stringArray(keys)));
-    if (!answer.values) {
-        settings.messages.fail(answer.error);
-        return std::nullopt;
-    }
-    if (g_variant_is_of_type(answer.values.get(), G_VARIANT_TYPE("(as)")) == FALSE) {
-        settings.messages.fail("the Parameter Handler answered something else than texts");
-        return std::nullopt;
-    }
-    const OwnedVariant list(g_variant_get_child_value(answer.values.get(), 0));
-    auto texts = stringsOf(list.get());
-    if (texts.size() != keys.size()) {
-        settings.messages.fail("the Parameter Handler answered another number of values");
+    auto live = readLiveValues(bus, keys);
+    if (!live.error.empty()) {
+        settings.messages.fail(live.error);
         return std::nullopt;
     }
     for (std::size_t i = 0; i < keys.size(); ++i)
-        values[keys[i]] = std::move(texts[i]);
+        values[keys[i]] = std::move(live.texts[i]);
     return values;
 }
 

@@ -216,6 +216,23 @@ private:
         addCall("die", "die", "End the preset service");
         add("status", "Show which of the two services are there",
             [this] { return showStatus(settings_); });
+        addValues();
+    }
+
+    void addValues() {
+        constexpr auto most = CLI::detail::expected_max_vector_size;
+        auto* const get = add("get", "Show the live values of some keys",
+                              [this] { return getValues(settings_); });
+        takeKeys(get);
+        auto* const set = add("set", "Set the live values of some keys, all of them or none",
+                              [this] { return setValues(settings_); });
+        set->add_option("assignments", settings_.assignments, "Keys, each with its value behind it")
+            ->required()
+            ->type_name("KEY VALUE")
+            ->expected(most, most) // which take_all makes no minimum
+            ->take_all()
+            ->allow_extra_args(false); // else CLI11 makes two words of "[a,b]"
+        set->add_flag("--status", settings_.ofStatus, "Set what read-only parameters show");
     }
 
     void addOffline() {

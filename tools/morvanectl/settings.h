@@ -37,9 +37,11 @@ struct Settings {
     std::string preset; ///< empty where a command needs none
     std::string key;
     std::string file;
-    std::string otherFile;         ///< of `diff`; empty when it reads the Parameter Handler
-    std::vector<std::string> keys; ///< of `store-subpreset` and `in-preset`
-    bool allVariants = false;      ///< of `check`: the named ones, or every combination of the axes
+    std::string otherFile;                ///< of `diff`; empty when it reads the Parameter Handler
+    std::vector<std::string> keys;        ///< of `store-subpreset`, `in-preset` and `get`
+    std::vector<std::string> assignments; ///< of `set`: keys, each with its value behind it
+    bool ofStatus = false;                ///< of `set`: what read-only parameters show
+    bool allVariants = false; ///< of `check`: the named ones, or every combination of the axes
     std::vector<VariantAxis> axes;
     bool asDaemon = false;     ///< of `check`: the daemon's own report, and nothing else
     bool strict = false;       ///< of `check`: warnings decide the status
