@@ -1,4 +1,4 @@
-// Calls on the session bus. Nothing else in morvanectl uses GDBus.
+// Calls on the session bus. Nothing else in morvanectl uses GDBus, but for BusWatch.
 #pragma once
 
 #include "glib/variant.h"
@@ -67,6 +67,9 @@ public:
     /// Whether the service runs; nothing if the bus does not answer.
     std::optional<bool> isRunning(const Service& service) const;
     std::optional<bool> isRunning(const Service& service, const TimeLimit& limit) const;
+
+    /// Borrowed; for BusWatch.
+    GDBusConnection* connection() const { return bus_.get(); }
 
 private:
     Messages messages_;

@@ -12,6 +12,7 @@ ExitStatus showStatus(const Settings& settings);
 ExitStatus diffLive(const Settings& settings);
 ExitStatus getValues(const Settings& settings);
 ExitStatus setValues(const Settings& settings);
+ExitStatus monitorBus(const Settings& settings);
 
 // With the definition files alone.
 ExitStatus checkDefinitions(const Settings& settings);

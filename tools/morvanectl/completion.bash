@@ -40,7 +40,7 @@ _morvanectl() {
             case ${#positional[@]},${positional[0]} in
             0,) words=$(morvanectl --help 2>/dev/null | _morvanectl_names Subcommands) ;;
             1,translate | 1,validate | 1,diff | 2,diff) files=yes ;;
-            1,check | 1,presets | 1,status | 1,die | *,get | *,set) ;;
+            1,check | 1,presets | 1,status | 1,die | 1,monitor | *,get | *,set) ;;
             1,*) words=$(morvanectl "${definitions[@]}" presets 2>/dev/null) ;;
             2,load | 2,load-with-default | 2,store | 2,store-subpreset) files=yes ;;
             *,store-subpreset | 2,explain | *,in-preset)

@@ -233,6 +233,8 @@ private:
             ->take_all()
             ->allow_extra_args(false); // else CLI11 makes two words of "[a,b]"
         set->add_flag("--status", settings_.ofStatus, "Set what read-only parameters show");
+        add("monitor", "Show which values commits change, and which services come and go",
+            [this] { return monitorBus(settings_); });
     }
 
     void addOffline() {
