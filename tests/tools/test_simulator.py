@@ -3,8 +3,9 @@
 import subprocess
 
 import pytest
+from conftest import PARAMETERS
 from gi.repository import Gio, GLib
-from harness import SIMULATOR, RemoteError, wait_until
+from harness import SIMULATOR, Bus, Client, RemoteError, wait_until
 
 ERROR_NAME = "org.norvix.transaction.Error"
 
@@ -167,14 +168,28 @@ def run_simulator(world, *arguments):
 
 @pytest.mark.parametrize("option, text, problem", [
     ("--values", "gain[9]=1\n", "unknown parameter gain[9]"),
-    ("--values", "gain[1]=99\n", 'gain[1] cannot be set to "99"'),
+    ("--values", "mode=off\ngain[1]=99\n", 'gain[1] cannot be set to "99"'),
+    ("--values", "trigger=2\n", 'trigger cannot be set to "2"'),
+    ("--values", "level=11\n", 'level cannot be set to "11"'),
+    ("--values", b"serial=\xff\n", "the value of serial is not UTF-8"),
     ("--faults", "# fine\nget_bulk never error x\n", "line 2 is no fault: get_bulk never error x"),
+    ("--faults", "get 1 exit\nget_blk 1 exit\n", "line 2: there is no method get_blk"),
 ])
 def test_refuses_a_wrong_file(world, option, text, problem):
+    world.write("parameters.def", PARAMETERS + "level ro { rangeValid { 0..10 } }\n")
     path = world.write("file", text)
     outcome = run_simulator(world, world.parameters, option, path)
     assert (outcome.returncode, outcome.stdout, outcome.stderr) == (
         1, "", f"parameter-handler-sim: {path}: {problem}\n")
+
+
+@pytest.mark.parametrize("option", ["--values", "--faults"])
+@pytest.mark.parametrize("path, problem", [
+    (".", "Is a directory"), ("nowhere", "No such file or directory")])
+def test_refuses_what_is_no_file(world, option, path, problem):
+    outcome = run_simulator(world, world.parameters, option, path)
+    assert (outcome.returncode, outcome.stdout, outcome.stderr) == (
+        1, "", f"parameter-handler-sim: cannot read {path}: {problem}\n")
 
 
 def test_refuses_a_wrong_definition_file(world):
@@ -191,6 +206,31 @@ def test_refuses_to_be_the_second(world):
     assert outcome.returncode == 1
     assert outcome.stderr == (
         "parameter-handler-sim: another process owns org.norvix.transaction\n")
+
+
+@pytest.mark.parametrize("faults", [None, "single_get 1 drop-name\n"])
+@pytest.mark.parametrize("is_session", [True, False])
+def test_says_that_the_bus_ended(world, is_session, faults):
+    """Also while it does not have its name."""
+    bus = Bus()
+    options = [] if is_session else ["--address", bus.address]
+    if faults:
+        options += ["--faults", world.write("faults", faults)]
+    process = subprocess.Popen(
+        [SIMULATOR, world.parameters, "--print-ready", *options], stdout=subprocess.PIPE,
+        stderr=subprocess.PIPE, text=True, env=(bus if is_session else world.bus).environment())
+    try:
+        assert process.stdout.readline().startswith("ready :")
+        if faults:
+            client = Client(bus)
+            client.handler("single_get", "(s)", "mode")
+            client.close()
+        bus.stop()
+        output, problem = process.communicate(timeout=60)
+    finally:
+        process.kill()
+    assert (process.returncode, output, problem) == (
+        1, "", "parameter-handler-sim: the bus ended\n")
 
 
 def test_explains_its_command_line(world):

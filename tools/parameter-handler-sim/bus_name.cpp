@@ -36,8 +36,9 @@ void BusName::own() {
     const GBusNameAcquiredCallback onAcquired = [](GDBusConnection*, const gchar*, gpointer data) {
         static_cast<BusName*>(data)->acquired_();
     };
-    const GBusNameLostCallback onLost = [](GDBusConnection*, const gchar*, gpointer data) {
-        static_cast<BusName*>(data)->refused_();
+    const GBusNameLostCallback onLost = [](GDBusConnection* bus, const gchar*, gpointer data) {
+        if (bus != nullptr) // else the bus ended
+            static_cast<BusName*>(data)->refused_();
     };
     owner_ = g_bus_own_name_on_connection(bus_, name_, G_BUS_NAME_OWNER_FLAGS_DO_NOT_QUEUE,
                                           onAcquired, onLost, this, nullptr);

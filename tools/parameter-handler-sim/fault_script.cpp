@@ -102,7 +102,8 @@ bool isBlankOrComment(const std::string& line) {
 
 } // namespace
 
-std::optional<std::string> FaultScript::read(std::istream& script) {
+std::optional<std::string>
+FaultScript::read(std::istream& script, const std::function<bool(std::string_view)>& isMethod) {
     std::string line;
     for (unsigned number = 1; std::getline(script, line); ++number) {
         if (isBlankOrComment(line))
@@ -110,6 +111,8 @@ std::optional<std::string> FaultScript::read(std::istream& script) {
         auto fault = readFault(line);
         if (!fault)
             return "line " + std::to_string(number) + " is no fault: " + line;
+        if (fault->method != anyMethod && !isMethod(fault->method))
+            return "line " + std::to_string(number) + ": there is no method " + fault->method;
         faults_.push_back(std::move(*fault));
     }
     return std::nullopt;

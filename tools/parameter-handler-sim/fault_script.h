@@ -22,6 +22,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <istream>
 #include <map>
 #include <optional>
@@ -54,8 +55,10 @@ struct Fault {
 class FaultScript {
 public:
     /// Reads a whole script.
+    /// @param isMethod whether there is a method of that name.
     /// @return what is wrong with it, with the line's number; nothing if it was read.
-    std::optional<std::string> read(std::istream& script);
+    std::optional<std::string> read(std::istream& script,
+                                    const std::function<bool(std::string_view)>& isMethod);
 
     /// Counts a call of `method`.
     /// @return the fault for it, or null; valid as long as the script.

@@ -9,14 +9,18 @@
 #include "options.h"
 #include "paramdef/param_def_file.h"
 #include "text/line_reader.h"
+#include "text/utf8.h"
 #include "transaction_service.h"
 #include "value_store.h"
 
 #include <gio/gio.h>
 #include <glib-unix.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
+#include <functional>
 #include <iostream>
 
 namespace morvane::sim {
@@ -33,16 +37,25 @@ int fail(const std::string& message) {
     return failed;
 }
 
+// For the reason that the last call of the system gave.
+Refusal cannotRead(const std::string& path) {
+    return "cannot read " + path + ": " + std::strerror(errno);
+}
+
 // Sets the values of the lines `key=value` of a file, which has the format of preset data files.
 Refusal readValues(const std::string& path, const Device& device, ValueStore& values) {
     const OwnedStream stream(std::fopen(path.c_str(), "r"));
     if (!stream)
-        return "cannot open " + path;
+        return cannotRead(path);
     Refusal refusal;
     readPresetFile(stream.get(), [&](const PresetEntry& entry) {
         if (refusal)
             return;
         const auto key = presetKey(entry);
+        if (!isUtf8(entry.value)) { // which the bus does not carry
+            refusal = path + ": the value of " + key + " is not UTF-8";
+            return;
+        }
         const auto* const parameter = device.find(key);
         const auto target =
             parameter != nullptr && parameter->isReadOnly() ? Target::status : Target::value;
@@ -50,16 +63,16 @@ Refusal readValues(const std::string& path, const Device& device, ValueStore& va
         if (const auto reason = values.set({}, target, assignment))
             refusal = path + ": " + *reason;
     });
-    return refusal;
+    return std::ferror(stream.get()) != 0 ? cannotRead(path) : refusal;
 }
 
 Refusal readFaults(const std::string& path, FaultScript& faults) {
     std::ifstream script(path);
     if (!script)
-        return "cannot open " + path;
-    if (auto problem = faults.read(script))
+        return cannotRead(path);
+    if (auto problem = faults.read(script, isMethod))
         return path + ": " + *problem;
-    return {};
+    return script.bad() ? cannotRead(path) : Refusal();
 }
 
 OwnedBus connectBus(const std::string& address, GError** error) {
@@ -75,6 +88,17 @@ OwnedBus connectBus(const std::string& address, GError** error) {
 gboolean quit(gpointer loop) {
     g_main_loop_quit(static_cast<GMainLoop*>(loop));
     return G_SOURCE_CONTINUE;
+}
+
+// Calls `ended` from the main loop when the bus has ended. It is borrowed for the connection's
+// life.
+void watchBus(GDBusConnection* bus, const std::function<void()>& ended) {
+    using ClosedHandler = void (*)(GDBusConnection*, gboolean, GError*, gpointer);
+    const ClosedHandler onClosed = [](GDBusConnection*, gboolean, GError*, gpointer function) {
+        (*static_cast<const std::function<void()>*>(function))();
+    };
+    g_signal_connect(bus, "closed", G_CALLBACK(onClosed),
+                     const_cast<std::function<void()>*>(&ended));
 }
 
 void log(const std::string& line) {
@@ -94,6 +118,10 @@ int serve(const Options& options, ValueStore& values, FaultScript& faults) {
     const OwnedLoop loop(g_main_loop_new(nullptr, FALSE));
     int status = EXIT_SUCCESS;
     const auto end = [&loop] { g_main_loop_quit(loop.get()); };
+    const auto failAndEnd = [&](const std::string& problem) {
+        status = fail(problem);
+        end();
+    };
     g_unix_signal_add(SIGTERM, quit, loop.get());
     g_unix_signal_add(SIGINT, quit, loop.get());
 
@@ -108,10 +136,9 @@ int serve(const Options& options, ValueStore& values, FaultScript& faults) {
         return fail(error->message);
     name.emplace(
         bus.get(), serviceName, [&] { printReady(options, bus.get()); },
-        [&] {
-            status = fail(std::string("another process owns ") + serviceName);
-            end();
-        });
+        [&] { failAndEnd(std::string("another process owns ") + serviceName); });
+    const std::function<void()> busEnded = [&] { failAndEnd("the bus ended"); };
+    watchBus(bus.get(), busEnded);
     g_main_loop_run(loop.get());
     return status;
 }

@@ -143,12 +143,22 @@ Outcome checkSet(ValueStore& values, ValueStore::Scope scope, Arguments& argumen
     return outcome;
 }
 
+// Null if there is no such method.
+const Method* findMethod(std::string_view name) {
+    const auto* const row = std::find_if(methods.begin(), methods.end(),
+                                         [name](const Method& m) { return m.name == name; });
+    return row == methods.end() ? nullptr : row;
+}
+
 } // namespace
 
+bool isMethod(std::string_view name) {
+    return findMethod(name) != nullptr;
+}
+
 Outcome perform(ValueStore& values, std::string_view method, GVariant* parameters) {
-    const auto* const row = std::find_if(methods.begin(), methods.end(),
-                                         [method](const Method& m) { return m.name == method; });
-    assert(row != methods.end());
+    const auto* const row = findMethod(method);
+    assert(row != nullptr);
     Arguments arguments(parameters);
     ValueStore::Scope scope;
     if (row->inside == Inside::transaction)

@@ -25,6 +25,9 @@ struct Outcome {
     std::optional<std::vector<std::string>> changed;
 };
 
+/// Whether the interface has a method of that name.
+bool isMethod(std::string_view name);
+
 /// Carries out one call.
 ///
 /// @param method     one of the interface's methods.

@@ -13,7 +13,7 @@ using Action = Fault::Action;
 
 std::optional<std::string> read(FaultScript& script, const std::string& text) {
     std::istringstream stream(text);
-    return script.read(stream);
+    return script.read(stream, [](std::string_view name) { return name != "nothing"; });
 }
 
 struct ActionRow {
@@ -114,6 +114,12 @@ TEST(FaultScript, SaysWhichLineIsWrong) {
         EXPECT_EQ(read(script, "# one\nget 1 exit\n" + std::string(mistake) + "\nget 2 exit\n"),
                   "line 3 is no fault: " + std::string(mistake));
     }
+}
+
+TEST(FaultScript, SaysWhichMethodThereIsNot) {
+    FaultScript script;
+    EXPECT_EQ(read(script, "get 1 exit\n* 1 exit\nnothing 1 exit\n"),
+              "line 3: there is no method nothing");
 }
 
 } // namespace

@@ -86,5 +86,11 @@ TEST_F(TransactionCalls, CarryOutEveryMethod) {
         EXPECT_EQ(call(method, arguments), reply) << method << arguments;
 }
 
+TEST(TransactionMethods, AreKnownByName) {
+    EXPECT_TRUE(isMethod("single_reset_status_bulk"));
+    for (const char* const name : {"", "*", "Start", "get_blk", "single_start"})
+        EXPECT_FALSE(isMethod(name)) << name;
+}
+
 } // namespace
 } // namespace morvane::sim
