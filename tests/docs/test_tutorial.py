@@ -29,13 +29,26 @@ def steps():
             for command, output in found]
 
 
+def until_lines(count):
+    """A loop until the monitor has written so many lines."""
+    return f'until [ "$(cat changes 2>/dev/null | wc -l)" -ge {count} ]; do :; done'
+
+
+def waits_before(command):
+    """What has happened by the time that somebody has typed the command."""
+    return [until_lines(6)] if command == "cat changes" else []
+
+
 def test_every_step_prints_what_the_tutorial_says(world):
     # Job control, as an interactive shell has it, for "kill %1".
     script = ["set -m"]
     for number, (command, _) in enumerate(steps()):
-        script += [f"echo '=== {number}'", command]
+        script += [f"echo '=== {number}'", *waits_before(command), command]
         if command.startswith("kill "):
-            script.append("wait")  # until the job has ended, or the next one would be %2
+            # The next job is to have its number. One that has ended may be known no more.
+            script.append(f"wait {command.split()[1]} 2>/dev/null")
+        elif command.startswith("morvanectl monitor "):
+            script.append(until_lines(2))  # it listens
         elif command == "morvanectl die":  # the next daemon needs the name
             script.append("while morvanectl status | grep -q 'preset: running'; do :; done")
     folder = world.folder / "empty"
