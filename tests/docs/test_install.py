@@ -26,12 +26,14 @@ FILES = [
     "usr/share/doc/morvane/examples/parameters.def",
     "usr/share/doc/morvane/examples/presets.def",
     "usr/share/doc/morvane/examples/variants",
+    "usr/share/fish/vendor_completions.d/morvanectl.fish",
     "usr/share/man/man1/morvanectl.1",
     "usr/share/man/man1/parameter-handler-sim.1",
     "usr/share/man/man5/morvane-parameter-definition.5",
     "usr/share/man/man5/morvane-preset-data.5",
     "usr/share/man/man5/morvane-preset-definition.5",
     "usr/share/man/man8/morvane.8",
+    "usr/share/zsh/vendor-completions/_morvanectl",
 ]
 
 

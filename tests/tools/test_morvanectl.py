@@ -3,13 +3,12 @@
 import json
 import os
 import select
-import shlex
 import socket
 import subprocess
 import threading
 
 import pytest
-from harness import CTL, DEADLINE_SECONDS, SOURCE, tools_on_path
+from harness import CTL, DEADLINE_SECONDS
 from jeepney import HeaderFields, Parser, new_method_return
 
 YES, NO, ERROR = 0, 1, 2
@@ -199,7 +198,7 @@ def json_message(severity, text):
     (["check", "--all-variants"], "there are no named variants; see --variants, or give "
      "--all-variants system arguments with all their values"),
     (["keys"], "preset is required"),
-    (["nothing"], "A subcommand is required"),
+    (["nothing"], "there is no command nothing"),
 ])
 def test_writes_errors_as_json(world, ctl, arguments, text):
     status, output, problem = ctl(*arguments, "--json")
@@ -426,38 +425,3 @@ def test_a_wrong_command_line_is_an_error(ctl, arguments):
     status, output, problem = ctl(*arguments)
     assert (status, output) == (ERROR, "")
     assert problem.endswith("Run with --help for more information.\n")
-
-
-def complete(world, path, *words):
-    """What bash offers for the last word."""
-    script = (f"source {shlex.quote(str(SOURCE))}/tools/morvanectl/completion.bash\n"
-              f"COMP_WORDS=(morvanectl {shlex.join(words)})\n"
-              "COMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n"
-              "_morvanectl\n"
-              "printf '%s\\n' \"${COMPREPLY[@]}\"")
-    outcome = subprocess.run(["bash", "-c", script], cwd=world.folder, capture_output=True,
-                             text=True, check=True,
-                             env={**os.environ, "PATH": path})
-    return sorted(outcome.stdout.split())
-
-
-def test_bash_completes(world):
-    path = tools_on_path(world.folder)
-    options = ["-p", "parameters.def", "-d", "presets.def"]
-    assert complete(world, path, "st") == ["status", "store", "store-subpreset"]
-    assert complete(world, path, "--js") == ["--json"]
-    assert complete(world, path, *options, "keys", "s") == ["scene", "single", "states"]
-    assert complete(world, path, *options, "keys", "") == ["scene", "single", "states"]
-    assert complete(world, path, *options, "explain", "scene", "gain") == [
-        "gain[1]", "gain[2]", "gain[3]"]
-    assert complete(world, path, *options, "in-preset", "single", "") == ["mode"]
-    assert complete(world, path, *options, "translate", "para") == ["parameters.def"]
-    assert complete(world, path, *options, "validate", "pre") == ["presets.def"]
-    assert complete(world, path, *options, "validate", "old", "--for", "s") == [
-        "scene", "single", "states"]
-    assert complete(world, path, *options, "validate", "--for", "scene", "pre") == ["presets.def"]
-    assert complete(world, path, *options, "translate", "old", "--output", "pre") == ["presets.def"]
-    assert complete(world, path, *options, "load", "scene", "pre") == ["presets.def"]
-    assert complete(world, path, *options, "load", "--dr") == ["--dry-run"]
-    assert complete(world, path, "--parameters", "para") == ["parameters.def"]
-    assert complete(world, path, "--timeout", "1.5", "st") == ["status", "store", "store-subpreset"]

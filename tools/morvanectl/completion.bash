@@ -1,62 +1,58 @@
 # shellcheck shell=bash
-# bash completion for morvanectl: subcommands and options from --help, presets and keys from the
-# definition files, and files.
+# bash completion for morvanectl, which says itself what may follow. Evaluates nothing of that.
 
-# The names in a section of a help text ("Options" or "Subcommands"), one per line.
-_morvanectl_names() {
-    sed -n "/^$1:/,/^\$/s/^  \([^ ]*\).*/\1/p" | tr ',' '\n'
+# Sets `word` to a text without its quotes, and `quote` to the one that is still open.
+_morvanectl_unquote() {
+    local text=$1 c
+    word='' quote=''
+    while [ -n "$text" ]; do
+        c=${text:0:1} text=${text:1}
+        if [ "$c" = "$quote" ]; then
+            quote=''
+        elif [[ -z $quote && $c == [\'\"] ]]; then
+            quote=$c
+        elif [[ $c == \\ && (-z $quote || $quote == \" && $text == [\"\\\$\`]*) ]]; then
+            word+=${text:0:1} text=${text:1}
+        else
+            word+=$c
+        fi
+    done
 }
 
 _morvanectl() {
-    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local -a definitions=() positional=()
-    local i word
-    for ((i = 1; i < COMP_CWORD; i++)); do
-        word=${COMP_WORDS[i]}
-        case $word in
-        -p | --parameters | -d | --presets | -s | --system | --variant | --variants)
-            definitions+=("$word" "${COMP_WORDS[++i]}")
-            ;;
-        --address | --timeout | --live | --for | --output | --all-variants) ((++i)) ;;
-        -*) ;;
-        *) positional+=("$word") ;;
-        esac
+    local line=${COMP_LINE:0:COMP_POINT} typed='' i rest word quote output candidate
+    local -a words=() candidates=()
+    # Of what bash has split, at "=" and ":" too, it is one word that has no blank inside.
+    for ((i = 0; i <= COMP_CWORD; i++)); do
+        rest=${line#"${line%%[![:blank:]]*}"}
+        if [[ $i -gt 0 && $rest != "$line" ]]; then
+            _morvanectl_unquote "$typed"
+            words+=("$word") typed=''
+        fi
+        [ "$i" -lt "$COMP_CWORD" ] && line=${rest#"${COMP_WORDS[i]}"} || line=''
+        typed+=${rest%"$line"}
     done
-
-    local words='' files=no
-    case $previous in
-    -p | --parameters | -d | --presets | --variants | --output) files=yes ;;
-    -s | --system | --variant | --address | --timeout | --all-variants) return ;;
-    --live | --for) words=$(morvanectl "${definitions[@]}" presets 2>/dev/null) ;;
-    *)
-        case $current in
-        -*)
-            words=$({
-                morvanectl --help
-                [ ${#positional[@]} -eq 0 ] || morvanectl "${positional[0]}" --help
-            } 2>/dev/null | _morvanectl_names Options)
-            ;;
-        *)
-            case ${#positional[@]},${positional[0]} in
-            0,) words=$(morvanectl --help 2>/dev/null | _morvanectl_names Subcommands) ;;
-            1,translate | 1,validate | 1,diff | 2,diff) files=yes ;;
-            1,check | 1,presets | 1,status | 1,die | 1,monitor | *,get | *,set) ;;
-            1,*) words=$(morvanectl "${definitions[@]}" presets 2>/dev/null) ;;
-            2,load | 2,load-with-default | 2,store | 2,store-subpreset) files=yes ;;
-            *,store-subpreset | 2,explain | *,in-preset)
-                words=$(morvanectl "${definitions[@]}" keys "${positional[1]}" 2>/dev/null)
-                ;;
-            esac
-            ;;
-        esac
-        ;;
+    _morvanectl_unquote "$typed"
+    output=$(morvanectl complete -- "${words[@]:1}" "$word" 2>/dev/null)
+    case $? in
+    0) ;;
+    1) compopt -o default && return ;; # the name of a file
+    *) return ;;
     esac
-    if [ $files = yes ]; then
-        mapfile -t COMPREPLY < <(compgen -f -- "$current")
-        compopt -o filenames 2>/dev/null
-    else
-        mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
-    fi
+
+    # What precedes the part that bash replaces stays as it is.
+    _morvanectl_unquote "${typed%"$2"}"
+    mapfile -t candidates <<<"$output"
+    for candidate in "${candidates[@]}"; do
+        [[ $candidate == "$word"?* ]] || continue
+        candidate=${candidate:${#word}}
+        case $quote in
+        '') printf -v candidate %q "$candidate" ;;
+        \') [[ $candidate != *\'* ]] || continue ;;
+        \") [[ $candidate != *[\"\\\$\`!]* ]] || continue ;;
+        esac
+        COMPREPLY+=("$candidate")
+    done
 }
 
 complete -F _morvanectl morvanectl

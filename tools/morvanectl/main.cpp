@@ -3,17 +3,23 @@
 
 #include "argument_files.h"
 #include "commands.h"
+#include "completion.h"
+#include "help.h"
 #include "output.h"
+#include "suggestion.h"
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <functional>
+#include <initializer_list>
 #include <iostream>
+#include <memory>
 #include <new>
 #include <span>
 #include <string_view>
@@ -65,19 +71,23 @@ VariantAxis axisOf(const std::string& text) {
 class CommandLine {
 public:
     CommandLine() : app_(description) {
+        app_.formatter(help_);
         app_.set_version_flag("--version", MORVANE_VERSION);
         app_.require_subcommand(1);
         app_.fallthrough(); // options may follow the subcommand
         addOptions();
         addOnline();
         addOffline();
+        addCompletion();
+        leaveOutOfHelp();
     }
 
     ExitStatus run(int argc, char** argv) {
+        arguments_ = std::span(argv, static_cast<std::size_t>(argc));
         try {
             app_.parse(argc, argv);
         } catch (const CLI::ParseError& error) {
-            return explain(error, std::span(argv, static_cast<std::size_t>(argc)));
+            return explain(error);
         }
         settings_.messages = Messages(settings_.json);
         try {
@@ -100,15 +110,27 @@ private:
     using Command = std::function<ExitStatus()>;
 
     // Which option is wrong may be one before --json.
-    ExitStatus explain(const CLI::ParseError& error, std::span<char*> arguments) {
+    ExitStatus explain(const CLI::ParseError& error) {
         const auto status = static_cast<CLI::ExitCodes>(error.get_exit_code());
-        const bool asJson = std::any_of(arguments.begin(), arguments.end(), [](const char* text) {
-            return std::string_view(text) == "--json";
-        });
+        const bool asJson = std::find(arguments_.begin(), arguments_.end(),
+                                      std::string_view("--json")) != arguments_.end();
         settings_.messages = Messages(asJson);
+        const auto unknown = unknownCommand();
+        const auto problem = unknown.empty() ? error : CLI::ParseError(unknown, status);
         if (asJson && status != CLI::ExitCodes::Success)
-            return settings_.messages.fail(error.what());
-        return app_.exit(error) == 0 ? ExitStatus::yes : ExitStatus::error;
+            return settings_.messages.fail(problem.what());
+        return app_.exit(problem) == 0 ? ExitStatus::yes : ExitStatus::error;
+    }
+
+    // To CLI11, a mistyped subcommand is a missing one.
+    std::string unknownCommand() const {
+        const auto words = app_.remaining();
+        if (!app_.get_subcommands().empty() || words.empty() || words.front().starts_with('-'))
+            return {};
+        const auto names = subcommandsOf(app_);
+        const auto meant =
+            suggestion(words.front(), std::vector<std::string_view>(names.begin(), names.end()));
+        return "there is no command " + words.front() + (meant.empty() ? "" : "; " + meant);
     }
 
     // Runs the command with all that was parsed.
@@ -116,14 +138,29 @@ private:
         if (const auto conflict = conflictOf(systemArguments_))
             return settings_.messages.fail(conflict->first + " and " + conflict->second +
                                            " give one system argument two values");
-        for (const auto& argument : systemArguments_)
-            addSystemArgument(settings_.systemArguments, argument);
+        useSystemArguments();
         settings_.allVariants = allVariants_->count() > 0;
         for (const auto& axis : axes_) {
             if (axis.find('=') != std::string::npos) // one without is the option without values
                 settings_.axes.push_back(axisOf(axis));
         }
         return command_();
+    }
+
+    void useSystemArguments() {
+        for (const auto& argument : systemArguments_)
+            addSystemArgument(settings_.systemArguments, argument);
+    }
+
+    // CLI11 has taken the words, but splits those that look like its lists.
+    ExitStatus complete() {
+        auto words = std::find(arguments_.begin(), arguments_.end(), std::string_view("--"));
+        if (words != arguments_.end())
+            ++words;
+        CommandLine typed;
+        const auto word = readTypedLine(typed.app_, *typed.help_, {words, arguments_.end()});
+        typed.useSystemArguments();
+        return showChoices(word, typed.settings_);
     }
 
     void addOptions() {
@@ -141,7 +178,7 @@ private:
             ->check(checkSystemArgument);
         app_.add_option("--variant", settings_.variant,
                         "Describe the device by a named variant; -s replaces its arguments")
-            ->type_name("NAME");
+            ->type_name("VARIANT");
         app_.add_option("--variants", settings_.variantsFile,
                         "List of named variants; without it, the file variants beside the "
                         "parameter definition file, if it is there")
@@ -170,7 +207,9 @@ private:
     }
 
     void takePreset(CLI::App* subcommand) {
-        subcommand->add_option("preset", settings_.preset, "Name of a preset")->required();
+        subcommand->add_option("preset", settings_.preset, "Name of a preset")
+            ->required()
+            ->type_name("PRESET");
     }
 
     void takeFile(CLI::App* subcommand, const char* text) {
@@ -178,7 +217,9 @@ private:
     }
 
     void takeKeys(CLI::App* subcommand) {
-        subcommand->add_option("keys", settings_.keys, "Keys, such as gain[1][2]")->required();
+        subcommand->add_option("keys", settings_.keys, "Keys, such as gain[1][2]")
+            ->required()
+            ->type_name("KEY");
     }
 
     void takeDryRun(CLI::App* subcommand) {
@@ -259,7 +300,9 @@ private:
         auto* const explain = add("explain", "Say why a key is or is not in a preset",
                                   [this] { return explainKey(settings_); });
         takePreset(explain);
-        explain->add_option("key", settings_.key, "Key, such as gain[1][2]")->required();
+        explain->add_option("key", settings_.key, "Key, such as gain[1][2]")
+            ->required()
+            ->type_name("KEY");
         addDataFileCommands();
     }
 
@@ -294,17 +337,42 @@ private:
             ->needs(live);
     }
 
+    void addCompletion() {
+        add("complete", "Say what a shell may offer for the last word of a command line",
+            [this] { return complete(); })
+            ->group("") // not in the list of commands
+            ->add_option("words", words_, "The command line behind the name of the program");
+    }
+
+    // What has no effect on a subcommand is not in its help text.
+    void leaveOutOfHelp() {
+        const auto leaveOut = [this](std::initializer_list<const char*> commands,
+                                     std::initializer_list<const char*> options) {
+            for (const auto* const command : commands) {
+                for (const auto* const option : options)
+                    help_->leaveOut(*app_.get_subcommand(command), *app_.get_option(option));
+            }
+        };
+        leaveOut({"die", "get", "set", "monitor"},
+                 {"--parameters", "--presets", "--system", "--variant", "--variants"});
+        leaveOut({"check", "presets", "keys", "explain", "translate", "validate"},
+                 {"--address", "--timeout"});
+    }
+
     ExitStatus compare() {
         if (settings_.otherFile.empty() == settings_.preset.empty())
             return settings_.messages.fail("diff needs another FILE, or --live PRESET");
         return settings_.preset.empty() ? diffFiles(settings_) : diffLive(settings_);
     }
 
+    std::span<char*> arguments_;
     CLI::App app_;
+    std::shared_ptr<Help> help_ = std::make_shared<Help>();
     Settings settings_;
     std::vector<std::string> systemArguments_;
     CLI::Option* allVariants_ = nullptr;
     std::vector<std::string> axes_;
+    std::vector<std::string> words_; ///< of `complete`, as CLI11 splits them
     Command command_;
 };
 
