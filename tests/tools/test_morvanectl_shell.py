@@ -1,4 +1,4 @@
-"""morvanectl in shells: completion in real ones on a terminal, what it is told, help."""
+"""morvanectl in shells: completion in real ones on a terminal, what it is told, help, colours."""
 
 import os
 import re
@@ -327,3 +327,73 @@ def test_names_a_mistyped_command(world, arguments, problem):
     assert (status, output) == (ERROR, "")
     assert said == ('{"file":null,"line":null,"column":null,"severity":"error","code":null,'
                     f'"text":"{problem}","variants":[]}}\n')
+
+
+# Colours.
+
+PLAIN = """\
+parameters.def:1:6: error: Invalid parameter access type
+gain what { }
+     ^
+parameters.def:1:6: note: the access type is index, ro, rostrict, rw or wo
+"""
+COLOURED = """\
+parameters.def:1:6: \x1b[1;31merror:\x1b[0m Invalid parameter access type
+gain what { }
+     \x1b[1;31m^\x1b[0m
+parameters.def:1:6: \x1b[1;36mnote:\x1b[0m the access type is index, ro, rostrict, rw or wo
+"""
+WARNING = ("nothing gives a value to unknown, which parameters.def uses; describe the device with "
+           "--system or --variant\n")
+
+
+def on_terminal(world, command, **environment):
+    """What a terminal shows of a command of a shell, with {ctl} for morvanectl."""
+    variables = {name: value for name, value in os.environ.items() if name != "NO_COLOR"}
+    output, status = pexpect.run(
+        shlex.join(["sh", "-c", command.format(ctl=shlex.join(map(str, CTL)))]),
+        timeout=DEADLINE_SECONDS, withexitstatus=True, encoding="utf-8", cwd=str(world.folder),
+        env={**variables, "TERM": "xterm", **environment})
+    return status, output.replace("\r\n", "\n")
+
+
+@pytest.mark.parametrize("environment, shown", [
+    ({}, COLOURED), ({"NO_COLOR": ""}, COLOURED), ({"NO_COLOR": "0"}, PLAIN),
+    ({"TERM": "dumb"}, PLAIN), ({"TERM": ""}, PLAIN)])
+@pytest.mark.parametrize("command", ["check", "presets"])  # on standard output, on standard error
+def test_colours_findings_on_a_terminal(world, command, environment, shown):
+    world.write("parameters.def", "gain what { }\n")
+    assert on_terminal(world, f"{{ctl}} {DEFINITIONS}{command}", **environment) == (ERROR, shown)
+
+
+def test_each_stream_has_colours_by_itself(world):
+    world.write("parameters.def", "gain what { }\n")
+    assert on_terminal(world, f"{{ctl}} {DEFINITIONS}presets | cat") == (YES, COLOURED)
+    assert on_terminal(world, f"{{ctl}} {DEFINITIONS}presets 2>&1 | cat") == (YES, PLAIN)
+    assert on_terminal(world, f"{{ctl}} {DEFINITIONS}check 2>/dev/null") == (ERROR, COLOURED)
+    assert on_terminal(world, f"{{ctl}} {DEFINITIONS}check | cat") == (YES, PLAIN)
+    assert run(world, *DEFINITIONS.split(), "check", environment={"TERM": "xterm"}) == (
+        ERROR, PLAIN, "")
+
+
+def test_colours_the_word_warning(world):
+    world.write("parameters.def", "gain rw { rangeValid { 0..(unknown) } }\n")
+    world.write("presets.def", "")
+    world.write("presets.def", "scene preset { }\n")
+    assert on_terminal(world, f"{{ctl}} {DEFINITIONS}presets") == (
+        YES, f"morvanectl: \x1b[1;35mwarning:\x1b[0m {WARNING}scene\n")
+    assert on_terminal(world, f"{{ctl}} {DEFINITIONS}presets 2>&1 | cat") == (
+        YES, f"morvanectl: warning: {WARNING}scene\n")
+    assert on_terminal(world, f"{{ctl}} {DEFINITIONS}check | tail -n 3")[1] == (
+        "parameters.def:1:28: warning: nothing gives a value to unknown, so what uses it cannot be "
+        "computed\ngain rw { rangeValid { 0..(unknown) } }\n                           ^\n")
+    assert on_terminal(world, f"{{ctl}} {DEFINITIONS}check") == (
+        YES, "parameters.def:1:28: \x1b[1;35mwarning:\x1b[0m nothing gives a value to unknown, so "
+        "what uses it cannot be computed\ngain rw { rangeValid { 0..(unknown) } }\n"
+        "                           \x1b[1;35m^\x1b[0m\n")
+
+
+def test_json_has_no_colours(world):
+    world.write("parameters.def", "gain what { }\n")
+    for command in ("check", "presets", "nonsense"):
+        assert "\x1b" not in on_terminal(world, f"{{ctl}} {DEFINITIONS}{command} --json")[1]

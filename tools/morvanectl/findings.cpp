@@ -40,29 +40,18 @@ Json jsonOf(const Finding& finding, Severity severity, const std::string& text) 
 
 } // namespace
 
-const char* nameOf(Severity severity) {
-    switch (severity) {
-    case Severity::error:
-        return "error";
-    case Severity::warning:
-        return "warning";
-    case Severity::note:
-        break;
-    }
-    return "note";
-}
-
 void writeHead(std::ostream& stream, const Finding& finding, const std::string& where) {
-    stream << placeText(finding) << nameOf(finding.severity) << ": " << finding.text << where
+    stream << placeText(finding) << label(finding.severity, stream) << finding.text << where
            << '\n';
 }
 
 void write(std::ostream& stream, const Finding& finding, const std::string& where) {
     writeHead(stream, finding, where);
     const auto line = withoutLineFeed(finding.sourceLine);
-    stream << line << '\n' << indentation(line, finding.caret) << "^\n";
+    stream << line << '\n'
+           << indentation(line, finding.caret) << coloured("^", finding.severity, stream) << '\n';
     for (const auto& note : finding.notes)
-        stream << placeText(finding) << nameOf(Severity::note) << ": " << note << '\n';
+        stream << placeText(finding) << label(Severity::note, stream) << note << '\n';
 }
 
 void appendJson(Json& list, const Finding& finding) {

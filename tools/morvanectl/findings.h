@@ -2,6 +2,7 @@
 #pragma once
 
 #include "output.h"
+#include "severity.h"
 #include "text/source_text.h"
 
 #include <cstdint>
@@ -11,15 +12,6 @@
 #include <vector>
 
 namespace morvane::ctl {
-
-enum class Severity {
-    error,
-    warning,
-    note
-};
-
-/// The severity's name, as it stands in findings.
-const char* nameOf(Severity severity);
 
 struct Finding {
     std::string file;

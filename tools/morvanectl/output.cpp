@@ -18,33 +18,33 @@ bool Messages::keep(std::string_view problem) const {
 
 ExitStatus Messages::fail(std::string_view problem) const {
     if (!keep(problem))
-        say("error", problem);
+        say(Severity::error, problem);
     return ExitStatus::error;
 }
 
 void Messages::warn(std::string_view problem) const {
     if (!keep(problem))
-        say("warning", problem);
+        say(Severity::warning, problem);
 }
 
 void Messages::note(std::string_view text) const {
     if (problems_ == nullptr)
-        say("note", text);
+        say(Severity::note, text);
 }
 
-void Messages::say(const char* severity, std::string_view text) const {
+void Messages::say(Severity severity, std::string_view text) const {
     const Json nothing;
     if (asJson_) {
         writeJsonLine({{"file", nothing},
                        {"line", nothing},
                        {"column", nothing},
-                       {"severity", severity},
+                       {"severity", nameOf(severity)},
                        {"code", nothing},
                        {"text", text},
                        {"variants", Json::array()}});
         return;
     }
-    std::cerr << "morvanectl: " << (std::string_view(severity) == "warning" ? "warning: " : "")
+    std::cerr << "morvanectl: " << (severity == Severity::warning ? label(severity, std::cerr) : "")
               << text << std::endl;
 }
 

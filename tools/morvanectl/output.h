@@ -1,6 +1,8 @@
 // What morvanectl writes, and how it ends.
 #pragma once
 
+#include "severity.h"
+
 #include <nlohmann/json.hpp>
 #include <span>
 #include <string>
@@ -43,7 +45,7 @@ public:
     bool keep(std::string_view problem) const;
 
 private:
-    void say(const char* severity, std::string_view text) const;
+    void say(Severity severity, std::string_view text) const;
 
     bool asJson_;
     std::vector<std::string>* problems_ = nullptr;
