@@ -156,8 +156,8 @@ def test_lists_names_of_any_characters_without_running_them(world, shell):
 # What the scripts of the shells are told.
 
 COMMANDS = ["load", "load-with-default", "load-default", "store", "store-subpreset", "in-preset",
-            "is-preset", "die", "status", "get", "set", "monitor", "check", "presets",
-            "keys", "explain", "translate", "validate", "diff"]
+            "is-preset", "die", "status", "get", "set", "monitor", "handler-check", "check",
+            "presets", "keys", "explain", "translate", "validate", "diff"]
 DESCRIPTION = ["-p", "--parameters", "-d", "--presets", "-s", "--system", "--variant", "--variants"]
 
 
@@ -298,7 +298,7 @@ def test_help_of_a_command_shows_the_options_that_it_takes(world, command, text,
                                        "validate")),
     *((name, True, True) for name in ("load", "load-with-default", "load-default", "store",
                                       "store-subpreset", "in-preset", "is-preset", "status",
-                                      "diff"))])
+                                      "handler-check", "diff"))])
 def test_every_command_shows_its_own_options_and_those_of_the_program(world, command, described,
                                                                       calling):
     output = run(world, command, "--help")[1]

@@ -1,4 +1,4 @@
-// Calls on the session bus. Nothing else in morvanectl uses GDBus, but for BusWatch.
+// Calls on the session bus. Nothing else in morvanectl uses GDBus, but to receive signals.
 #pragma once
 
 #include "glib/variant.h"
@@ -68,7 +68,7 @@ public:
     std::optional<bool> isRunning(const Service& service) const;
     std::optional<bool> isRunning(const Service& service, const TimeLimit& limit) const;
 
-    /// Borrowed; for BusWatch.
+    /// Borrowed; for those who receive signals.
     GDBusConnection* connection() const { return bus_.get(); }
 
 private:

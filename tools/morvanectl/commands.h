@@ -13,6 +13,7 @@ ExitStatus diffLive(const Settings& settings);
 ExitStatus getValues(const Settings& settings);
 ExitStatus setValues(const Settings& settings);
 ExitStatus monitorBus(const Settings& settings);
+ExitStatus checkHandler(const Settings& settings);
 
 // With the definition files alone.
 ExitStatus checkDefinitions(const Settings& settings);

@@ -257,10 +257,10 @@ private:
         addCall("die", "die", "End the preset service");
         add("status", "Show which of the two services are there",
             [this] { return showStatus(settings_); });
-        addValues();
+        addHandlerCommands();
     }
 
-    void addValues() {
+    void addHandlerCommands() {
         constexpr auto most = CLI::detail::expected_max_vector_size;
         auto* const get = add("get", "Show the live values of some keys",
                               [this] { return getValues(settings_); });
@@ -276,6 +276,8 @@ private:
         set->add_flag("--status", settings_.ofStatus, "Set what read-only parameters show");
         add("monitor", "Show which values commits change, and which services come and go",
             [this] { return monitorBus(settings_); });
+        add("handler-check", "Check that the Parameter Handler does what the daemon relies on",
+            [this] { return checkHandler(settings_); });
     }
 
     void addOffline() {
