@@ -75,6 +75,7 @@ CheckResult checkBulkGet(CheckContext& context, const char* method) {
 
 std::vector<Check> methodChecks(const DeviceKeys& keys) {
     std::vector<Check> checks;
+    checks.reserve(handlerMethods.size());
     for (const auto& method : handlerMethods)
         checks.push_back({"method " + std::string(method.name),
                           [&method](CheckContext& context) { return checkMethod(context, method); },

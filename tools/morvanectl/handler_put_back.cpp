@@ -32,6 +32,7 @@ using Candidate = std::pair<const CheckedParameter*, std::string>;
 // The first keys of all parameters, the best first, and then the second ones.
 std::vector<Candidate> candidates(const std::vector<CheckedParameter>& parameters) {
     std::vector<const CheckedParameter*> ranked;
+    ranked.reserve(parameters.size());
     for (const auto& parameter : parameters)
         ranked.push_back(&parameter);
     std::stable_sort(ranked.begin(), ranked.end(), [](const auto* first, const auto* second) {

@@ -28,7 +28,7 @@ std::string findRefused(const std::vector<std::string>& keys, const std::string&
         return error;
     bool found = false;
     for (std::size_t i = 0; i < keys.size(); ++i) {
-        const auto alone = keys.size() == 1 ? error : callAlone(i);
+        auto alone = keys.size() == 1 ? error : callAlone(i);
         if (alone.empty())
             continue;
         if (!isRefusal(alone))

@@ -62,6 +62,7 @@ ExitStatus setAndCommit(Transaction& transaction, Target target,
                         const std::vector<Assignment>& assignments, const Messages& messages) {
     if (const auto error = transaction.set(target, assignments); !error.empty()) {
         std::vector<std::string> keys;
+        keys.reserve(assignments.size());
         for (const auto& assignment : assignments)
             keys.push_back(assignment.key);
         const auto setAlone = [&](std::size_t i) {
