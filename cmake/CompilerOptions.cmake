@@ -1,5 +1,14 @@
 # What every target of the project is compiled with. Link morvane_options to get it.
 
+# As with the libraries, Debian 12's versions.
+set(oldest_GNU 12)
+set(oldest_Clang 14)
+set(oldest ${oldest_${CMAKE_CXX_COMPILER_ID}})
+if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS "${oldest}")
+    message(FATAL_ERROR "${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION} is too old: "
+        "${oldest} or later is needed for C++20")
+endif()
+
 add_library(morvane_options INTERFACE)
 target_compile_features(morvane_options INTERFACE cxx_std_20)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -7,8 +16,12 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 include(CheckPIESupported)
 check_pie_supported(OUTPUT_VARIABLE pie_output LANGUAGES C CXX)
 
+option(MORVANE_WERROR "Make warnings errors, as every change must be free of them" OFF)
+if(MORVANE_WERROR)
+    set(CMAKE_COMPILE_WARNING_AS_ERROR ON)
+endif()
 target_compile_options(morvane_options INTERFACE
-    -Werror -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wcast-qual
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wcast-qual
     -Wcast-align -Wformat=2 -Wundef -Wunused -Wdouble-promotion
     -Wimplicit-fallthrough -fstack-protector-strong)
 target_compile_options(morvane_options INTERFACE
