@@ -153,7 +153,12 @@ int fclose(FILE* stream) {
     return failed ? EOF : result;
 }
 
-/* GLib's allocation that may fail. */
+/* GLib's allocation that may fail. A compiler that knows the size calls the one without a count. */
+void* g_try_malloc0(size_t size);
+void* g_try_malloc0(size_t size) {
+    return is_chosen("g_try_malloc0_n") && is_its_turn() ? NULL : ORIGINAL(g_try_malloc0)(size);
+}
+
 void* g_try_malloc0_n(size_t count, size_t size);
 void* g_try_malloc0_n(size_t count, size_t size) {
     return is_chosen("g_try_malloc0_n") && is_its_turn() ? NULL

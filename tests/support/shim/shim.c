@@ -11,14 +11,16 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <poll.h>
+#include <signal.h>
 #include <stdarg.h>
+#include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <time.h>
 #include <unistd.h>
 
-#define ORIGINAL(name) ((__typeof__(name)*)dlsym(RTLD_NEXT, #name))
+#define SECOND 1000000000LL /* in nanoseconds */
 
 static void append(const char* kind, int number, const char* text) {
     const char* path = getenv("MORVANE_TEST_LOG");
@@ -65,23 +67,55 @@ static long clock_rate(void) {
     return text ? strtol(text, NULL, 10) : 1;
 }
 
-int clock_gettime(clockid_t clock, struct timespec* time) {
-    static struct timespec first;
-    const int result = ORIGINAL(clock_gettime)(clock, time);
-    const long rate = clock_rate();
-    if (result != 0 || clock != CLOCK_MONOTONIC || rate == 1)
-        return result;
-    if (first.tv_sec == 0)
-        first = *time;
-    const long long nanoseconds =
-        ((time->tv_sec - first.tv_sec) * 1000000000LL + time->tv_nsec) * rate;
-    time->tv_sec = first.tv_sec + (time_t)(nanoseconds / 1000000000);
-    time->tv_nsec = (long)(nanoseconds % 1000000000);
-    return 0;
+/* A time of the monotonic clock, in nanoseconds, as the faster clock shows it. */
+static long long faster(long long nanoseconds) {
+    static long long first;
+    if (first == 0)
+        first = nanoseconds;
+    return first + (nanoseconds - first) * clock_rate();
 }
 
 int poll(struct pollfd* descriptors, nfds_t count, int milliseconds) {
     if (milliseconds > 0)
         milliseconds = (int)((milliseconds - 1) / clock_rate()) + 1;
-    return ORIGINAL(poll)(descriptors, count, milliseconds);
+    return ((__typeof__(poll)*)dlsym(RTLD_NEXT, "poll"))(descriptors, count, milliseconds);
 }
+
+/* Replaces the functions that take times in seconds and nanoseconds of a type, whose symbols these
+ * are. */
+#define REPLACE_CLOCK(clock_function, clock_symbol, poll_function, poll_symbol, type)              \
+    int clock_function(clockid_t clock, __typeof__(type)* time) __asm__(clock_symbol);             \
+    int clock_function(clockid_t clock, __typeof__(type)* time) {                                  \
+        const int result =                                                                         \
+            ((__typeof__(clock_function)*)dlsym(RTLD_NEXT, clock_symbol))(clock, time);            \
+        if (result == 0 && clock == CLOCK_MONOTONIC) {                                             \
+            const long long shown = faster(time->tv_sec * SECOND + time->tv_nsec);                 \
+            time->tv_sec = (__typeof__(time->tv_sec))(shown / SECOND);                             \
+            time->tv_nsec = (__typeof__(time->tv_nsec))(shown % SECOND);                           \
+        }                                                                                          \
+        return result;                                                                             \
+    }                                                                                              \
+    int poll_function(struct pollfd* descriptors, nfds_t count, const type* timeout,               \
+                      const sigset_t* signals) __asm__(poll_symbol);                               \
+    int poll_function(struct pollfd* descriptors, nfds_t count, const type* timeout,               \
+                      const sigset_t* signals) {                                                   \
+        type shorter = {0};                                                                        \
+        if (timeout) {                                                                             \
+            const long long wait = (timeout->tv_sec * SECOND + timeout->tv_nsec) / clock_rate();   \
+            shorter.tv_sec = (__typeof__(shorter.tv_sec))(wait / SECOND);                          \
+            shorter.tv_nsec = (__typeof__(shorter.tv_nsec))(wait % SECOND);                        \
+        }                                                                                          \
+        return ((__typeof__(poll_function)*)dlsym(RTLD_NEXT, poll_symbol))(                        \
+            descriptors, count, timeout ? &shorter : NULL, signals);                               \
+    }
+
+#if __TIMESIZE == 32 /* where programs and libraries may use the one type or the other */
+struct short_time {
+    int32_t tv_sec;
+    int32_t tv_nsec;
+};
+REPLACE_CLOCK(short_clock, "clock_gettime", short_poll, "ppoll", struct short_time)
+REPLACE_CLOCK(long_clock, "__clock_gettime64", long_poll, "__ppoll64", struct timespec)
+#else
+REPLACE_CLOCK(replaced_clock, "clock_gettime", replaced_poll, "ppoll", struct timespec)
+#endif

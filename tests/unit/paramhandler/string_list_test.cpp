@@ -13,17 +13,26 @@ namespace {
 int allocationsToFail = 0;
 std::vector<gulong> pauses;
 
+gpointer allocateOrFail(gsize count, gsize size) {
+    if (allocationsToFail > 0) {
+        --allocationsToFail;
+        return nullptr;
+    }
+    return g_malloc0_n(count, size);
+}
+
 } // namespace
 
 // The program's own definitions win over GLib's.
 extern "C" {
 
 gpointer g_try_malloc0_n(gsize count, gsize size) {
-    if (allocationsToFail > 0) {
-        --allocationsToFail;
-        return nullptr;
-    }
-    return g_malloc0_n(count, size);
+    return allocateOrFail(count, size);
+}
+
+// What a compiler makes of the former where it knows the size.
+gpointer g_try_malloc0(gsize size) {
+    return allocateOrFail(1, size);
 }
 
 void g_usleep(gulong microseconds) {
