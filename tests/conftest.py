@@ -1,7 +1,7 @@
 """Fixtures: everything that a test started is gone when it ends."""
 
 import pytest
-from harness import Bus, Client, Daemon, Simulator
+from harness import ActivatedDaemon, Bus, Client, Daemon, Simulator
 
 PARAMETERS = """\
 input index { rangeValid { 1..3 } }
@@ -77,3 +77,19 @@ def served(world):
     world.user = world.client()
     world.file = world.folder / "p"
     return world
+
+
+@pytest.fixture
+def activated(tmp_path):
+    """A bus that can start the daemon, and a client."""
+    parameters, presets = tmp_path / "parameters.def", tmp_path / "presets.def"
+    parameters.write_text("mode rw { default { 1 } }\n")
+    presets.write_text("scene preset { }\n")
+    activated = ActivatedDaemon(tmp_path, parameters, presets)
+    activated.bus = Bus(activated.config)
+    activated.client = Client(activated.bus)
+    activated.parameters = parameters
+    yield activated
+    activated.client.close()
+    activated.kill()
+    activated.bus.stop()

@@ -1,26 +1,9 @@
 """The activation file: a bus starts the daemon on the first call."""
 
-import pytest
 from gi.repository import Gio
-from harness import ActivatedDaemon, Bus, Client, Simulator, wait_until
+from harness import Simulator, wait_until
 
 SERVICE = ("org.norvix.preset", "/preset", "org.norvix.preset")
-
-
-@pytest.fixture
-def activated(tmp_path):
-    """A bus that can start the daemon, and a client."""
-    parameters, presets = tmp_path / "parameters.def", tmp_path / "presets.def"
-    parameters.write_text("mode rw { default { 1 } }\n")
-    presets.write_text("scene preset { }\n")
-    activated = ActivatedDaemon(tmp_path, parameters, presets)
-    activated.bus = Bus(activated.config)
-    activated.client = Client(activated.bus)
-    activated.parameters = parameters
-    yield activated
-    activated.client.close()
-    activated.kill()
-    activated.bus.stop()
 
 
 def test_the_first_call_starts_the_daemon(activated):
