@@ -48,7 +48,9 @@ COMPONENTS = {
         f"{DOCUMENTS}/examples/own-bus/morvane.sysusers",
         f"{DOCUMENTS}/examples/own-bus/policy.conf",
         f"{DOCUMENTS}/html/index.html",
+        f"{DOCUMENTS}/html/style.css",
         *(f"{DOCUMENTS}/html/{page.name}.html" for page in (SOURCE / "man").glob("*.[158]")),
+        *(f"{DOCUMENTS}/html/{page.stem}.html" for page in (SOURCE / "docs").glob("*.md")),
         *(f"{DOCUMENTS}/{name}" for name in FOLDERS),
     ],
 }
