@@ -27,6 +27,10 @@ COMPONENTS = {
         "usr/share/bash-completion/completions/morvanectl",
         "usr/share/fish/vendor_completions.d/morvanectl.fish",
         "usr/share/man/man1/morvanectl.1",
+        "usr/share/nano/morvane.nanorc",
+        *(f"usr/share/vim/vimfiles/pack/dist-bundle/start/morvane/{name}" for name in (
+            "ftdetect/morvane.vim", "syntax/morvanedata.vim", "syntax/morvaneparameters.vim",
+            "syntax/morvanepresets.vim")),
         "usr/share/zsh/vendor-completions/_morvanectl",
     ],
     "simulator": [
