@@ -107,7 +107,7 @@ CheckResult isShown(CheckContext& context, const Writers& /*writers*/, const cha
     return result;
 }
 
-CheckResult isHidden(CheckContext& context, const Writers& /*writers*/, const char* set) {
+CheckResult isUnseen(CheckContext& context, const char* set, bool withEnd) {
     const Change change(context, set);
     if (!change.isPossible())
         return change.whyNot();
@@ -116,25 +116,23 @@ CheckResult isHidden(CheckContext& context, const Writers& /*writers*/, const ch
     const auto wanted = change.otherThan(before);
     calls.start();
     calls.set(set, change.keys, wanted);
+    if (withEnd) {
+        const auto unfinished = calls.read(change.keys);
+        if (calls.succeeded() && !isSame(unfinished, before))
+            calls.giveUp("what is set is seen before the end");
+        calls.end();
+    }
     const auto seen = calls.read(change.keys);
-    return calls.result(isSame(seen, before), changeText(change, wanted, "", seen));
+    const auto* const then = withEnd ? ", ended" : "";
+    return calls.result(isSame(seen, before), changeText(change, wanted, then, seen));
+}
+
+CheckResult isHidden(CheckContext& context, const Writers& /*writers*/, const char* set) {
+    return isUnseen(context, set, false);
 }
 
 CheckResult isDiscarded(CheckContext& context, const Writers& /*writers*/, const char* set) {
-    const Change change(context, set);
-    if (!change.isPossible())
-        return change.whyNot();
-    Calls calls(context);
-    const auto before = calls.read(change.keys);
-    const auto wanted = change.otherThan(before);
-    calls.start();
-    calls.set(set, change.keys, wanted);
-    const auto unfinished = calls.read(change.keys);
-    if (calls.succeeded() && !isSame(unfinished, before))
-        calls.giveUp("what is set is seen before the end");
-    calls.end();
-    const auto seen = calls.read(change.keys);
-    auto result = calls.result(isSame(seen, before), changeText(change, wanted, ", ended", seen));
+    auto result = isUnseen(context, set, true);
     if (result.outcome == CheckOutcome::pass)
         context.discarded.insert(handlerMethod(set).target);
     return result;
