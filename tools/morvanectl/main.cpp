@@ -11,7 +11,6 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <chrono>
 #include <cstdio>
@@ -71,6 +70,7 @@ VariantAxis axisOf(const std::string& text) {
 class CommandLine {
 public:
     CommandLine() : app_(description) {
+        settings_.standardOutput = &output_;
         app_.formatter(help_);
         app_.set_version_flag("--version", MORVANE_VERSION);
         app_.require_subcommand(1);
@@ -100,10 +100,10 @@ public:
     /// Whether all of the answer could be written; else, with a message.
     bool isWritten() const {
         std::cout.flush();
-        const bool written = std::cout.good() && std::ferror(stdout) == 0;
-        if (!written)
-            settings_.messages.fail(std::string("cannot write: ") + std::strerror(errno));
-        return written;
+        if (std::cout.good())
+            return true;
+        settings_.messages.fail(std::string("cannot write: ") + std::strerror(output_.error()));
+        return false;
     }
 
 private:
@@ -370,6 +370,7 @@ private:
     std::span<char*> arguments_;
     CLI::App app_;
     std::shared_ptr<Help> help_ = std::make_shared<Help>();
+    StandardOutput output_;
     Settings settings_;
     std::vector<std::string> systemArguments_;
     CLI::Option* allVariants_ = nullptr;

@@ -8,7 +8,6 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <iostream>
 #include <string>
 
@@ -99,14 +98,6 @@ void showCommit(const BusEvent& event, const BusClient& bus, const BusWatch& wat
         showValues(keys, readings, settings);
 }
 
-// A reader that has seen enough, as in "morvanectl monitor | head", is no failure: what it did not
-// take goes nowhere.
-void forgetOutput() {
-    std::cout.clear();
-    if (std::freopen("/dev/null", "w", stdout) == nullptr)
-        std::cout.setstate(std::ios::badbit);
-}
-
 ExitStatus watchBus(const BusClient& bus, const Settings& settings) {
     using enum BusEvent::Kind;
     static constexpr std::array services{presetService, parameterHandler};
@@ -127,8 +118,9 @@ ExitStatus watchBus(const BusClient& bus, const Settings& settings) {
             return ExitStatus::yes;
         }
     }
-    if (errno == EPIPE)
-        forgetOutput();
+    // A reader that has seen enough, as in "morvanectl monitor | head", is no failure.
+    if (settings.standardOutput->error() == EPIPE)
+        settings.standardOutput->discard();
     return ExitStatus::yes;
 }
 

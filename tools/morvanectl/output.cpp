@@ -1,8 +1,43 @@
 #include "output.h"
 
+#include <cerrno>
 #include <iostream>
 
 namespace morvane::ctl {
+
+StandardOutput::StandardOutput() : target_(std::cout.rdbuf(this)) {}
+
+StandardOutput::~StandardOutput() {
+    std::cout.rdbuf(target_);
+}
+
+void StandardOutput::discard() {
+    isDiscarded_ = true;
+    error_ = 0;
+    std::cout.clear();
+}
+
+StandardOutput::int_type StandardOutput::overflow(int_type byte) {
+    const char one = traits_type::to_char_type(byte);
+    return xsputn(&one, 1) == 1 ? traits_type::not_eof(byte) : traits_type::eof();
+}
+
+std::streamsize StandardOutput::xsputn(const char* bytes, std::streamsize count) {
+    const auto written = isDiscarded_ ? count : target_->sputn(bytes, count);
+    note(written == count);
+    return written;
+}
+
+int StandardOutput::sync() {
+    const int status = isDiscarded_ ? 0 : target_->pubsync();
+    note(status == 0);
+    return status;
+}
+
+void StandardOutput::note(bool isWritten) {
+    if (!isWritten && error_ == 0)
+        error_ = errno;
+}
 
 Messages Messages::keptIn(std::vector<std::string>& problems) {
     Messages messages;

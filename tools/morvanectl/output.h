@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 #include <span>
+#include <streambuf>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +17,34 @@ enum class ExitStatus : int {
     yes = 0,   ///< yes, same, done, nothing to complain about
     no = 1,    ///< no, different, warnings
     error = 2, ///< the question could not be answered
+};
+
+/// Writes for std::cout while it lives, and remembers why that failed first: errno would be that of
+/// whatever ran between the failure and the report.
+class StandardOutput : public std::streambuf {
+public:
+    StandardOutput();
+    ~StandardOutput() override;
+    StandardOutput(const StandardOutput&) = delete;
+    StandardOutput& operator=(const StandardOutput&) = delete;
+
+    /// The number of the first error; 0 if all was written.
+    int error() const { return error_; }
+
+    /// Forgets the error, and writes nothing any more.
+    void discard();
+
+protected:
+    int_type overflow(int_type byte) override;
+    std::streamsize xsputn(const char* bytes, std::streamsize count) override;
+    int sync() override;
+
+private:
+    void note(bool isWritten);
+
+    std::streambuf* target_;
+    int error_ = 0;
+    bool isDiscarded_ = false;
 };
 
 /// What is said on standard error, beside the answer: lines after the program's name or, as JSON,

@@ -32,7 +32,8 @@ struct Settings {
     std::string address;             ///< of the bus; empty for the session bus
     TimeLimit timeLimit;             ///< of the connection to the bus and of each call
     bool json = false;
-    Messages messages; ///< as JSON with `json`
+    Messages messages;                        ///< as JSON with `json`
+    StandardOutput* standardOutput = nullptr; ///< borrowed
 
     std::string preset; ///< empty where a command needs none
     std::string key;
