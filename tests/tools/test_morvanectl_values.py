@@ -1,11 +1,12 @@
 """morvanectl get and set: exact output and status, and what the Parameter Handler is told."""
 
 import json
+import signal
 import subprocess
 
 import pytest
 from conftest import PARAMETERS
-from harness import CTL
+from harness import CTL, wait_until
 
 YES, ERROR = 0, 2
 MARK = "dbus_norvix_transaction: "
@@ -213,3 +214,39 @@ def test_says_what_it_waits_for(world, ctl):
     world.simulator(faults="commit 1 delay 1500\n")
     assert ctl("set", "mode", "off") == (
         YES, "", "morvanectl: waiting for org.norvix.transaction to answer commit\n")
+
+
+@pytest.fixture
+def interrupted(world, ctl):  # pylint: disable=unused-argument
+    """Sends a signal to "morvanectl set" while it waits for an answer to "set"; returns (status,
+    what is said of the end, the methods called)."""
+
+    def run(number, faults):
+        simulator = world.simulator(faults=faults)
+        with subprocess.Popen([*CTL, "set", "mode", "off"], stderr=subprocess.PIPE, text=True,
+                              env=world.bus.environment()) as process:
+            wait_until(lambda: simulator.methods() == ["start", "set"], "the call")
+            process.send_signal(number)
+            _, problems = process.communicate()
+        # A slow machine is waited for more often.
+        said = [line for line in problems.splitlines() if " waiting for " not in line]
+        return process.returncode, said, simulator.methods()
+
+    return run
+
+
+@pytest.mark.parametrize("number", [signal.SIGINT, signal.SIGTERM, signal.SIGHUP])
+def test_ends_the_transaction_when_interrupted(ctl, interrupted, number):
+    assert interrupted(number, "set 1 delay 2500\n") == (
+        ERROR, ["morvanectl: interrupted before the commit: nothing is set"],
+        ["start", "set", "end"])
+    assert ctl("get", "mode") == (YES, "mode=auto\n", "")
+
+
+def test_waits_no_longer_than_five_seconds_after_an_interruption(interrupted):
+    assert interrupted(signal.SIGTERM, "set 1 delay 60000\nend 1 delay 60000\n") == (
+        ERROR,
+        ["morvanectl: interrupted before the commit: nothing is set",
+         "morvanectl: the end of the transaction failed: org.norvix.transaction did not answer "
+         "end within 5 s"],
+        ["start", "set", "end"])

@@ -39,13 +39,16 @@ OwnedConnection connect(const std::string& address, Wait& wait, GError** error) 
     return OwnedConnection(g_dbus_connection_new_finish(wait.result(), error));
 }
 
-Answer failure(const Service& service, const char* method, const TimeLimit& limit, bool isTimeOver,
-               GError* raw) {
+std::string awaited(const Service& service, const char* method) {
+    return std::string(service.name) + " to answer " + method;
+}
+
+Answer failure(const Service& service, const char* method, const Wait& wait, GError* raw) {
     using enum Answer::Outcome;
     const std::string name = service.name;
-    if (isTimeOver) {
+    if (wait.isTimeOver()) {
         g_error_free(raw);
-        return {timedOut, {}, name + " did not answer " + method + ' ' + withinText(limit)};
+        return {timedOut, {}, name + " did not answer " + method + ' ' + withinText(wait.limit())};
     }
     if (g_error_matches(raw, G_DBUS_ERROR, G_DBUS_ERROR_SERVICE_UNKNOWN) != FALSE) {
         g_error_free(raw);
@@ -91,14 +94,23 @@ Answer BusClient::call(const Service& service, const char* method, GVariant* arg
 
 Answer BusClient::call(const Service& service, const char* method, GVariant* arguments,
                        const TimeLimit& limit) const {
-    Wait wait(std::string(service.name) + " to answer " + method, messages_, limit);
+    Wait wait(awaited(service, method), messages_, limit);
+    return call(service, method, arguments, wait);
+}
+
+Wait BusClient::waitFor(const Service& service, const char* method) const {
+    return {awaited(service, method), messages_, limit_};
+}
+
+Answer BusClient::call(const Service& service, const char* method, GVariant* arguments,
+                       Wait& wait) const {
     g_dbus_connection_call(bus_.get(), service.name, service.path, service.name, method, arguments,
                            nullptr, G_DBUS_CALL_FLAGS_NONE, G_MAXINT, wait.cancellable(),
                            Wait::onResult, &wait);
     GError* error = nullptr;
     OwnedVariant values(g_dbus_connection_call_finish(bus_.get(), wait.result(), &error));
     if (error != nullptr)
-        return failure(service, method, limit, wait.isTimeOver(), error);
+        return failure(service, method, wait, error);
     return {Answer::Outcome::answered, std::move(values), {}};
 }
 

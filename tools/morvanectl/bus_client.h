@@ -61,6 +61,12 @@ public:
     Answer call(const Service& service, const char* method, GVariant* arguments,
                 const TimeLimit& limit) const;
 
+    /// As above, as long as what waitFor() has returned for it waits.
+    Answer call(const Service& service, const char* method, GVariant* arguments, Wait& wait) const;
+
+    /// The wait for one call of a method, with the time limit of the settings.
+    Wait waitFor(const Service& service, const char* method) const;
+
     /// The address of the bus.
     const std::string& address() const { return address_; }
 

@@ -4,7 +4,6 @@
 
 #include <unistd.h>
 
-#include <csignal>
 #include <utility>
 
 namespace morvane::ctl {
@@ -29,7 +28,12 @@ struct BusWatch::NameWatch {
 
 BusWatch::BusWatch(const BusClient& bus, std::span<const Service> services, const Service& emitter,
                    const char* signal)
-    : bus_(bus.connection()) {
+    : bus_(bus.connection()),
+      // An answer that is awaited would hold the end up, so the connection ends, too.
+      interruption_([this] {
+          end(BusEvent::Kind::interrupted);
+          g_dbus_connection_close(bus_, nullptr, nullptr, nullptr);
+      }) {
     const GDBusSignalCallback onSignal = [](GDBusConnection*, const gchar*, const gchar*,
                                             const gchar*, const gchar*, GVariant* arguments,
                                             gpointer self) {
@@ -41,12 +45,11 @@ BusWatch::BusWatch(const BusClient& bus, std::span<const Service> services, cons
         onSignal, this, nullptr);
     for (const auto& service : services)
         watchName(service);
-    watchProcess();
+    watchEnds();
 }
 
 BusWatch::~BusWatch() {
-    for (const auto source : sources_)
-        g_source_remove(source);
+    g_source_remove(outputSource_);
     g_signal_handler_disconnect(bus_, closedHandler_);
     for (const auto& name : names_)
         g_bus_unwatch_name(name->id);
@@ -61,27 +64,18 @@ void BusWatch::watchName(const Service& service) {
                                                nullptr);
 }
 
-void BusWatch::watchProcess() {
+void BusWatch::watchEnds() {
     using ClosedHandler = void (*)(GDBusConnection*, gboolean, GError*, gpointer);
     const ClosedHandler onClosed = [](GDBusConnection*, gboolean, GError*, gpointer self) {
         static_cast<BusWatch*>(self)->end(BusEvent::Kind::busEnded);
     };
     closedHandler_ = g_signal_connect(bus_, "closed", G_CALLBACK(onClosed), this);
-    // An answer that is awaited would hold the end up, so the connection ends, too.
-    const GSourceFunc onInterruption = [](gpointer data) -> gboolean {
-        auto* const self = static_cast<BusWatch*>(data);
-        self->end(BusEvent::Kind::interrupted);
-        g_dbus_connection_close(self->bus_, nullptr, nullptr, nullptr);
-        return G_SOURCE_CONTINUE;
-    };
-    for (const int number : {SIGINT, SIGTERM})
-        sources_.push_back(g_unix_signal_add(number, onInterruption, this));
     const GUnixFDSourceFunc onOutputClosed = [](gint, GIOCondition, gpointer self) -> gboolean {
         static_cast<BusWatch*>(self)->end(BusEvent::Kind::outputClosed);
         return G_SOURCE_CONTINUE;
     };
     constexpr auto closed = static_cast<GIOCondition>(G_IO_ERR | G_IO_HUP | G_IO_NVAL);
-    sources_.push_back(g_unix_fd_add(STDOUT_FILENO, closed, onOutputClosed, this));
+    outputSource_ = g_unix_fd_add(STDOUT_FILENO, closed, onOutputClosed, this);
 }
 
 // The first reason counts.

@@ -4,6 +4,7 @@
 
 #include "bus_client.h"
 #include "glib/variant.h"
+#include "interruption.h"
 
 #include <deque>
 #include <memory>
@@ -19,7 +20,7 @@ struct BusEvent {
         ownerChanged, ///< also once at the beginning, for each service
         signalled,
         // These are the last:
-        interrupted, ///< by SIGINT or SIGTERM
+        interrupted,
         outputClosed,
         busEnded,
     };
@@ -52,7 +53,7 @@ private:
     struct NameWatch;
 
     void watchName(const Service& service);
-    void watchProcess();
+    void watchEnds();
     void end(BusEvent::Kind kind);
 
     GDBusConnection* bus_;
@@ -61,7 +62,8 @@ private:
     std::vector<std::unique_ptr<NameWatch>> names_;
     guint subscription_ = 0;
     gulong closedHandler_ = 0;
-    std::vector<guint> sources_; ///< of the main loop
+    guint outputSource_ = 0; ///< of the main loop
+    Interruption interruption_;
 };
 
 } // namespace morvane::ctl

@@ -2,11 +2,8 @@
 
 #include "handler_methods.h"
 
-#include <glib-unix.h>
-
 #include <array>
 #include <chrono>
-#include <csignal>
 #include <utility>
 
 namespace morvane::ctl {
@@ -42,23 +39,15 @@ HandlerSession::HandlerSession(const Settings& settings, std::string& error)
       other_(withTimeLimit(settings), error) {
     if (!error.empty())
         return;
-    for (const int number : {SIGINT, SIGTERM, SIGHUP})
-        sources_.push_back(g_unix_signal_add(number, onInterrupt, this));
+    interruption_.emplace();
     subscription_ = g_dbus_connection_signal_subscribe(
         self_.connection(), parameterHandler.name, parameterHandler.name, "transaction",
         parameterHandler.path, nullptr, G_DBUS_SIGNAL_FLAGS_NONE, onSignal, this, nullptr);
 }
 
 HandlerSession::~HandlerSession() {
-    for (const auto source : sources_)
-        g_source_remove(source);
     if (subscription_ != 0)
         g_dbus_connection_signal_unsubscribe(self_.connection(), subscription_);
-}
-
-gboolean HandlerSession::onInterrupt(gpointer session) {
-    static_cast<HandlerSession*>(session)->isInterrupted_ = true;
-    return G_SOURCE_CONTINUE;
 }
 
 void HandlerSession::onSignal(GDBusConnection* /*bus*/, const gchar* /*sender*/,
@@ -82,17 +71,14 @@ std::optional<HandlerSession::Keys> HandlerSession::signalledKeys(const Keys& ex
         return G_SOURCE_CONTINUE;
     };
     const auto timer = g_timeout_add(mostMilliseconds, endWaiting, &isTimeOver);
-    while ((signalled_.empty() || signalled_.back() != expected) && !isTimeOver && !isInterrupted_)
+    while ((signalled_.empty() || signalled_.back() != expected) && !isTimeOver && !isInterrupted())
         g_main_context_iteration(nullptr, TRUE);
     g_source_remove(timer);
     return signalled_.empty() ? std::nullopt : std::optional(signalled_.back());
 }
 
 bool HandlerSession::mayCall() {
-    while (g_main_context_iteration(nullptr, FALSE) != FALSE) {
-        // a signal may have arrived since the last call
-    }
-    if (isInterrupted_ && !isTidying_)
+    if (interruption_->hasComeByNow() && !isTidying_)
         whyStopped_ = "interrupted";
     return whyStopped_.empty();
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "bus_client.h"
+#include "interruption.h"
 #include "settings.h"
 
 #include <cstdint>
@@ -58,8 +59,8 @@ public:
     /// a call without an answer may still carry it out, so that what it does then shows nothing.
     const std::string& whyStopped() const { return whyStopped_; }
 
-    /// Whether SIGINT, SIGTERM or SIGHUP has arrived, which stops the session.
-    bool isInterrupted() const { return isInterrupted_; }
+    /// Whether a signal has asked for the end, which stops the session.
+    bool isInterrupted() const { return interruption_ && interruption_->hasCome(); }
 
     /// Whether nobody has the name of the Parameter Handler.
     bool isAbsent() const { return isAbsent_; }
@@ -74,7 +75,6 @@ public:
 private:
     using Keys = std::vector<std::string>;
 
-    static gboolean onInterrupt(gpointer session);
     static void onSignal(GDBusConnection* bus, const gchar* sender, const gchar* path,
                          const gchar* interface, const gchar* signal, GVariant* arguments,
                          gpointer session);
@@ -91,14 +91,13 @@ private:
 
     BusClient self_;
     BusClient other_;
-    std::vector<guint> sources_; ///< of the main loop
+    std::optional<Interruption> interruption_; ///< once there is something to tidy up
     guint subscription_ = 0;
     std::vector<Keys> signalled_;
     std::map<std::uint32_t, Open> open_;
     std::vector<std::string>
         unknown_; ///< starts whose transactions, if there are any, have no number
     std::string whyStopped_;
-    bool isInterrupted_ = false;
     bool isAbsent_ = false;
     bool isTidying_ = false;
 };

@@ -2,12 +2,16 @@
 
 #include "glib/variant.h"
 
+#include <chrono>
 #include <utility>
 #include <vector>
 
 namespace morvane::ctl {
 
 namespace {
+
+// For an answer after a signal: a Parameter Handler that works needs less.
+constexpr std::chrono::seconds lastTimeLimit{5};
 
 std::string unexpected(const char* method, const OwnedVariant& values) {
     return std::string("the Parameter Handler answered ") + method + " with values of type " +
@@ -16,8 +20,13 @@ std::string unexpected(const char* method, const OwnedVariant& values) {
 
 } // namespace
 
-Transaction::Transaction(const BusClient& bus, std::string& error) : bus_(bus) {
-    const auto answer = bus_.call(parameterHandler, "start", nullptr);
+Transaction::Transaction(const BusClient& bus, std::string& error)
+    : bus_(bus),
+      interruption_([this] {
+          if (pending_ != nullptr)
+              pending_->hurry(lastTimeLimit);
+      }) {
+    const auto answer = ask("start", nullptr);
     if (!answer.values) {
         error = answer.error;
     } else if (g_variant_is_of_type(answer.values.get(), G_VARIANT_TYPE("(u)")) == FALSE) {
@@ -59,8 +68,18 @@ std::string Transaction::end() {
     return call("end", g_variant_new("(u)", id));
 }
 
-std::string Transaction::call(const char* method, GVariant* arguments) const {
-    const auto answer = bus_.call(parameterHandler, method, arguments);
+Answer Transaction::ask(const char* method, GVariant* arguments) {
+    auto wait = bus_.waitFor(parameterHandler, method);
+    if (interruption_.hasCome())
+        wait.hurry(lastTimeLimit);
+    pending_ = &wait;
+    auto answer = bus_.call(parameterHandler, method, arguments, wait);
+    pending_ = nullptr;
+    return answer;
+}
+
+std::string Transaction::call(const char* method, GVariant* arguments) {
+    const auto answer = ask(method, arguments);
     if (!answer.values)
         return answer.error;
     return g_variant_n_children(answer.values.get()) == 0 ? std::string()

@@ -1,7 +1,8 @@
-// A transaction of the Parameter Handler, which never stays open.
+// A transaction of the Parameter Handler, which is ended whatever happens to the command.
 #pragma once
 
 #include "bus_client.h"
+#include "interruption.h"
 
 #include <cstdint>
 #include <optional>
@@ -24,6 +25,10 @@ struct Assignment {
 
 /// What is set in it is seen by others after the commit, and discarded by an end without one. All
 /// methods wait for the answer, and return what is wrong with it; an empty text if nothing is.
+///
+/// A signal that asks for the end leaves the transaction to be ended by its owner, and gives each
+/// answer five more seconds. A Parameter Handler that does not answer start or end in time may keep
+/// the transaction open.
 class Transaction {
 public:
     /// Starts a transaction. On failure the object is of no use and `error` says why.
@@ -34,6 +39,9 @@ public:
     ~Transaction();
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
+
+    /// Whether a signal has asked for the end.
+    bool isInterrupted() const { return interruption_.hasComeByNow(); }
 
     /// What the Parameter Handler calls it; for calls that are not below.
     std::uint32_t id() const { return *id_; }
@@ -49,9 +57,12 @@ public:
     std::string end();
 
 private:
-    std::string call(const char* method, GVariant* arguments) const;
+    Answer ask(const char* method, GVariant* arguments);
+    std::string call(const char* method, GVariant* arguments);
 
     const BusClient& bus_;
+    Wait* pending_ = nullptr; ///< for the answer that is awaited
+    Interruption interruption_;
     std::optional<std::uint32_t> id_; ///< while it is open
 };
 

@@ -60,15 +60,20 @@ std::vector<Assignment> assignmentsOf(const std::vector<std::string>& words) {
 // Sets all values, and commits; the caller ends the transaction.
 ExitStatus setAndCommit(Transaction& transaction, Target target,
                         const std::vector<Assignment>& assignments, const Messages& messages) {
-    if (const auto error = transaction.set(target, assignments); !error.empty()) {
+    const auto refusal = transaction.set(target, assignments);
+    if (transaction.isInterrupted())
+        return messages.fail("interrupted before the commit: nothing is set");
+    if (!refusal.empty()) {
         std::vector<std::string> keys;
         keys.reserve(assignments.size());
         for (const auto& assignment : assignments)
             keys.push_back(assignment.key);
         const auto setAlone = [&](std::size_t i) {
-            return transaction.set(target, std::span(assignments).subspan(i, 1));
+            return transaction.isInterrupted()
+                       ? "interrupted"
+                       : transaction.set(target, std::span(assignments).subspan(i, 1));
         };
-        return failForKeys(keys, error, setAlone, messages);
+        return failForKeys(keys, refusal, setAlone, messages);
     }
     const auto error = transaction.commit();
     return error.empty() ? ExitStatus::yes : messages.fail("the commit failed: " + error);

@@ -28,6 +28,7 @@ std::string withinText(const TimeLimit& limit) {
 Wait::Wait(std::string what, const Messages& messages, const TimeLimit& limit)
     : what_(std::move(what)),
       messages_(messages),
+      limit_(limit),
       notice_(limit && *limit <= noticeDelay ? nullptr : startTimer(noticeDelay, sayWhat, this)),
       end_(limit ? startTimer(*limit, cancel, this) : nullptr) {}
 
@@ -42,6 +43,15 @@ void Wait::onResult(GObject* /*source*/, GAsyncResult* result, gpointer wait) {
     auto* const self = static_cast<Wait*>(wait);
     self->result_.reset(G_ASYNC_RESULT(g_object_ref(result)));
     g_main_loop_quit(self->loop_.get());
+}
+
+void Wait::hurry(std::chrono::milliseconds limit) {
+    if (limit_ && *limit_ <= limit)
+        return;
+    if (end_)
+        g_source_destroy(end_.get());
+    limit_ = limit;
+    end_ = startTimer(limit, cancel, this);
 }
 
 GAsyncResult* Wait::result() {

@@ -50,12 +50,19 @@ public:
 
     bool isTimeOver() const { return isTimeOver_; }
 
+    /// Waits no longer than this from now on; a shorter limit stays.
+    void hurry(std::chrono::milliseconds limit);
+
+    /// The limit that counts.
+    const TimeLimit& limit() const { return limit_; }
+
 private:
     static gboolean sayWhat(gpointer wait);
     static gboolean cancel(gpointer wait);
 
     std::string what_;
     const Messages& messages_;
+    TimeLimit limit_;
     OwnedLoop loop_{g_main_loop_new(nullptr, FALSE)};
     OwnedCancellable cancellable_{g_cancellable_new()};
     OwnedSource notice_; ///< null if the time is over before
