@@ -30,6 +30,28 @@ BUS_CONFIG = Path(__file__).parent / "bus.conf"
 
 ERROR, INFO = 3, 6  # the priorities of syslog.h
 
+_AWAITED = r"waiting for ((?:the bus|org\.[\w.]+) to answer(?: \w+)?)"
+# A notice of morvanectl, as a line and as a line of JSON.
+_NOTICE = re.compile(
+    rf'^(?:morvanectl: {_AWAITED}|\{{"file":null,"line":null,"column":null,"severity":"note",'
+    rf'"code":null,"text":"{_AWAITED}","variants":\[\]\}})\n', re.MULTILINE)
+
+
+def without_notices(errors, awaited=()):
+    """What morvanectl wrote to standard error, less its notices of what takes more than a second:
+    on a busy machine, that may be anything. Notices of what a test itself delays stay: `awaited`
+    has what follows "waiting for" in them."""
+    return _NOTICE.sub(lambda notice: notice[0] if (notice[1] or notice[2]) in awaited else "",
+                       errors)
+
+
+def run_ctl(*arguments, awaited=(), wrapper=(), stdout=subprocess.PIPE, **options):
+    """Runs morvanectl with options of subprocess.run. Returns its exit status, standard output and
+    standard error, without notices except those of what is `awaited`."""
+    outcome = subprocess.run([*wrapper, *CTL, *arguments], stdout=stdout, stderr=subprocess.PIPE,
+                             text=True, check=False, **options)
+    return outcome.returncode, outcome.stdout, without_notices(outcome.stderr, awaited)
+
 
 def tools_on_path(folder):
     """A PATH on which the programs under test are found by their names."""

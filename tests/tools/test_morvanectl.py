@@ -4,11 +4,10 @@ import json
 import os
 import select
 import socket
-import subprocess
 import threading
 
 import pytest
-from harness import CTL, DEADLINE_SECONDS
+from harness import DEADLINE_SECONDS, run_ctl
 from jeepney import HeaderFields, Parser, new_method_return
 
 YES, NO, ERROR = 0, 1, 2
@@ -23,17 +22,15 @@ translate {
 
 @pytest.fixture
 def ctl(world):
-    """Runs morvanectl with the definitions of the world; returns (status, stdout, stderr)."""
+    """run_ctl with the definitions of the world."""
     world.write("presets.def", TRANSLATION + world.presets.read_text())
 
     def run(*arguments, definitions=("-p", "parameters.def", "-d", "presets.def"), bus=True,
-            environment=None):
+            environment=None, awaited=()):
         variables = world.bus.environment() if bus else {
             k: v for k, v in os.environ.items() if k != "DBUS_SESSION_BUS_ADDRESS"}
-        outcome = subprocess.run(
-            [*CTL, *arguments, *definitions], cwd=world.folder, capture_output=True, text=True,
-            check=False, env={**variables, **(environment or {})})
-        return outcome.returncode, outcome.stdout, outcome.stderr
+        return run_ctl(*arguments, *definitions, awaited=awaited, cwd=world.folder,
+                       env={**variables, **(environment or {})})
 
     return run
 
@@ -71,8 +68,9 @@ def test_uses_the_bus_that_is_named(world, ctl):
 def test_says_what_it_waits_for(world, ctl):
     world.simulator(faults="get_bulk 1 delay 1500\n")
     world.daemon()
-    assert ctl("store", "scene", "p") == (
-        YES, "", "morvanectl: waiting for org.norvix.preset to answer store\n")
+    awaited = "org.norvix.preset to answer store"
+    assert ctl("store", "scene", "p", awaited=[awaited]) == (
+        YES, "", f"morvanectl: waiting for {awaited}\n")
 
 
 class SlowBus(threading.Thread):
@@ -124,12 +122,12 @@ def test_says_once_what_it_waits_for(world, ctl):
     path = world.folder / "bus"
     bus = SlowBus(path, calls=3, seconds=1.5)
     bus.start()
-    status, output, problem = ctl("status", "--address", f"unix:path={path}", bus=False)
+    awaited = "org.freedesktop.DBus to answer GetConnectionUnixProcessID"
+    outcome = ctl("status", "--address", f"unix:path={path}", bus=False, awaited=[awaited])
     bus.close()
-    assert (status, output) == (ERROR, "")
-    assert problem == (
-        "morvanectl: waiting for org.freedesktop.DBus to answer GetConnectionUnixProcessID\n"
-        "morvanectl: the bus does not answer\n")
+    assert outcome == (
+        ERROR, "",
+        f"morvanectl: waiting for {awaited}\nmorvanectl: the bus does not answer\n")
 
 
 def test_waits_longer_than_a_bus_library_does(world, ctl):
@@ -137,10 +135,9 @@ def test_waits_longer_than_a_bus_library_does(world, ctl):
     world.simulator(faults="get_bulk 1 delay 3000\n")
     daemon = world.daemon()
     fast_clock = {**daemon.environment(), "MORVANE_TEST_CLOCK_RATE": "10"}
-    status, output, problem = ctl("store", "scene", "p", environment=fast_clock)
-    # By that clock, the bus may take more than a second as well.
-    assert (status, output, problem.splitlines()[-1]) == (
-        YES, "", "morvanectl: waiting for org.norvix.preset to answer store")
+    awaited = "org.norvix.preset to answer store"
+    assert ctl("store", "scene", "p", environment=fast_clock, awaited=[awaited]) == (
+        YES, "", f"morvanectl: waiting for {awaited}\n")
 
 
 @pytest.mark.parametrize("arguments", [
@@ -170,12 +167,11 @@ def test_lists_presets_and_keys(ctl):
 def test_says_that_its_output_cannot_be_written(world, ctl, command):
     ctl("presets")  # writes the definitions
     with open("/dev/full", "w") as full:
-        outcome = subprocess.run(
-            [*CTL, "-p", "parameters.def", "-d", "presets.def", *command], cwd=world.folder,
-            stdout=full, stderr=subprocess.PIPE, text=True, check=False)
+        status, _, errors = run_ctl("-p", "parameters.def", "-d", "presets.def", *command,
+                                    cwd=world.folder, stdout=full)
     problem = "cannot write: No space left on device"
-    assert outcome.returncode == ERROR
-    assert outcome.stderr == (
+    assert status == ERROR
+    assert errors == (
         json_message("error", problem) if "--json" in command else f"morvanectl: {problem}\n")
 
 

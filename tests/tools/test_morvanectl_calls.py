@@ -6,17 +6,17 @@ import os
 import re
 import signal
 import socket
-import subprocess
 import threading
 from pathlib import Path
 from xml.sax.saxutils import escape
 
 import pytest
-from harness import BUS_CONFIG, CTL, SIMULATOR, Bus, wait_until
+from harness import BUS_CONFIG, CTL, SIMULATOR, Bus, run_ctl, wait_until
 from jeepney import new_method_return
 from raw_client import RawClient
 from test_morvanectl import ERROR, NO, YES, SlowBus, ctl, json_message  # noqa: F401 - a fixture
 
+BUS = "the bus to answer"
 NO_BUS = ("morvanectl: cannot reach the bus (it did not answer within {} s); set "
           "DBUS_SESSION_BUS_ADDRESS, or name the bus with --address\n")
 
@@ -85,14 +85,15 @@ def test_gives_up_a_bus_that_takes_no_connection(world, ctl, silent_bus, command
 
 
 def test_says_that_it_waits_for_the_bus(ctl, silent_bus):  # noqa: F811
-    assert ctl("status", "--address", silent_bus, "--timeout", "1.5") == (
-        ERROR, "", "morvanectl: waiting for the bus to answer\n" + NO_BUS.format(1.5))
-    assert ctl("status", "--timeout", "1.5", environment={"DBUS_SESSION_BUS_ADDRESS": silent_bus}
-               ) == (ERROR, "", "morvanectl: waiting for the bus to answer\n" + NO_BUS.format(1.5))
+    assert ctl("status", "--address", silent_bus, "--timeout", "1.5", awaited=[BUS]) == (
+        ERROR, "", notes(f"waiting for {BUS}") + NO_BUS.format(1.5))
+    assert ctl("status", "--timeout", "1.5", awaited=[BUS],
+               environment={"DBUS_SESSION_BUS_ADDRESS": silent_bus}) == (
+        ERROR, "", notes(f"waiting for {BUS}") + NO_BUS.format(1.5))
     status, output, problem = ctl(
-        "status", "--json", "--address", silent_bus, "--timeout", "1.5")
+        "status", "--json", "--address", silent_bus, "--timeout", "1.5", awaited=[BUS])
     assert (status, output) == (ERROR, "")
-    assert problem == (json_message("note", "waiting for the bus to answer")
+    assert problem == (json_message("note", f"waiting for {BUS}")
                        + json_message("error", NO_BUS.format(1.5)[len("morvanectl: "):-1]))
 
 
@@ -100,8 +101,8 @@ def test_gives_up_a_bus_that_leaves_the_first_call_unanswered(world, ctl):  # no
     path = world.folder / "bus"
     bus = SlowBus(path, calls=1, seconds=15)
     bus.start()
-    assert ctl("status", "--address", f"unix:path={path}", "--timeout", "1.5") == (
-        ERROR, "", "morvanectl: waiting for the bus to answer\n" + NO_BUS.format(1.5))
+    assert ctl("status", "--address", f"unix:path={path}", "--timeout", "1.5", awaited=[BUS]) == (
+        ERROR, "", notes(f"waiting for {BUS}") + NO_BUS.format(1.5))
     bus.close()
     assert bus.was_left, "it waited for the answer"
 
@@ -110,28 +111,30 @@ def test_waits_for_a_bus_without_a_time_limit(world, ctl):  # noqa: F811
     path = world.folder / "bus"
     bus = SlowBus(path, calls=1, seconds=1.5)
     bus.start()
-    status, _, problem = ctl("die", "--address", f"unix:path={path}")
+    status, _, problem = ctl("die", "--address", f"unix:path={path}", awaited=[BUS])
     bus.close()
-    assert (status, problem.splitlines()[0]) == (
-        ERROR, "morvanectl: waiting for the bus to answer")
+    assert (status, problem.splitlines()[0]) == (ERROR, f"morvanectl: waiting for {BUS}")
 
 
 def test_gives_up_a_service_that_does_not_answer(world, ctl, stopped):  # noqa: F811
     stopped(world.simulator().process)
     daemon = world.daemon()
-    handler = notes("waiting for org.norvix.transaction to answer {0}", "the Parameter Handler: "
-                    "org.norvix.transaction did not answer {0} within 2 s") + log_place(daemon)
-    assert ctl("store", "scene", "p", "--timeout", "1.5") == (
-        ERROR, "", notes("waiting for org.norvix.preset to answer store",
-                         "org.norvix.preset did not answer store within 1.5 s")
-        + handler.format("single_get_bulk"))
-    assert ctl("--timeout=1.5", "is-preset", "scene") == (
-        ERROR, "", notes("waiting for org.norvix.preset to answer is_preset",
-                         "org.norvix.preset did not answer is_preset within 1.5 s")
-        + handler.format("single_get"))
     world.write("p", "mode=off\n")
-    assert ctl("diff", "p", "--live", "scene", "--timeout", "1.5") == (
-        ERROR, "", notes("waiting for org.norvix.transaction to answer single_get_bulk",
+
+    def gives_up(method, asked, *arguments):
+        service, handler = (f"org.norvix.{name} to answer {called}" for name, called in (
+            ("preset", method), ("transaction", asked)))
+        assert ctl(*arguments, "--timeout", "1.5", awaited=[service, handler]) == (
+            ERROR, "", notes(
+                f"waiting for {service}", f"org.norvix.preset did not answer {method} within 1.5 s",
+                f"waiting for {handler}", "the Parameter Handler: org.norvix.transaction did not "
+                f"answer {asked} within 2 s") + log_place(daemon))
+
+    gives_up("store", "single_get_bulk", "store", "scene", "p")
+    gives_up("is_preset", "single_get", "is-preset", "scene")
+    awaited = "org.norvix.transaction to answer single_get_bulk"
+    assert ctl("diff", "p", "--live", "scene", "--timeout=1.5", awaited=[awaited]) == (
+        ERROR, "", notes(f"waiting for {awaited}",
                          "org.norvix.transaction did not answer single_get_bulk within 1.5 s"))
 
 
@@ -245,9 +248,10 @@ def test_says_that_a_backup_was_not_put_back(world, ctl):  # noqa: F811
 
 def test_says_that_the_parameter_handler_is_missing(world, ctl):  # noqa: F811
     daemon = world.daemon()
-    assert ctl("store", "scene", "p", "--timeout", "1.5") == (
+    awaited = "org.norvix.preset to answer store"
+    assert ctl("store", "scene", "p", "--timeout", "1.5", awaited=[awaited]) == (
         ERROR, "", notes(
-            "waiting for org.norvix.preset to answer store",
+            f"waiting for {awaited}",
             "org.norvix.preset did not answer store within 1.5 s",
             "the Parameter Handler, org.norvix.transaction, is not running; loads and stores wait "
             "for it") + log_place(daemon))
@@ -317,14 +321,12 @@ def test_refuses_a_folder_that_the_bus_does_not_carry(world, ctl):  # noqa: F811
     folder.mkdir()
     for arguments in (["store", "scene", "p"], ["load", "scene", "p"],
                       ["store-subpreset", "scene", "p", "mode"]):
-        outcome = subprocess.run([*CTL, *arguments], cwd=folder, env=world.bus.environment(),
-                                 capture_output=True, text=True, check=False)
-        assert (outcome.returncode, outcome.stdout, outcome.stderr) == (
+        assert run_ctl(*arguments, cwd=folder, env=world.bus.environment()) == (
             ERROR, "", "morvanectl: names, keys and paths must be UTF-8; the name of the working "
             "folder is not\n")
     assert list(folder.iterdir()) == []
-    assert subprocess.run([*CTL, "is-preset", "scene"], cwd=folder, env=world.bus.environment(),
-                          capture_output=True, check=False).stdout == b"yes\n"
+    assert run_ctl("is-preset", "scene", cwd=folder, env=world.bus.environment()) == (
+        YES, "yes\n", "")
 
 
 def test_does_not_send_a_path_whose_folder_is_gone(world, ctl):  # noqa: F811
@@ -333,10 +335,8 @@ def test_does_not_send_a_path_whose_folder_is_gone(world, ctl):  # noqa: F811
     world.daemon()
     folder = world.folder / "gone"
     folder.mkdir()
-    outcome = subprocess.run(
-        ["sh", "-c", 'rmdir "$PWD" && exec "$@"', "sh", *CTL, "store", "scene", "p"], cwd=folder,
-        env=world.bus.environment(), capture_output=True, text=True, check=False)
-    assert (outcome.returncode, outcome.stdout, outcome.stderr) == (
+    assert run_ctl("store", "scene", "p", wrapper=["sh", "-c", 'rmdir "$PWD" && exec "$@"', "sh"],
+                   cwd=folder, env=world.bus.environment()) == (
         ERROR, "", "morvanectl: cannot tell the folder of p: No such file or directory\n")
 
 
@@ -442,23 +442,25 @@ def test_status_says_what_it_does_not_know(world, ctl):  # noqa: F811
 def test_status_says_that_a_service_does_not_answer(world, ctl, stopped):  # noqa: F811
     handler, daemon = world.simulator(), world.daemon()
     values = "values: bad: org.norvix.transaction did not answer single_get within 1.5 s"
-    waiting = "waiting for org.norvix.transaction to answer single_get"
+    awaited = [f"org.norvix.{service} to answer {method}" for service, method in (
+        ("preset", "is_preset"), ("transaction", "single_get"))]
+    waiting = [f"waiting for {what}" for what in awaited]
     stopped(handler.process)
-    status, output, problem = ctl("status", "--timeout", "1.5")
+    status, output, problem = ctl("status", "--timeout", "1.5", awaited=awaited[1:])
     assert (status, output.splitlines()[3:], problem) == (
-        NO, ["presets: the service has all 3 of presets.def", values], notes(waiting))
+        NO, ["presets: the service has all 3 of presets.def", values], notes(waiting[1]))
     stopped(daemon.process)
-    status, output, problem = ctl("status", "--timeout", "1.5")
+    status, output, problem = ctl("status", "--timeout", "1.5", awaited=awaited)
     assert (status, output.splitlines()[3:], problem) == (
         NO, ["presets: bad: org.norvix.preset did not answer is_preset within 1.5 s", values],
-        notes("waiting for org.norvix.preset to answer is_preset", waiting))
+        notes(*waiting))
 
 
 def test_status_waits_for_a_service_two_seconds(world, ctl, stopped):  # noqa: F811
     stopped(world.simulator().process)
-    status, output, problem = ctl("status")
-    assert (status, problem) == (
-        NO, notes("waiting for org.norvix.transaction to answer single_get"))
+    awaited = "org.norvix.transaction to answer single_get"
+    status, output, problem = ctl("status", awaited=[awaited])
+    assert (status, problem) == (NO, notes(f"waiting for {awaited}"))
     assert output.splitlines()[-1] == (
         "values: bad: org.norvix.transaction did not answer single_get within 2 s")
 

@@ -9,7 +9,7 @@ from pathlib import Path
 
 import pytest
 from gi.repository import GLib
-from harness import CTL, DEADLINE_SECONDS, Bus, wait_until
+from harness import CTL, DEADLINE_SECONDS, Bus, run_ctl, wait_until, without_notices
 
 YES, ERROR = 0, 2
 PRESET, HANDLER = "org.norvix.preset", "org.norvix.transaction"
@@ -34,14 +34,15 @@ class Monitor:
     def objects(self, count):
         return [json.loads(line) for line in self.lines(count)]
 
-    def outcome(self):
-        """The exit status, the rest of the output, and standard error."""
+    def outcome(self, awaited=()):
+        """The exit status, the rest of the output, and standard error; see without_notices."""
         status = self.process.wait(DEADLINE_SECONDS)
-        return status, self.process.stdout.read(), self.errors.read_text()
+        return (status, self.process.stdout.read(),
+                without_notices(self.errors.read_text(), awaited))
 
-    def interrupt(self, number=signal.SIGTERM):
+    def interrupt(self, number=signal.SIGTERM, awaited=()):
         self.process.send_signal(number)
-        return self.outcome()
+        return self.outcome(awaited)
 
     def kill(self):
         self.process.kill()
@@ -187,9 +188,11 @@ def test_ends_while_it_waits_for_values(world):
     client = world.client()
     monitor = Monitor(world)
     commit(client, ("mode", "off"))
-    wait_until(lambda: "waiting" in monitor.errors.read_text(), "the monitor to read the value")
-    assert monitor.interrupt() == (
-        YES, "", f"morvanectl: waiting for {HANDLER} to answer single_get_bulk\n")
+    awaited = f"{HANDLER} to answer single_get_bulk"
+    wait_until(lambda: f"{awaited}\n" in monitor.errors.read_text(),
+               "the monitor to read the value")
+    assert monitor.interrupt(awaited=[awaited]) == (
+        YES, "", f"morvanectl: waiting for {awaited}\n")
 
 
 @pytest.mark.parametrize("arguments", [(), ("--json",)])
@@ -210,7 +213,7 @@ def test_ends_quietly_when_nobody_reads(world):
     monitor = Monitor(world)
     monitor.process.stdout.close()
     assert monitor.process.wait(DEADLINE_SECONDS) == YES
-    assert monitor.errors.read_text() == ""
+    assert without_notices(monitor.errors.read_text()) == ""
 
 
 def test_ends_quietly_when_a_write_finds_nobody_who_reads(world):
@@ -227,13 +230,11 @@ def test_ends_quietly_when_a_write_finds_nobody_who_reads(world):
         waits_in = Path(f"/proc/{process.pid}/wchan")
         wait_until(lambda: "pipe_write" in waits_in.read_text(), "the monitor to write")
         os.close(read_end)
-        assert (process.wait(DEADLINE_SECONDS), process.stderr.read()) == (YES, "")
+        assert (process.wait(DEADLINE_SECONDS), without_notices(process.stderr.read())) == (YES, "")
 
 
 def test_says_that_its_output_cannot_be_written(world):
     with open("/dev/full", "w") as full:
-        outcome = subprocess.run([*CTL, "monitor"], stdout=full, stderr=subprocess.PIPE, text=True,
-                                 check=False, env=world.bus.environment(),
-                                 timeout=DEADLINE_SECONDS)
-    assert (outcome.returncode, outcome.stderr) == (
-        ERROR, "morvanectl: cannot write: No space left on device\n")
+        status, _, problem = run_ctl("monitor", stdout=full, env=world.bus.environment(),
+                                     timeout=DEADLINE_SECONDS)
+    assert (status, problem) == (ERROR, "morvanectl: cannot write: No space left on device\n")

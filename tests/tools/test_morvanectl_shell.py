@@ -3,11 +3,10 @@
 import os
 import re
 import shlex
-import subprocess
 
 import pexpect
 import pytest
-from harness import CTL, DEADLINE_SECONDS, SOURCE
+from harness import CTL, DEADLINE_SECONDS, SOURCE, run_ctl
 
 YES, NO, ERROR = 0, 1, 2
 SCRIPTS = SOURCE / "tools/morvanectl"
@@ -162,9 +161,7 @@ DESCRIPTION = ["-p", "--parameters", "-d", "--presets", "-s", "--system", "--var
 
 
 def run(world, *arguments, environment=None):
-    outcome = subprocess.run([*CTL, *arguments], cwd=world.folder, capture_output=True, text=True,
-                             check=False, env={**os.environ, **(environment or {})})
-    return outcome.returncode, outcome.stdout, outcome.stderr
+    return run_ctl(*arguments, cwd=world.folder, env={**os.environ, **(environment or {})})
 
 
 def completions(world, *words, environment=None):

@@ -6,7 +6,7 @@ import subprocess
 
 import pytest
 from conftest import PARAMETERS
-from harness import CTL, DEADLINE_SECONDS, wait_until
+from harness import CTL, DEADLINE_SECONDS, run_ctl, wait_until, without_notices
 
 YES, ERROR = 0, 2
 MARK = "dbus_norvix_transaction: "
@@ -14,13 +14,11 @@ MARK = "dbus_norvix_transaction: "
 
 @pytest.fixture
 def ctl(world):
-    """Runs morvanectl; returns (status, stdout, stderr)."""
+    """run_ctl in the folder and on the bus of the world."""
     world.write("parameters.def", PARAMETERS + "label rw { index { input } default { \"-\" } }\n")
 
-    def run(*arguments):
-        outcome = subprocess.run([*CTL, *arguments], cwd=world.folder, capture_output=True,
-                                 text=True, check=False, env=world.bus.environment())
-        return outcome.returncode, outcome.stdout, outcome.stderr
+    def run(*arguments, awaited=()):
+        return run_ctl(*arguments, awaited=awaited, cwd=world.folder, env=world.bus.environment())
 
     return run
 
@@ -212,8 +210,9 @@ def test_refuses_what_the_bus_does_not_carry(world, ctl, arguments):
 
 def test_says_what_it_waits_for(world, ctl):
     world.simulator(faults="commit 1 delay 1500\n")
-    assert ctl("set", "mode", "off") == (
-        YES, "", "morvanectl: waiting for org.norvix.transaction to answer commit\n")
+    awaited = "org.norvix.transaction to answer commit"
+    assert ctl("set", "mode", "off", awaited=[awaited]) == (
+        YES, "", f"morvanectl: waiting for {awaited}\n")
 
 
 @pytest.fixture
@@ -231,9 +230,7 @@ def interrupted(world, ctl):  # pylint: disable=unused-argument
                 _, problems = process.communicate(timeout=DEADLINE_SECONDS)
             finally:
                 process.kill()
-        # A slow machine is waited for more often.
-        said = [line for line in problems.splitlines() if " waiting for " not in line]
-        return process.returncode, said, simulator.methods()
+        return process.returncode, without_notices(problems).splitlines(), simulator.methods()
 
     return run
 
