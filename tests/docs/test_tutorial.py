@@ -57,7 +57,7 @@ def test_every_step_prints_what_the_tutorial_says(world):
     with printed_file.open("w") as output:
         subprocess.run(
             ["bash", "-c", "\n".join(script)], cwd=folder, check=False, stdout=output,
-            stderr=subprocess.STDOUT, timeout=DEADLINE_SECONDS,
+            stderr=subprocess.STDOUT, timeout=5 * DEADLINE_SECONDS,  # of all steps together
             env=world.bus.environment(PATH=tools_on_path(world.folder)))
     without_jobs = re.sub(r"^\[\d+\].*\n", "", without_notices(printed_file.read_text()),
                           flags=re.MULTILINE)
