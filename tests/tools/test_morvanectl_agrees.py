@@ -118,9 +118,6 @@ class Comparison:
     def compare_lines(self, keys):
         """What becomes of each line, and what the Parameter Handler says to it.
         @return what is sent, and the part of it that the Parameter Handler refuses."""
-        self.tool.start("translate", "translate", "data", "--json", "--for", self.preset)
-        self.tool.start("any", "translate", "data", "--json")
-        self.tool.start("validate", "validate", "data", "--json", "--for", self.preset)
         _, lines = self.tool.answer("translate")
         self.compare_coverage(lines, self.tool.answer("any")[1])
         status, findings = self.tool.answer("validate")
@@ -181,7 +178,7 @@ class Comparison:
 
     def compare_load(self, method, dry_run, sent, refused):
         """@return whether the load succeeds."""
-        status, calls = self.tool.answer(dry_run)
+        status, calls = dry_run
         expected, succeeds = self.expected_calls(calls or [], refused)
         pairs = [[key, value] for call in calls or [] if "values" in call
                  for key, value in zip(call["keys"], call["values"])]
@@ -199,20 +196,23 @@ class Comparison:
         return status == YES and succeeds
 
     def compare_loads(self, keys):
-        sent, refused = self.compare_lines(keys)
+        # All are about the file and the values before the first load, which puts the backup back.
+        self.tool.start("translate", "translate", "data", "--json", "--for", self.preset)
+        self.tool.start("any", "translate", "data", "--json")
+        self.tool.start("validate", "validate", "data", "--json", "--for", self.preset)
         self.tool.start("diff", "diff", "data", "--live", self.preset, "--json")
-        status, changes = self.tool.answer("diff")
-        before = {key: self.user.handler("single_get", "(s)", key) for key in keys}
         self.tool.start("load", "load", self.preset, "data", "--dry-run", "--json")
         self.tool.start("defaults", "load-with-default", self.preset, "data", "--dry-run", "--json")
-        self.tool.running["load"].wait()
-        self.tool.running["defaults"].wait()  # the load puts the backup back
-        if self.compare_load("load", "load", sent, refused):
+        sent, refused = self.compare_lines(keys)
+        status, changes = self.tool.answer("diff")
+        load, load_with_default = self.tool.answer("load"), self.tool.answer("defaults")
+        before = {key: self.user.handler("single_get", "(s)", key) for key in keys}
+        if self.compare_load("load", load, sent, refused):
             assert status in (YES, NO)
             after = {key: self.user.handler("single_get", "(s)", key) for key in keys}
             assert after == before | {change["key"]: change["first"] for change in changes}
             assert all(before[c["key"]] == c["second"] != c["first"] for c in changes)
-        self.compare_load("load_with_default", "defaults", sent, refused)
+        self.compare_load("load_with_default", load_with_default, sent, refused)
 
 
 @pytest.mark.parametrize("seed", range(DEVICES))
