@@ -73,6 +73,14 @@ Texts namesOf(const std::vector<const CLI::Option*>& options) {
     return names;
 }
 
+// What its last word stands for; of pairs, one after the other.
+std::string meaningOfLast(const CLI::Option& option) {
+    auto meaning = option.get_type_name();
+    if (meaning == "KEY VALUE")
+        meaning = option.count() % 2 == 1 ? "KEY" : "VALUE";
+    return meaning;
+}
+
 // A shell does not replace a tilde in a word that it completes.
 std::string withHome(const std::string& path) {
     const char* const home = std::getenv("HOME");
@@ -162,7 +170,7 @@ TypedWord readTypedLine(CLI::App& app, const Help& help, Texts words) {
     for (auto* const parsed : parsedApps(app)) {
         for (const auto* const option : parsed->get_options()) {
             if (option->count() > 0 && option->results().back() == marker) {
-                typed.meaning = option->get_type_name();
+                typed.meaning = meaningOfLast(*option);
                 return typed;
             }
         }
