@@ -90,7 +90,7 @@ def test_the_documents_point_to_files_that_are_installed_with_them(tmp_path):
     documents = tmp_path / DOCUMENTS
     install(tmp_path, "--component", "doc")
     text = (documents / "README.md").read_text()
-    for name in ("docs/tutorial.md", "docs/performance.md", "docs/reliability.md", "examples/",
-                 "ARCHITECTURE.md", "SECURITY.md"):
+    for name in ("docs/tutorial.md", "docs/integration.md", "docs/performance.md",
+                 "docs/reliability.md", "examples/", "ARCHITECTURE.md", "SECURITY.md"):
         assert f"`{name}`" in text
         assert (documents / name).exists(), name
