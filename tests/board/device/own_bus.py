@@ -16,6 +16,9 @@ VARIANT = "variant=studio inputs=4 outputs=2 delay=500 region=us options=genlock
 HANDLER = DBusAddress("/transaction", "org.norvix.transaction", "org.norvix.transaction")
 DRIVER = DBusAddress("/org/freedesktop/DBus", "org.freedesktop.DBus", "org.freedesktop.DBus")
 UNITS = "morvane-bus.service morvane.service parameter-handler.service"
+# Without the option, systemd goes through the unit's other processes after the main one, and fails
+# with EIO if it finds one that is just ending.
+KILL = "systemctl kill --kill-whom=main --signal"
 ANSWER_SECONDS = 120  # which an emulated board may need
 
 

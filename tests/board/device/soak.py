@@ -8,7 +8,7 @@ import threading
 import time
 from pathlib import Path
 
-from own_bus import PRESETS, Client, daemon_process, set_up, wait_ready
+from own_bus import KILL, PRESETS, Client, daemon_process, set_up, wait_ready
 from report import check, equal, figure, output, until
 
 WARM_UP_KILLS = 2
@@ -66,7 +66,7 @@ def descriptors(process):
 
 def kill_handler(client):
     owner = client.owner("org.norvix.transaction")
-    output("systemctl kill --signal=KILL parameter-handler.service")
+    output(f"{KILL}=KILL parameter-handler.service")
     until(lambda: client.owner("org.norvix.transaction") not in (None, owner))
 
 
