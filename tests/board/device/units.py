@@ -4,13 +4,16 @@ import json
 import re
 from pathlib import Path
 
-from own_bus import PRESETS, VARIANT, Client, daemon_process, set_up, state, wait_ready
+from own_bus import (ADDRESS, KILL, PRESETS, VARIANT, Client, daemon_process, set_up, state,
+                     wait_ready)
 from report import check, equal, figure, output, sh, until
 
 USER = "setpriv --reuid dev --regid dev --init-groups env XDG_RUNTIME_DIR=/run/user/1000 " \
        "DBUS_SESSION_BUS_ADDRESS=unix:path=/run/user/1000/bus "
+INSTALL = "dpkg --force-depends --install /srv/packages/morvane_*.deb"
 CALL = "gdbus call --session --timeout 60 --dest org.norvix.preset --object-path /preset " \
        "--method org.norvix.preset."
+WRONG_PRESETS = "scene preset {\n    exclude rw { nothing }\n}\n"
 LIMITS = Path("/srv/board/exposure-limits")
 # The errors of what the unit's settings refuse, where it is not EPERM. What is hidden is not there.
 REFUSALS = {
@@ -51,8 +54,8 @@ def check_restarts():
     output(f"kill -KILL {daemon_process()}")
     owner = new_owner(client, owner)
     check_serving(client, "after a kill")
-    for how, command in (("was killed", "systemctl kill --signal=KILL morvane-bus.service"),
-                         ("ended", "systemctl kill --signal=TERM morvane-bus.service"),
+    for how, command in (("was killed", f"{KILL}=KILL morvane-bus.service"),
+                         ("ended", f"{KILL}=TERM morvane-bus.service"),
                          ("was restarted", "systemctl restart morvane-bus.service")):
         main = state("morvane-bus.service")["MainPID"]
         output(command)
@@ -67,12 +70,45 @@ def check_restarts():
         check_serving(client, f"after the bus {how}")
 
 
+def check_log():
+    missing = PRESETS / "missing"
+    status, printed = sh(f"morvanectl --address {ADDRESS} load scene {missing}")
+    equal("a load of a missing file fails", status, 2)
+    command = re.search("journalctl .*", printed)
+    check("morvanectl says which command shows the log", command, printed)
+    if command:
+        _, log = sh(f"{command[0]} --no-pager --lines=20")
+        check("this shows why the load failed", str(missing) in log, log)
+
+
+def check_upgrade():
+    """With definition files that the new daemon cannot use, the old one goes on."""
+    presets = Path("/etc/morvane/presets.def")
+    good = presets.read_text()
+    client = Client()
+    owner = new_owner(client)
+    output(INSTALL)
+    check("an upgrade restarts the service", new_owner(client, owner), state("morvane.service"))
+    owner = check_serving(client, "after an upgrade")
+    presets.write_text(WRONG_PRESETS)
+    printed = output(INSTALL)
+    check("an upgrade says that the definition files are wrong",
+          "nothing" in printed and "cannot use" in printed, printed)
+    equal("then the old daemon goes on", check_serving(client, "after that"), owner)
+    presets.write_text(good)
+    output("dpkg-trigger --by-package=base-files /etc/morvane")
+    output("dpkg --force-depends --triggers-only --pending")
+    check("new definition files restart the service", new_owner(client, owner),
+          state("morvane.service"))
+    check_serving(client, "with new definition files")
+
+
 def check_wrong_definitions():
     """The daemon serves without any preset, so that clients get answers. A command line that can
     never work is tried until systemd's limit."""
     presets = Path("/etc/morvane/presets.def")
     good = presets.read_text()
-    presets.write_text("scene preset {\n    exclude rw { nothing }\n}\n")
+    presets.write_text(WRONG_PRESETS)
     output("systemctl restart morvane.service")
     client = Client()
     new_owner(client)
@@ -160,6 +196,8 @@ def run():
     check("it starts when the board boots", started, state("morvane.service"))
     set_up()
     check_restarts()
+    check_log()
+    check_upgrade()
     check_wrong_definitions()
     check_security()
     check_hardening()
