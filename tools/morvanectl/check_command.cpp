@@ -3,13 +3,12 @@
 
 #include "commands.h"
 #include "definition_errors.h"
+#include "described_variants.h"
 #include "output.h"
 #include "variant_choice.h"
 #include "warnings.h"
 
-#include <algorithm>
 #include <iostream>
-#include <iterator>
 #include <map>
 #include <numeric>
 
@@ -20,64 +19,7 @@ namespace {
 /// Warnings with the numbers of the variants on which they occur.
 using Occurrences = std::map<Warning, std::vector<std::size_t>>;
 
-/// Every combination of the values of the axes, as system arguments, first name first.
-std::vector<std::vector<std::string>> combinations(const std::vector<VariantAxis>& axes) {
-    std::vector<std::vector<std::string>> all{{}};
-    for (const auto& [name, values] : axes) {
-        std::vector<std::vector<std::string>> longer;
-        for (const auto& shorter : all) {
-            for (const auto& value : values) {
-                longer.push_back(shorter);
-                longer.back().push_back(std::string(name).append("=").append(value));
-            }
-        }
-        all = std::move(longer);
-    }
-    return all;
-}
-
-/// One of the variants that are checked.
-struct CheckedVariant {
-    std::string name; ///< empty if it is the only one
-    SystemArguments arguments;
-};
-
-std::vector<CheckedVariant> combinedVariants(const Settings& settings) {
-    std::vector<CheckedVariant> variants;
-    for (const auto& combination : combinations(settings.axes)) {
-        variants.push_back({joined(combination, " "), {}});
-        for (const auto& argument : combination)
-            addSystemArgument(variants.back().arguments, argument);
-        variants.back().arguments.insert(settings.systemArguments.begin(),
-                                         settings.systemArguments.end());
-    }
-    return variants;
-}
-
-// Nothing, with a message, if the settings ask for what there is not.
-std::optional<std::vector<CheckedVariant>>
-checkedVariants(const Settings& settings, const std::vector<NamedVariant>& namedVariants) {
-    if (!settings.axes.empty())
-        return combinedVariants(settings);
-    std::vector<CheckedVariant> variants;
-    if (settings.allVariants) {
-        for (const auto& named : namedVariants)
-            variants.push_back({named.name, argumentsOf(named, settings)});
-        if (!variants.empty())
-            return variants;
-        settings.messages.fail(
-            "there are no named variants; see --variants, or give --all-variants system arguments "
-            "with all their values");
-        return std::nullopt;
-    }
-    auto arguments = chosenArguments(settings, namedVariants);
-    if (!arguments)
-        return std::nullopt;
-    variants.push_back({"", *std::move(arguments)});
-    return variants;
-}
-
-std::vector<Warning> warningsOn(const CheckedVariant& variant, const Definitions& definitions,
+std::vector<Warning> warningsOn(const DescribedVariant& variant, const Definitions& definitions,
                                 const std::vector<NamedVariant>& namedVariants) {
     const auto& [parameters, presets] = definitions;
     const PresetManager manager(definitions, variant.arguments);
@@ -99,7 +41,7 @@ class Report {
 public:
     /// All are borrowed for the object's life.
     Report(const Settings& settings, const Definitions& definitions,
-           const std::vector<CheckedVariant>& variants)
+           const std::vector<DescribedVariant>& variants)
         : settings_(settings),
           parameters_(settings.paramDefFile, definitions.parameters.text()),
           presets_(settings.presetDefFile, *definitions.presets.text),
@@ -136,38 +78,20 @@ private:
 
     // Such as "on 2 of 3: field-*".
     std::string whereText(const std::vector<std::size_t>& numbers) const {
-        std::vector<std::string> names;
-        std::transform(numbers.begin(), numbers.end(), std::back_inserter(names),
-                       [&](std::size_t number) { return variants_[number].name; });
-        const auto pattern = patternFor(names);
         return "on " + std::to_string(numbers.size()) + " of " + std::to_string(variants_.size()) +
-               ": " + (pattern.empty() ? joined(names, ", ") : pattern);
-    }
-
-    // What several names begin with, and no name of another variant, with a "*"; else nothing.
-    std::string patternFor(const std::vector<std::string>& names) const {
-        const auto& [first, last] = std::minmax_element(names.begin(), names.end());
-        const auto differing =
-            std::mismatch(first->begin(), first->end(), last->begin(), last->end());
-        const std::string prefix(first->begin(), differing.first);
-        const auto count =
-            std::count_if(variants_.begin(), variants_.end(), [&](const CheckedVariant& variant) {
-                return variant.name.starts_with(prefix);
-            });
-        const bool isTheirs = static_cast<std::size_t>(count) == names.size();
-        return names.size() > 1 && isTheirs ? prefix + "*" : "";
+               ": " + namesOf(numbers, variants_);
     }
 
     const Settings& settings_;
     SourceFile parameters_;
     SourceFile presets_;
-    const std::vector<CheckedVariant>& variants_;
+    const std::vector<DescribedVariant>& variants_;
     Json list_ = Json::array();
     bool isWarned_ = false;
 };
 
 Occurrences occurrencesOf(const Definitions& definitions,
-                          const std::vector<CheckedVariant>& variants,
+                          const std::vector<DescribedVariant>& variants,
                           const std::vector<NamedVariant>& namedVariants) {
     Occurrences occurrences;
     for (std::size_t number = 0; number < variants.size(); ++number) {
@@ -211,7 +135,8 @@ ExitStatus checkDefinitions(const Settings& settings) {
     if (!definitions || !errors.empty())
         return showErrors(settings, errors);
     const auto namedVariants = readNamedVariants(settings);
-    const auto variants = namedVariants ? checkedVariants(settings, *namedVariants) : std::nullopt;
+    const auto variants =
+        namedVariants ? describedVariants(settings, *namedVariants) : std::nullopt;
     if (!variants)
         return ExitStatus::error;
     Report report(settings, *definitions, *variants);

@@ -7,6 +7,7 @@
 #include "text/source_text.h"
 
 #include <algorithm>
+#include <array>
 
 namespace morvane::ctl {
 
@@ -18,7 +19,13 @@ bool canBeEvaluated(const Expression& condition, const NameTable& names) {
     return value.type != ExprValue::Type::invalid;
 }
 
+constexpr std::array accessKeywords{"index", "ro", "rostrict", "wo", "rw"}; // by their codes
+
 } // namespace
+
+const char* keywordOf(AccessType access) {
+    return accessKeywords.at(static_cast<std::size_t>(access));
+}
 
 Verdict judge(const Expression& condition, const SystemParameterTable& parameters,
               const SystemArguments& arguments) {

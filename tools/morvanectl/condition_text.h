@@ -1,4 +1,4 @@
-// Conditions of parameter definitions, put in words.
+// Access types and conditions of parameter definitions, put in words.
 #pragma once
 
 #include "paramdef/system_parameter.h"
@@ -8,6 +8,9 @@
 #include <vector>
 
 namespace morvane::ctl {
+
+/// The keyword of an access type, such as "rw".
+const char* keywordOf(AccessType access);
 
 /// The outcome of a condition on a variant.
 enum class Verdict {

@@ -11,7 +11,6 @@
 #include "variant.h"
 
 #include <algorithm>
-#include <array>
 #include <iostream>
 
 namespace morvane::ctl {
@@ -19,8 +18,6 @@ namespace morvane::ctl {
 namespace {
 
 using Kind = PresetList::Kind;
-
-constexpr std::array accessWords = {"an index", "ro", "rostrict", "wo", "rw"};
 
 PresetEntry keyOf(const std::string& text) {
     PresetEntry key;
@@ -76,9 +73,9 @@ private:
                              settings_.paramDefFile);
             return false;
         }
-        const auto access = static_cast<std::size_t>(parameter->access);
+        const auto* const article = parameter->access == AccessType::ACCESS_INDEX ? "an " : "";
         add(settings_.paramDefFile, parameter->line,
-            std::string(parameter->name) + " is " + accessWords.at(access));
+            std::string(parameter->name) + " is " + article + keywordOf(parameter->access));
         bool exists = true;
         for (const auto& condition : parameter->ctrlValid)
             exists = explainCondition(condition) && exists;

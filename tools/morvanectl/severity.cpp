@@ -1,41 +1,21 @@
 #include "severity.h"
 
-#include <unistd.h>
-
-#include <cstdlib>
-#include <iostream>
+#include "terminal.h"
 
 namespace morvane::ctl {
 
 namespace {
 
-std::string_view environment(const char* name) {
-    const char* const value = std::getenv(name);
-    return value == nullptr ? "" : value;
-}
-
-bool isTerminal(const std::ostream& stream) {
-    return (&stream == &std::cout && isatty(STDOUT_FILENO) != 0) ||
-           (&stream == &std::cerr && isatty(STDERR_FILENO) != 0);
-}
-
-bool takesColours(const std::ostream& stream) {
-    const auto terminal = environment("TERM");
-    return environment("NO_COLOR").empty() && !terminal.empty() && terminal != "dumb" &&
-           isTerminal(stream);
-}
-
-// Bold, in the colours that compilers use.
-const char* escapeSequenceOf(Severity severity) {
+Colour colourOf(Severity severity) {
     switch (severity) {
     case Severity::error:
-        return "\033[1;31m"; // red
+        return Colour::red;
     case Severity::warning:
-        return "\033[1;35m"; // magenta
+        return Colour::magenta;
     case Severity::note:
         break;
     }
-    return "\033[1;36m"; // cyan
+    return Colour::cyan;
 }
 
 } // namespace
@@ -53,8 +33,7 @@ const char* nameOf(Severity severity) {
 }
 
 std::string coloured(std::string_view text, Severity severity, const std::ostream& stream) {
-    std::string all(text);
-    return takesColours(stream) ? escapeSequenceOf(severity) + all + "\033[0m" : all;
+    return coloured(text, colourOf(severity), stream);
 }
 
 std::string label(Severity severity, const std::ostream& stream) {

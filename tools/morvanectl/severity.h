@@ -16,9 +16,7 @@ enum class Severity {
 /// The severity's name, as it stands in findings.
 const char* nameOf(Severity severity);
 
-/// Puts a text into the colour of a severity if the stream is std::cout or std::cerr, which goes to
-/// a terminal, and the environment does not refuse colours: with a NO_COLOR that is not empty, or a
-/// TERM that is "dumb" or missing.
+/// Puts a text into the colour of a severity, if the stream takes colours; see terminal.h.
 std::string coloured(std::string_view text, Severity severity, const std::ostream& stream);
 
 /// The severity's name as the beginning of a message, such as "error: ", in its colour.

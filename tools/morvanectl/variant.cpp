@@ -4,19 +4,28 @@
 #include "output.h"
 #include "variant_choice.h"
 
-#include <algorithm>
-#include <iterator>
+#include <set>
+#include <string>
 #include <utility>
 
 namespace morvane::ctl {
 
 namespace {
 
-std::string namesOf(const std::vector<UndescribedName>& undescribed) {
-    std::vector<std::string> names;
-    std::transform(undescribed.begin(), undescribed.end(), std::back_inserter(names),
-                   [](const UndescribedName& name) { return name.name; });
-    return joined(names, ", ");
+// Says which names have no value on one of the variants.
+void warnOfUndescribed(const Settings& settings, const DescribedDevice& device,
+                       const std::vector<NamedVariant>& named) {
+    std::set<std::string> names;
+    for (const auto& variant : device.variants) {
+        for (const auto& [name, place] :
+             undescribedNames(device.definitions.parameters, variant.arguments, named))
+            names.insert(name);
+    }
+    if (!names.empty())
+        settings.messages.warn("nothing gives a value to " +
+                               joined(std::vector(names.begin(), names.end()), ", ") + ", which " +
+                               settings.paramDefFile +
+                               " uses; describe the device with --system or --variant");
 }
 
 // The definitions, after what is wrong in them has been said.
@@ -29,32 +38,40 @@ std::optional<Definitions> usableDefinitions(const Settings& settings) {
 
 } // namespace
 
-std::optional<Variant> readVariant(const Settings& settings) {
+std::optional<DescribedDevice> readDevice(const Settings& settings) {
     auto definitions = usableDefinitions(settings);
     if (!definitions)
         return std::nullopt;
     const auto named = readNamedVariants(settings);
-    auto arguments = named ? chosenArguments(settings, *named) : std::nullopt;
-    if (!arguments)
+    auto variants = named ? describedVariants(settings, *named) : std::nullopt;
+    if (!variants)
         return std::nullopt;
-    const auto unknown = undescribedNames(definitions->parameters, *arguments, *named);
-    if (!unknown.empty())
-        settings.messages.warn("nothing gives a value to " + namesOf(unknown) + ", which " +
-                               settings.paramDefFile +
-                               " uses; describe the device with --system or --variant");
-    PresetManager manager(*definitions, *arguments);
-    return Variant{*std::move(definitions), *std::move(arguments), std::move(manager)};
+    DescribedDevice device{*std::move(definitions), *std::move(variants)};
+    warnOfUndescribed(settings, device, *named);
+    return device;
+}
+
+std::optional<Variant> readVariant(const Settings& settings) {
+    auto device = readDevice(settings);
+    if (!device)
+        return std::nullopt;
+    auto& arguments = device->variants.front().arguments;
+    PresetManager manager(device->definitions, arguments);
+    return Variant{std::move(device->definitions), std::move(arguments), std::move(manager)};
 }
 
 std::optional<Variant> readVariantWithPreset(const Settings& settings) {
     auto variant = readVariant(settings);
     if (variant && !variant->manager.is_preset(settings.preset)) {
-        settings.messages.fail(
-            "no preset " + settings.preset +
-            " covers a key on this variant; see: morvanectl presets, morvanectl check");
+        failWithoutPreset(settings, "this variant");
         return std::nullopt;
     }
     return variant;
+}
+
+ExitStatus failWithoutPreset(const Settings& settings, const std::string& where) {
+    return settings.messages.fail("no preset " + settings.preset + " covers a key on " + where +
+                                  "; see: morvanectl presets, morvanectl check");
 }
 
 } // namespace morvane::ctl
