@@ -156,7 +156,7 @@ def test_lists_names_of_any_characters_without_running_them(world, shell):
 
 COMMANDS = ["load", "load-with-default", "load-default", "store", "store-subpreset", "in-preset",
             "is-preset", "die", "status", "get", "set", "monitor", "handler-check", "check",
-            "presets", "keys", "explain", "translate", "validate", "diff"]
+            "presets", "keys", "explain", "matrix", "translate", "validate", "diff"]
 DESCRIPTION = ["-p", "--parameters", "-d", "--presets", "-s", "--system", "--variant", "--variants"]
 
 
@@ -202,6 +202,9 @@ def completions(world, *words, environment=None):
     (["validate", "--for", "sc"], ["scene"]),
     (["validate", "--for=sc"], ["--for=scene"]),
     (["diff", "file", "--live", "sc"], ["scene"]),
+    (["matrix", "--only-"], ["--only-differences"]),
+    (["matrix", "--all-variants", "--for", "sc"], ["scene"]),
+    (["matrix", "--only", ""], []),
     (["--variant", ""], ["field", "studio"]),
     (["--variant=s"], ["--variant=studio"]),
     (["--variant", "studio", "keys", "sc"], ["scene"]),
@@ -294,8 +297,8 @@ def test_help_of_a_command_shows_the_options_that_it_takes(world, command, text,
 
 @pytest.mark.parametrize("command, described, calling", [
     *((name, False, True) for name in ("die", "get", "set", "monitor")),
-    *((name, True, False) for name in ("check", "presets", "keys", "explain", "translate",
-                                       "validate")),
+    *((name, True, False) for name in ("check", "presets", "keys", "explain", "matrix",
+                                       "translate", "validate")),
     *((name, True, True) for name in ("load", "load-with-default", "load-default", "store",
                                       "store-subpreset", "in-preset", "is-preset", "status",
                                       "handler-check", "diff"))])

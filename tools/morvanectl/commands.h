@@ -20,6 +20,7 @@ ExitStatus checkDefinitions(const Settings& settings);
 ExitStatus listPresets(const Settings& settings);
 ExitStatus listKeys(const Settings& settings);
 ExitStatus explainKey(const Settings& settings);
+ExitStatus showMatrix(const Settings& settings);
 ExitStatus translateFile(const Settings& settings);
 ExitStatus validateFile(const Settings& settings);
 ExitStatus diffFiles(const Settings& settings);

@@ -139,7 +139,9 @@ private:
             return settings_.messages.fail(conflict->first + " and " + conflict->second +
                                            " give one system argument two values");
         useSystemArguments();
-        settings_.allVariants = allVariants_->count() > 0;
+        settings_.allVariants =
+            std::any_of(allVariants_.begin(), allVariants_.end(),
+                        [](const CLI::Option* option) { return option->count() > 0; });
         for (const auto& axis : axes_) {
             if (axis.find('=') != std::string::npos) // one without is the option without values
                 settings_.axes.push_back(axisOf(axis));
@@ -222,6 +224,18 @@ private:
             ->type_name("KEY");
     }
 
+    CLI::Option* takeVariants(CLI::App* subcommand, const char* text) {
+        allVariants_.push_back(subcommand->add_option("--all-variants", axes_, text)
+                                   ->type_name("NAME=VALUE,VALUE...")
+                                   ->expected(0, CLI::detail::expected_max_vector_size)
+                                   ->check(checkSystemArgument));
+        return allVariants_.back();
+    }
+
+    void takePresetOption(CLI::App* subcommand, const char* text) {
+        subcommand->add_option("--for", settings_.preset, text)->type_name("PRESET");
+    }
+
     void takeDryRun(CLI::App* subcommand) {
         subcommand->add_flag("--dry-run", settings_.dryRun,
                              "Show the calls that the Parameter Handler would get; call nothing");
@@ -284,13 +298,8 @@ private:
         auto* const check =
             add("check", "Check both definition files, and warn of what may be a mistake",
                 [this] { return checkDefinitions(settings_); });
-        allVariants_ = check
-                           ->add_option("--all-variants", axes_,
-                                        "Check all named variants, or every combination of system "
-                                        "arguments with all their values")
-                           ->type_name("NAME=VALUE,VALUE...")
-                           ->expected(0, CLI::detail::expected_max_vector_size)
-                           ->check(checkSystemArgument);
+        takeVariants(check, "Check all named variants, or every combination of system arguments "
+                            "with all their values");
         check->add_flag("--strict", settings_.strict, "Exit with 1 if there is a warning");
         check->add_flag("--verbose", settings_.verbose,
                         "Show what is missing on some of the variants only, too");
@@ -305,7 +314,27 @@ private:
         explain->add_option("key", settings_.key, "Key, such as gain[1][2]")
             ->required()
             ->type_name("KEY");
+        addMatrix();
         addDataFileCommands();
+    }
+
+    void addMatrix() {
+        auto* const matrix =
+            add("matrix", "Show how many keys of each parameter each preset covers",
+                [this] { return showMatrix(settings_); });
+        takePresetOption(matrix, "Show this preset, instead of all");
+        matrix
+            ->add_option("--only", settings_.pattern,
+                         "Show the parameters whose names match, such as \"input*\"")
+            ->type_name("PATTERN");
+        auto* const all = takeVariants(
+            matrix, "Show all named variants, or every combination of system arguments with all "
+                    "their values");
+        matrix
+            ->add_flag("--only-differences", settings_.onlyDifferences,
+                       "Show the parameters that a preset covers differently on some variant")
+            ->needs(all);
+        matrix->add_flag("--csv", settings_.csv, "Write comma-separated values");
     }
 
     void addDataFileCommands() {
@@ -320,10 +349,7 @@ private:
                                    [this] { return validateFile(settings_); });
         for (auto* const subcommand : {translate, validate}) {
             takeFile(subcommand, "Preset data file");
-            subcommand
-                ->add_option("--for", settings_.preset,
-                             "Preset as which it is to be loaded, instead of any")
-                ->type_name("PRESET");
+            takePresetOption(subcommand, "Preset as which it is to be loaded, instead of any");
         }
         auto* const diff =
             add("diff", "Compare two preset data files, or say what a load of one would change",
@@ -357,7 +383,7 @@ private:
         };
         leaveOut({"die", "get", "set", "monitor"},
                  {"--parameters", "--presets", "--system", "--variant", "--variants"});
-        leaveOut({"check", "presets", "keys", "explain", "translate", "validate"},
+        leaveOut({"check", "presets", "keys", "explain", "matrix", "translate", "validate"},
                  {"--address", "--timeout"});
     }
 
@@ -373,7 +399,7 @@ private:
     StandardOutput output_;
     Settings settings_;
     std::vector<std::string> systemArguments_;
-    CLI::Option* allVariants_ = nullptr;
+    std::vector<CLI::Option*> allVariants_; ///< of the subcommands that take it
     std::vector<std::string> axes_;
     std::vector<std::string> words_; ///< of `complete`, as CLI11 splits them
     Command command_;

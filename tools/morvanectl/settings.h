@@ -17,7 +17,7 @@ constexpr const char* installedPresetDefFile = "/etc/morvane/presets.def";
 /// How long something may take; nothing for no limit.
 using TimeLimit = std::optional<std::chrono::milliseconds>;
 
-/// One system argument of `check --all-variants`, with every value that it takes.
+/// One system argument of `--all-variants`, with every value that it takes.
 struct VariantAxis {
     std::string name;
     std::vector<std::string> values;
@@ -42,13 +42,16 @@ struct Settings {
     std::vector<std::string> keys;        ///< of `store-subpreset`, `in-preset` and `get`
     std::vector<std::string> assignments; ///< of `set`: keys, each with its value behind it
     bool ofStatus = false;                ///< of `set`: what read-only parameters show
-    bool allVariants = false; ///< of `check`: the named ones, or every combination of the axes
+    bool allVariants = false;             ///< the named ones, or every combination of the axes
     std::vector<VariantAxis> axes;
-    bool asDaemon = false;     ///< of `check`: the daemon's own report, and nothing else
-    bool strict = false;       ///< of `check`: warnings decide the status
-    bool verbose = false;      ///< of `check`: also what is absent on some of the variants only
-    bool withDefaults = false; ///< of `diff`: compare with a load that resets what FILE lacks
-    std::string output;        ///< of `translate`: the file to write; empty for none
+    bool asDaemon = false;        ///< of `check`: the daemon's own report, and nothing else
+    bool strict = false;          ///< of `check`: warnings decide the status
+    bool verbose = false;         ///< of `check`: also what is absent on some of the variants only
+    bool withDefaults = false;    ///< of `diff`: compare with a load that resets what FILE lacks
+    bool onlyDifferences = false; ///< of `matrix`: parameters covered differently on some variant
+    bool csv = false;
+    std::string pattern; ///< of `matrix`: of the names of parameters; empty for all
+    std::string output;  ///< of `translate`: the file to write; empty for none
     bool dryRun = false;
 };
 
