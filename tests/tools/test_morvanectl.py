@@ -276,6 +276,30 @@ def test_explains_a_key(ctl, preset, key, status, reasons):
         "key": key, "preset": preset, "covered": status == YES, "reasons": reasons}
 
 
+LEVEL = """\
+    parameters.def:2: level is ro
+    parameters.def:1: index input has 1, 2, which is not {}
+    presets.def:1: read-only parameters are in a preset if an include list adds them
+    {}
+"""
+
+
+@pytest.mark.parametrize("value, status, reason", [
+    (7, YES, "presets.def:2: added by the include list: item level, index clause on line 2"),
+    (8, NO, "an include list has all, which adds the values that the indices have, and no others"),
+    (9, NO, "an include list has all, which adds the values that the indices have, and no others"),
+])
+def test_explains_lists_around_one_that_includes_all(world, ctl, value, status, reason):
+    world.write("parameters.def", "input index { rangeValid { 1..2 } }\n"
+                                  "level ro { index { input } }\n")
+    world.write("presets.def", "scene preset {\n"
+                               "include ro { level { index { input { 7 } } } }\n"
+                               "include ro { level { index { input { 8 } } }, all }\n"
+                               "include ro { level { index { input { 9 } } } }\n}\n")
+    status_seen, output, _ = ctl("explain", "scene", f"level[{value}]")
+    assert (status_seen, output.partition("\n")[2]) == (status, LEVEL.format(value, reason))
+
+
 def test_explains_with_eight_values_at_most(world, ctl):
     world.write("parameters.def", "eight index { rangeValid { 1..8 } }\n"
                                   "nine index { rangeValid { 1..9 } }\n"

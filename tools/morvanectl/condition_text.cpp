@@ -91,4 +91,19 @@ std::vector<std::string> valuesSeen(const Expression& condition,
     return seen;
 }
 
+std::string outcomeOf(const char* attribute, const Expression& condition,
+                      const SystemParameterTable& parameters, const SystemArguments& arguments) {
+    std::string seen;
+    for (const auto& value : valuesSeen(condition, parameters, arguments))
+        seen += (seen.empty() ? " (" : ", ") + value;
+    seen += seen.empty() ? "" : ")";
+    const auto verdict = judge(condition, parameters, arguments);
+    const char* const text = verdict == Verdict::holds        ? " holds"
+                             : verdict == Verdict::assumedMet ? " counts as met"
+                             : verdict == Verdict::fails
+                                 ? " does not hold"
+                                 : " cannot be evaluated, so it does not hold";
+    return std::string(attribute) + " (" + textOf(condition, parameters.text()) + ")" + text + seen;
+}
+
 } // namespace morvane::ctl

@@ -34,4 +34,10 @@ std::vector<std::string> valuesSeen(const Expression& condition,
                                     const SystemParameterTable& parameters,
                                     const SystemArguments& arguments);
 
+/// What became of a condition: its text, its outcome and the values that it saw, such as
+/// "ctrlValid (inputs > 2) holds (inputs is 4)".
+/// @param attribute that has the condition.
+std::string outcomeOf(const char* attribute, const Expression& condition,
+                      const SystemParameterTable& parameters, const SystemArguments& arguments);
+
 } // namespace morvane::ctl

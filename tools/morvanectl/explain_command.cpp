@@ -4,7 +4,7 @@
 #include "condition_text.h"
 #include "engine/preset_entry.h"
 #include "output.h"
-#include "preset_parts.h"
+#include "preset_reasons.h"
 #include "tables/preset_keys.h"
 #include "tables/valid_values.h"
 #include "text/number.h"
@@ -16,8 +16,6 @@
 namespace morvane::ctl {
 
 namespace {
-
-using Kind = PresetList::Kind;
 
 PresetEntry keyOf(const std::string& text) {
     PresetEntry key;
@@ -90,20 +88,8 @@ private:
     }
 
     bool explainCondition(const Expression& condition, const char* attribute = "ctrlValid") {
-        std::string seen;
-        for (const auto& value : valuesSeen(condition, parameters_, arguments_))
-            seen += (seen.empty() ? " (" : ", ") + value;
-        seen += seen.empty() ? "" : ")";
-        const auto verdict = judge(condition, parameters_, arguments_);
-        const char* const text = verdict == Verdict::holds        ? " holds"
-                                 : verdict == Verdict::assumedMet ? " counts as met"
-                                 : verdict == Verdict::fails
-                                     ? " does not hold"
-                                     : " cannot be evaluated, so it does not hold";
         const auto line = condition.empty() ? 0 : condition.tokens.front().line;
-        add(settings_.paramDefFile, line,
-            std::string(attribute) + " (" + textOf(condition, parameters_.text()) + ")" + text +
-                seen);
+        add(settings_.paramDefFile, line, outcomeOf(attribute, condition, parameters_, arguments_));
         return conditionHolds(condition, parameters_, arguments_);
     }
 
@@ -202,31 +188,28 @@ private:
             includes ? "read-only parameters are in a preset if an include list adds them"
                      : "read-write parameters are in a preset unless an exclude list takes them "
                        "away");
-        const auto& map = includes ? manager_.readOnly() : manager_.readWrite();
-        const ParameterMap alone{{key_.name, map.indexNames(*map.find(key_.name))}};
-        const auto parts = partsOf(preset);
-        const bool includesAll = includes && std::any_of(parts.begin(), parts.end(), isIncludedAll);
+        const PresetReasons reasons(preset, manager_);
         bool any = false;
-        for (const auto& part : parts) {
-            if ((part.kind == Kind::include) != includes || (includesAll && !isIncludedAll(part)) ||
-                !selectedKeys(part, manager_, alone).contains(settings_.key))
+        for (const auto& [number, keys] : reasons.selectionsOf(key_.name)) {
+            if (!keys.contains(settings_.key))
                 continue;
             any = true;
+            const auto& part = reasons.parts()[number];
             add(settings_.presetDefFile, part.line,
                 std::string(includes ? "added by the include list: "
                                      : "taken away by the exclude list: ") +
                     part.text);
         }
         if (!any)
-            lines_.emplace_back(includesAll ? "an include list has all, which adds the values that "
-                                              "the indices have, and no others"
-                                : includes  ? "no include list adds it"
-                                            : "no exclude list takes it away");
+            lines_.emplace_back(whyNothingDecides(includes, reasons));
     }
 
-    // Beside it nothing of any include list counts, not even index values that it does not add.
-    static bool isIncludedAll(const PresetPart& part) {
-        return part.kind == Kind::include && part.alone.includeLists.front().all;
+    static const char* whyNothingDecides(bool includes, const PresetReasons& reasons) {
+        if (!includes)
+            return "no exclude list takes it away";
+        return reasons.includesAll() ? "an include list has all, which adds the values that the "
+                                       "indices have, and no others"
+                                     : "no include list adds it";
     }
 
     const Settings& settings_;
