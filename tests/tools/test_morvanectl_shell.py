@@ -230,6 +230,14 @@ def test_takes_the_list_of_variants_from_the_environment_and_files_from_the_home
                "sc", environment=variables) == (YES, "scene\n", "")
 
 
+@pytest.mark.parametrize("words, environment", [
+    (["--variants", "list"], {}), ([], {"MORVANE_VARIANTS": "list"})])
+def test_takes_what_stands_behind_a_wrong_word(world, words, environment):
+    world.write("list", "field: a=b\n")
+    assert completions(world, "-s", "no-value", *words, "--variant", "",
+                       environment=environment) == ["field"]
+
+
 @pytest.mark.parametrize("name, text, words", [
     ("presets.def", "scene preset {", ["keys", ""]),
     ("parameters.def", "gain what { }", ["explain", "scene", ""]),
