@@ -39,20 +39,11 @@ void parse(CLI::App& app, Texts words) {
     }
 }
 
-void useEnvironment(CLI::Option& option) {
-    const auto name = option.get_envname();
-    const char* const value = name.empty() ? nullptr : std::getenv(name.c_str());
-    if (value != nullptr)
-        option.add_result(value);
-}
-
 // Behind a wrong word, a parse has not handed on what the options say.
 void handOn(CLI::App& app) {
     for (auto* const parsed : parsedApps(app)) {
         for (auto* const option : parsed->get_options()) {
             try {
-                if (option->count() == 0)
-                    useEnvironment(*option);
                 if (option->count() > 0)
                     option->run_callback();
             } catch (const CLI::Error&) {
