@@ -22,6 +22,8 @@ SOURCE = Path(__file__).parents[2]
 BUILD = Path(os.environ["MORVANE_BUILD_DIR"])
 # A daemon for another architecture runs under an emulator, alongside this machine's simulator.
 EMULATOR = [os.environ["MORVANE_EMULATOR"]] if os.environ.get("MORVANE_EMULATOR") else []
+# Each start of a program costs many times what it costs on the device or the desk.
+SLOW_STARTS = bool(EMULATOR) or os.environ.get("MORVANE_SANITIZE") == "ON"
 DAEMON = [*EMULATOR, BUILD / "morvane"]
 CTL = [*EMULATOR, BUILD / "morvanectl"]
 SIMULATOR = Path(os.environ["MORVANE_SIMULATOR"])

@@ -10,10 +10,10 @@ from collections import defaultdict
 import pexpect
 import pytest
 from generated_device import generate
-from harness import CTL, DEADLINE_SECONDS, EMULATOR, SOURCE
+from harness import CTL, DEADLINE_SECONDS, SLOW_STARTS, SOURCE
 
 YES, ERROR = 0, 2
-DEVICES = 60 if EMULATOR else 300
+DEVICES = 60 if SLOW_STARTS else 300
 PARAMETERS = """\
 input index { rangeValid { 1..(inputs) } }
 empty index { rangeValid { 2..1 } }
