@@ -1,0 +1,241 @@
+#include "page_data.h"
+
+#include "condition_text.h"
+#include "core/preset_manager.h"
+#include "preset_reasons.h"
+#include "tables/preset_keys.h"
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace morvane::ctl {
+
+namespace {
+
+/// Numbers texts, equal ones once.
+class Numbering {
+public:
+    /// @return the number of the text, and whether it is new.
+    std::pair<std::size_t, bool> add(const std::string& text) {
+        const auto [known, isNew] = numbers_.try_emplace(text, numbers_.size());
+        return {known->second, isNew};
+    }
+
+private:
+    std::unordered_map<std::string, std::size_t> numbers_;
+};
+
+/// The definition that gives a preset its keys: the first of its name that covers one.
+const PresetDefinition* definitionOf(std::string_view name, const PresetDefinitions& definitions,
+                                     const PresetManager& manager) {
+    const auto found =
+        std::find_if(definitions.presets.begin(), definitions.presets.end(),
+                     [&](const PresetDefinition& preset) {
+                         return preset.name == name &&
+                                !PresetGenerate::keySet(manager.indices(), manager.readWrite(),
+                                                        manager.readOnly(), preset)
+                                     .empty();
+                     });
+    return found == definitions.presets.end() ? nullptr : &*found;
+}
+
+/// A condition of a parameter, with the attribute that has it.
+struct NamedCondition {
+    const char* attribute;
+    const Expression* condition;
+};
+
+std::vector<NamedCondition> conditionsOf(const SystemParameter& parameter) {
+    std::vector<NamedCondition> conditions;
+    const auto add = [&conditions](const char* attribute, const Expression& condition) {
+        if (!condition.empty())
+            conditions.push_back({attribute, &condition});
+    };
+    for (const auto& condition : parameter.ctrlValid)
+        add("ctrlValid", condition);
+    for (const auto& condition : parameter.ctrlRO)
+        add("ctrlRO", condition);
+    for (const auto& range : parameter.rangeValid)
+        add("rangeValid", range.condition);
+    for (const auto& chosen : parameter.defaults)
+        add("default", chosen.condition);
+    return conditions;
+}
+
+/// Gathers the value, one variant after the other.
+class PageData {
+public:
+    PageData(const Definitions& definitions, const CoverageMatrix& matrix,
+             std::span<const std::size_t> parameters)
+        : definitions_(definitions),
+          matrix_(matrix),
+          parameters_(parameters) {
+        for (const auto parameter : parameters)
+            addParameter(parameter);
+        for (const auto& [name, column] : matrix.presets)
+            presets_.push_back({{"name", name}, {"on", Json::array()}});
+        for (const auto& variant : matrix.variants)
+            addVariant(variant);
+    }
+
+    Json take() {
+        return {{"variants", std::move(variants_)},
+                {"parameters", std::move(shown_)},
+                {"presets", std::move(presets_)},
+                {"decisions", std::move(decisions_)},
+                {"texts", std::move(texts_)}};
+    }
+
+private:
+    void addParameter(std::size_t parameter) {
+        const auto& row = matrix_.parameters[parameter];
+        Json indices = Json::array();
+        for (const auto& index : row.definition->indices)
+            indices.push_back(index.indexName());
+        Json keys = Json::array();
+        for (const auto& count : row.keys)
+            keys.push_back(count ? Json(*count) : Json());
+        Json differing = Json::array();
+        std::size_t number = 0;
+        for (const auto& [name, column] : matrix_.presets) {
+            if (column.differs(parameter))
+                differing.push_back(number);
+            ++number;
+        }
+        shown_.push_back({{"name", row.definition->name},
+                          {"access", keywordOf(row.definition->access)},
+                          {"line", row.definition->line},
+                          {"indices", std::move(indices)},
+                          {"keys", std::move(keys)},
+                          {"groups", Json::array()},
+                          {"conditions", conditions(*row.definition)},
+                          {"differing", std::move(differing)}});
+    }
+
+    Json conditions(const SystemParameter& parameter) {
+        Json list = Json::array();
+        for (const auto& [attribute, condition] : conditionsOf(parameter)) {
+            Json outcomes = Json::array();
+            for (const auto& variant : matrix_.variants) {
+                const auto text =
+                    outcomeOf(attribute, *condition, definitions_.parameters, variant.arguments);
+                const auto [number, isNew] = textNumbers_.add(text);
+                if (isNew)
+                    texts_.push_back(text);
+                outcomes.push_back(number);
+            }
+            list.push_back(
+                {{"line", condition->tokens.front().line}, {"outcomes", std::move(outcomes)}});
+        }
+        return list;
+    }
+
+    void addVariant(const DescribedVariant& variant) {
+        Json arguments = Json::array();
+        for (const auto& [name, value] : variant.arguments)
+            arguments.push_back(std::string(name).append("=").append(value));
+        variants_.push_back({{"name", variant.name}, {"arguments", std::move(arguments)}});
+        const PresetManager manager(definitions_, variant.arguments);
+        const auto groups = groupsOn(manager);
+        std::size_t number = 0;
+        for (const auto& [name, column] : matrix_.presets) {
+            const auto* const definition = definitionOf(name, definitions_.presets, manager);
+            presets_[number]["on"].push_back(
+                definition == nullptr ? Json() : presetOn(*definition, manager, groups));
+            ++number;
+        }
+    }
+
+    // By parameter that is shown. Groups of both maps are numbered together.
+    std::vector<std::optional<std::size_t>> groupsOn(const PresetManager& manager) {
+        std::vector<std::optional<std::size_t>> groups;
+        for (std::size_t i = 0; i < parameters_.size(); ++i) {
+            const auto name = matrix_.parameters[parameters_[i]].definition->name;
+            groups.emplace_back();
+            if (const auto place = manager.readOnly().find(name))
+                groups.back() = manager.readOnly().group(*place);
+            else if (const auto other = manager.readWrite().find(name))
+                groups.back() =
+                    manager.readOnly().groups().size() + manager.readWrite().group(*other);
+            shown_[i]["groups"].push_back(groups.back() ? Json(*groups.back()) : Json());
+        }
+        return groups;
+    }
+
+    Json presetOn(const PresetDefinition& definition, const PresetManager& manager,
+                  const std::vector<std::optional<std::size_t>>& groups) {
+        PresetReasons reasons(definition, manager);
+        Json parts = Json::array();
+        for (const auto& part : reasons.parts())
+            parts.push_back({{"line", part.line}, {"text", part.text}});
+        std::map<std::size_t, std::size_t> ofGroup;
+        Json items = Json::object();
+        for (std::size_t i = 0; i < parameters_.size(); ++i) {
+            const auto name = matrix_.parameters[parameters_[i]].definition->name;
+            if (!groups[i])
+                continue;
+            if (reasons.hasItem(name))
+                items[std::to_string(i)] = decision(reasons.of(name), name, manager);
+            else if (!ofGroup.contains(*groups[i]))
+                ofGroup[*groups[i]] = decision(reasons.of(name), name, manager);
+        }
+        Json byGroup = Json::object();
+        for (const auto& [group, number] : ofGroup)
+            byGroup[std::to_string(group)] = number;
+        return {{"line", definition.line},
+                {"parts", std::move(parts)},
+                {"groups", std::move(byGroup)},
+                {"items", std::move(items)}};
+    }
+
+    // The number of a decision, which is added if it is new.
+    std::size_t decision(const std::vector<DecidedKeys>& decided, std::string_view parameter,
+                         const PresetManager& manager) {
+        const auto& map = manager.isReadOnly(parameter) ? manager.readOnly() : manager.readWrite();
+        const auto own = PresetGenerate::parameterKeys(manager.indices(), parameter,
+                                                       map.indexNames(*map.find(parameter)));
+        CoveredKeys covered;
+        Json keys = Json::array();
+        for (const auto& [areCovered, parts, endings] : decided) {
+            keys.push_back(Json::array({areCovered, parts, endings}));
+            for (const auto& ending : endings) {
+                if (areCovered)
+                    ++(own.contains(std::string(parameter) + ending) ? covered.own
+                                                                     : covered.unknown);
+            }
+        }
+        Json whole{{"own", covered.own}, {"unknown", covered.unknown}, {"keys", std::move(keys)}};
+        const auto [number, isNew] =
+            decisionNumbers_.add(whole.dump(-1, ' ', false, Json::error_handler_t::replace));
+        if (isNew)
+            decisions_.push_back(std::move(whole));
+        return number;
+    }
+
+    const Definitions& definitions_;
+    const CoverageMatrix& matrix_;
+    std::span<const std::size_t> parameters_;
+    Json variants_ = Json::array();
+    Json shown_ = Json::array();
+    Json presets_ = Json::array();
+    Json decisions_ = Json::array();
+    Numbering decisionNumbers_;
+    Json texts_ = Json::array();
+    Numbering textNumbers_;
+};
+
+} // namespace
+
+Json pageData(const Definitions& definitions, const CoverageMatrix& matrix,
+              std::span<const std::size_t> parameters) {
+    return PageData(definitions, matrix, parameters).take();
+}
+
+} // namespace morvane::ctl
