@@ -83,10 +83,22 @@ class Browser:
             self.events.append(self._next_message())
 
     def evaluate(self, expression):
-        """The value of a JavaScript expression in the page; it must be one that JSON can hold."""
-        result = self._tell("Runtime.evaluate", expression=expression, returnByValue=True)
+        """The value of a JavaScript expression in the page, or what its promise gives; it must be
+        one that JSON can hold."""
+        result = self._tell("Runtime.evaluate", expression=expression, returnByValue=True,
+                            awaitPromise=True)
         assert "exceptionDetails" not in result, result
         return result["result"].get("value")
+
+    def press(self, key):
+        """Presses and releases a key, named as in a KeyboardEvent."""
+        codes = {"Tab": 9, "Enter": 13, "Escape": 27, "PageUp": 33, "PageDown": 34, "End": 35,
+                 "Home": 36, "ArrowLeft": 37, "ArrowUp": 38, "ArrowRight": 39, "ArrowDown": 40}
+        text = "\r" if key == "Enter" else key if len(key) == 1 else ""
+        for kind in ("keyDown", "keyUp"):
+            self._tell("Input.dispatchKeyEvent", type=kind, key=key,
+                       windowsVirtualKeyCode=codes.get(key, 0), text=text if kind == "keyDown"
+                       else "")
 
     def complaints(self):
         """What the browser has reported about the page since it was opened."""

@@ -1,4 +1,4 @@
-"""morvanectl matrix: what the presets cover, in a pipe, on a terminal, as CSV and as JSON."""
+"""morvanectl matrix: what the presets cover, in a pipe, on a terminal, as CSV, JSON and a page."""
 
 import csv
 import json
@@ -200,6 +200,66 @@ def test_warns_once_of_names_that_nothing_gives(folder):
         YES, tabbed("parameter access variants keys all first\ngain rw all 0 - -\n"),
         "morvanectl: warning: nothing gives a value to inputs, which p uses; describe the device "
         "with --system or --variant\n")
+
+
+# As a page; tests/browser opens it.
+
+def data_of(page):
+    """What stands between the marks of the data, and nothing else of the page."""
+    return json.loads(page.partition('<script type="application/json" id="data">')[2]
+                      .partition("</script>")[0])
+
+
+def test_writes_a_page_that_needs_nothing_else(folder):
+    assert run(folder, "matrix", "--all-variants", "--html", "page") == (YES, "", "")
+    page = (folder / "page").read_text()
+    assert page.startswith("<!DOCTYPE html>\n") and page.endswith("</html>\n")
+    assert re.findall(r"(?:src|href|url|import)\s*[=(]\s*[^,>]*", page) == ['href="data:']
+    assert "@" not in re.sub(r"@media", "", page)
+    data = data_of(page)
+    assert data["files"] == {"parameters": "p", "presets": "d"}
+    assert [preset["name"] for preset in data["presets"]] == ["all", "first", "second"]
+    assert [parameter["definition"] for parameter in data["parameters"]] == [
+        line for line in sorted(PARAMETERS.splitlines()) if " index { range" not in line
+        and " wo " not in line]
+
+
+def test_shows_on_the_page_what_is_asked_for(folder):
+    assert run(folder, "matrix", "--all-variants", "--only-differences", "--for", "second",
+               "--html", "page") == (YES, "", "")
+    data = data_of((folder / "page").read_text())
+    assert [parameter["name"] for parameter in data["parameters"]] == ["gain"]
+    assert [preset["name"] for preset in data["presets"]] == ["second"]
+
+
+def test_no_name_ends_the_data_of_a_page(folder):
+    name = "</script><!--<script>"
+    (folder / "variants").write_text(f"{name}: inputs=1 model=field\n")
+    assert run(folder, "matrix", "--all-variants", "--html", "page") == (YES, "", "")
+    page = (folder / "page").read_text()
+    assert data_of(page)["variants"][0]["name"] == name and name not in page
+
+
+@pytest.mark.parametrize("file, problem", [
+    ("nowhere/page", "No such file or directory"), (".", "Is a directory"),
+    ("/dev/full", "No space left on device")])
+def test_says_why_a_page_cannot_be_written(folder, file, problem):
+    assert run(folder, "matrix", "--variant", "studio", "--html", file) == (
+        ERROR, "", f"morvanectl: cannot write {file}: {problem}\n")
+
+
+def test_writes_no_page_that_is_too_big_for_a_browser(folder):
+    (folder / "p").write_text("input index {\n" + "".join(
+        f'rangeValid {{ "{"x" * 450}{number}" }}\n' for number in range(220)) + "}\n"
+        "gain rw { index { input } }\nmode rw { }\n")
+    (folder / "d").write_text("".join(
+        f"s{number} preset {{ exclude rw {{ gain {{ index {{ input {{\n"
+        f"{'x' * 450}{number} }} }} }} }} }}\n" for number in range(220)))
+    assert run(folder, "matrix", "--html", "page") == (
+        ERROR, "", "morvanectl: the page would have 22 MB, of which a browser takes 20; show less "
+        "of it with --for or --only\n")
+    assert not (folder / "page").exists()
+    assert run(folder, "matrix", "--html", "page", "--only", "mode") == (YES, "", "")
 
 
 # On a terminal.

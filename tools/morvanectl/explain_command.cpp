@@ -194,22 +194,10 @@ private:
             if (!keys.contains(settings_.key))
                 continue;
             any = true;
-            const auto& part = reasons.parts()[number];
-            add(settings_.presetDefFile, part.line,
-                std::string(includes ? "added by the include list: "
-                                     : "taken away by the exclude list: ") +
-                    part.text);
+            add(settings_.presetDefFile, reasons.parts()[number].line, reasons.textOf(number));
         }
         if (!any)
-            lines_.emplace_back(whyNothingDecides(includes, reasons));
-    }
-
-    static const char* whyNothingDecides(bool includes, const PresetReasons& reasons) {
-        if (!includes)
-            return "no exclude list takes it away";
-        return reasons.includesAll() ? "an include list has all, which adds the values that the "
-                                       "indices have, and no others"
-                                     : "no include list adds it";
+            lines_.emplace_back(reasons.textOfNone(includes));
     }
 
     const Settings& settings_;

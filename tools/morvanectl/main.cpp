@@ -335,6 +335,10 @@ private:
                        "Show the parameters that a preset covers differently on some variant")
             ->needs(all);
         matrix->add_flag("--csv", settings_.csv, "Write comma-separated values");
+        matrix
+            ->add_option("--html", settings_.html,
+                         "Write a page for a browser, with the reasons for every key")
+            ->type_name("FILE");
     }
 
     void addDataFileCommands() {

@@ -3,6 +3,7 @@
 #include "commands.h"
 #include "condition_text.h"
 #include "coverage_matrix.h"
+#include "matrix_page.h"
 #include "matrix_table.h"
 #include "output.h"
 #include "variant.h"
@@ -121,6 +122,8 @@ ExitStatus showMatrix(const Settings& settings) {
     if (!hasContent(settings, matrix))
         return ExitStatus::error;
     const auto parameters = shownParameters(matrix, settings.onlyDifferences);
+    if (!settings.html.empty())
+        return writePage(settings, device->definitions, matrix, parameters);
     if (settings.csv || settings.json)
         writeRecords(matrix, parameters, settings.csv);
     else

@@ -69,6 +69,28 @@ std::vector<NamedCondition> conditionsOf(const SystemParameter& parameter) {
     return conditions;
 }
 
+// From the line of the name to the one in which its first block ends.
+std::string definitionOf(const SystemParameter& parameter, const SourceText& source) {
+    std::string text;
+    int depth = 0;
+    bool isQuoted = false;
+    bool isOpen = false;
+    for (auto number = parameter.line; !isOpen || depth > 0 || isQuoted; ++number) {
+        const auto line = source.line(number);
+        if (!line)
+            break;
+        text += *line;
+        if (line->starts_with('#'))
+            continue;
+        for (const char c : *line) {
+            isQuoted = isQuoted != (c == '"');
+            depth += !isQuoted && c == '{' ? 1 : !isQuoted && c == '}' ? -1 : 0;
+            isOpen = isOpen || depth > 0;
+        }
+    }
+    return text.substr(0, text.find_last_not_of("\r\n") + 1);
+}
+
 /// Gathers the value, one variant after the other.
 class PageData {
 public:
@@ -109,14 +131,16 @@ private:
                 differing.push_back(number);
             ++number;
         }
-        shown_.push_back({{"name", row.definition->name},
-                          {"access", keywordOf(row.definition->access)},
-                          {"line", row.definition->line},
-                          {"indices", std::move(indices)},
-                          {"keys", std::move(keys)},
-                          {"groups", Json::array()},
-                          {"conditions", conditions(*row.definition)},
-                          {"differing", std::move(differing)}});
+        shown_.push_back(
+            {{"name", row.definition->name},
+             {"access", keywordOf(row.definition->access)},
+             {"line", row.definition->line},
+             {"definition", definitionOf(*row.definition, definitions_.parameters.text())},
+             {"indices", std::move(indices)},
+             {"keys", std::move(keys)},
+             {"groups", Json::array()},
+             {"conditions", conditions(*row.definition)},
+             {"differing", std::move(differing)}});
     }
 
     Json conditions(const SystemParameter& parameter) {
@@ -173,8 +197,8 @@ private:
                   const std::vector<std::optional<std::size_t>>& groups) {
         PresetReasons reasons(definition, manager);
         Json parts = Json::array();
-        for (const auto& part : reasons.parts())
-            parts.push_back({{"line", part.line}, {"text", part.text}});
+        for (std::size_t part = 0; part < reasons.parts().size(); ++part)
+            parts.push_back({{"line", reasons.parts()[part].line}, {"text", reasons.textOf(part)}});
         std::map<std::size_t, std::size_t> ofGroup;
         Json items = Json::object();
         for (std::size_t i = 0; i < parameters_.size(); ++i) {
@@ -191,6 +215,9 @@ private:
             byGroup[std::to_string(group)] = number;
         return {{"line", definition.line},
                 {"parts", std::move(parts)},
+                {"none",
+                 {{"ro", reasons.textOfNone(/*isReadOnly=*/true)},
+                  {"rw", reasons.textOfNone(/*isReadOnly=*/false)}}},
                 {"groups", std::move(byGroup)},
                 {"items", std::move(items)}};
     }

@@ -15,13 +15,16 @@ namespace morvane::ctl {
 /// stands there once, so that a hundred presets of ten thousand parameters take a few megabytes.
 ///
 ///     variants    [{name, arguments}]
-///     parameters  [{name, access, line, indices, keys, groups, conditions, differing}]
+///     parameters  [{name, access, line, definition, indices, keys, groups, conditions,
+///                   differing}]
+///                 definition: the lines from the name to the end of its first block
 ///                 keys: by variant, how many it has, or null where it does not exist
 ///                 groups: by variant, the number of those with the same indices, or null
 ///                 conditions: [{line, outcomes}], where outcomes are by variant numbers of texts
 ///                 differing: the numbers of the presets that cover it differently on some variant
 ///     presets     [{name, on}], where on is, by variant, null if the preset covers no key, or
-///                 {line, parts: [{line, text}], groups, items}
+///                 {line, parts: [{line, text}], none, groups, items}
+///                 none: what stands for no part, of read-only and of other parameters, {ro, rw}
 ///                 groups: by the number of a group, the number of a decision
 ///                 items: the same by the number of a parameter; stands for those that have one
 ///     decisions   [{own, unknown, keys: [[covered, [part, ...], [ending, ...]], ...]}]

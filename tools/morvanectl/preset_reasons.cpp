@@ -32,6 +32,20 @@ PresetReasons::PresetReasons(const PresetDefinition& preset, const PresetManager
         items_.insert(part.item);
 }
 
+std::string PresetReasons::textOf(std::size_t part) const {
+    return (parts_[part].kind == Kind::include ? "added by the include list: "
+                                               : "taken away by the exclude list: ") +
+           parts_[part].text;
+}
+
+const char* PresetReasons::textOfNone(bool isReadOnly) const {
+    if (!isReadOnly)
+        return "no exclude list takes it away";
+    return includedAll_ < parts_.size() ? "an include list has all, which adds the values that the "
+                                          "indices have, and no others"
+                                        : "no include list adds it";
+}
+
 // Of a list that includes all, nothing else counts, nor do the lists after it: not even index
 // values that the index does not have. What stands before it counts.
 std::vector<PartSelection> PresetReasons::selectionsOf(std::string_view parameter) const {

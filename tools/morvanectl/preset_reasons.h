@@ -42,8 +42,11 @@ public:
     /// names have the same reasons.
     bool hasItem(std::string_view parameter) const;
 
-    /// Whether an include list has "all".
-    bool includesAll() const { return includedAll_ < parts_.size(); }
+    /// What a part does with the keys that it selects.
+    std::string textOf(std::size_t part) const;
+
+    /// Why a parameter's keys about which no part decides are covered, or not.
+    const char* textOfNone(bool isReadOnly) const;
 
     /// What decides about a parameter that the variant has, in the order of the parts. Parts that
     /// select nothing of it are left out.

@@ -87,13 +87,21 @@ TEST_F(PageDataTest, DescribesTheVariants) {
 // The presets are both, sound and status.
 TEST_F(PageDataTest, DescribesTheParameters) {
     EXPECT_EQ(device_.data()["parameters"], Json::parse(R"([
-        {"name": "gain", "access": "rw", "line": 2, "indices": ["input"], "keys": [1, 2],
+        {"name": "gain", "access": "rw", "line": 2,
+         "definition": "gain rw { index { input } }",
+         "indices": ["input"], "keys": [1, 2],
          "groups": [1, 1], "conditions": [], "differing": [0, 1]},
-        {"name": "label", "access": "rw", "line": 3, "indices": ["input"], "keys": [1, 2],
+        {"name": "label", "access": "rw", "line": 3,
+         "definition": "label rw { index { input } ctrlRO (gain == 1) }",
+         "indices": ["input"], "keys": [1, 2],
          "groups": [1, 1], "conditions": [{"line": 3, "outcomes": [0, 0]}], "differing": [0]},
-        {"name": "level", "access": "ro", "line": 4, "indices": ["input"], "keys": [1, 2],
+        {"name": "level", "access": "ro", "line": 4,
+         "definition": "level ro { index { input } }",
+         "indices": ["input"], "keys": [1, 2],
          "groups": [0, 0], "conditions": [], "differing": [1, 2]},
-        {"name": "mode", "access": "rw", "line": 5, "indices": [], "keys": [null, 1],
+        {"name": "mode", "access": "rw", "line": 5,
+         "definition": "mode rw { ctrlValid (inputs > 1) rangeValid (inputs == 2) { 1 } rangeValid { 0 } }",
+         "indices": [], "keys": [null, 1],
          "groups": [null, 2],
          "conditions": [{"line": 5, "outcomes": [1, 2]}, {"line": 5, "outcomes": [3, 4]}],
          "differing": [1]}])"));
@@ -107,8 +115,8 @@ TEST_F(PageDataTest, DescribesTheParameters) {
 
 TEST_F(PageDataTest, GivesReasonsForEveryKey) {
     EXPECT_EQ(device_.data()["presets"][1]["on"][1]["parts"], Json::parse(R"([
-        {"line": 2, "text": "item level, index clause on line 2"},
-        {"line": 3, "text": "item label"}])"));
+        {"line": 2, "text": "added by the include list: item level, index clause on line 2"},
+        {"line": 3, "text": "taken away by the exclude list: item label"}])"));
     constexpr std::size_t sound = 1;
     EXPECT_EQ(device_.cell(sound, 0, 1), Json::parse(R"(
         {"own": 2, "unknown": 0, "keys": [[true, [], ["[1]", "[2]"]]]})"));

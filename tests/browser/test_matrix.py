@@ -1,0 +1,229 @@
+"""The page of a matrix, in a browser: what it shows is what `explain` says. Run by
+scripts/check-manual, which keeps the pictures."""
+
+import json
+import os
+import subprocess
+from pathlib import Path
+
+import pytest
+from browser import Browser
+from harness import CTL, SOURCE
+
+PICTURES = Path(os.environ["MORVANE_PICTURES"])
+WINDOWS = {"desk": (1280, 900), "tablet": (800, 1000), "telephone": (360, 740)}  # in CSS pixels
+VARIANTS = ["field-eu", "field-us", "studio-eu", "studio-us"]
+CELLS = [("studio-us", "room", "matrixGain"), ("field-eu", "meters", "inputLevel"),
+         ("studio-us", "input1", "inputFormat"), ("field-us", "tone", "outputEqGain"),
+         ("studio-eu", "snapshot", "fanSpeed")]
+
+
+@pytest.fixture(scope="module")
+def browser(tmp_path_factory):
+    browser = Browser(tmp_path_factory.mktemp("chromium"))
+    yield browser
+    browser.close()
+
+
+def ctl(folder, *arguments):
+    return subprocess.run([*CTL, "-p", "parameters.def", "-d", "presets.def", *arguments],
+                          cwd=folder, capture_output=True, text=True, check=False)
+
+
+def page_of(folder, path, *options):
+    outcome = ctl(folder, "matrix", *options, "--html", str(path))
+    assert (outcome.returncode, outcome.stdout, outcome.stderr) == (0, "", "")
+    return path.as_uri()
+
+
+@pytest.fixture(scope="module")
+def page(tmp_path_factory):
+    return page_of(SOURCE / "examples", tmp_path_factory.mktemp("page") / "m.html",
+                   "--all-variants")
+
+
+def choose(browser, name, value):
+    """Gives a filter a value, as somebody who types or selects it."""
+    browser.evaluate(f"""(() => {{
+        const field = document.getElementById({json.dumps(name)});
+        field.type === 'checkbox' ? field.checked = {json.dumps(value)}
+                                  : field.value = {json.dumps(value)};
+        field.dispatchEvent(new Event('input', {{bubbles: true}}));
+    }})()""")
+
+
+def texts(browser, selector):
+    return browser.evaluate(
+        f"[...document.querySelectorAll({json.dumps(selector)})].map(e => e.textContent)")
+
+
+def shown(browser):
+    return texts(browser, "#rows tr:not(.space) th")
+
+
+def open_cell(browser, variant, preset, parameter):
+    number = VARIANTS.index(variant)
+    for name, value in (("search", parameter), ("preset", ""), ("variant", str(number))):
+        choose(browser, name, value)
+    column = texts(browser, "#names th").index(preset)
+    row = shown(browser).index(parameter)
+    browser.evaluate(f"document.querySelectorAll('#rows tr:not(.space)')[{row}]"
+                     f".children[{column}].querySelector('button').click()")
+
+
+@pytest.mark.parametrize("dark", [False, True])
+@pytest.mark.parametrize("window", WINDOWS)
+def test_fits_into_the_window(browser, page, window, dark):
+    width, height = WINDOWS[window]
+    for part in ("table", "cell"):
+        browser.open(page, width, height, dark=dark)
+        if part == "cell":
+            open_cell(browser, "studio-us", "room", "matrixGain")
+        browser.take_picture(PICTURES / f"matrix-{part}-{window}{'-dark' * dark}.png")
+        assert browser.evaluate("document.scrollingElement.scrollWidth") == width
+        assert browser.evaluate("document.getElementById('frame').clientHeight") > height / 3
+        assert browser.evaluate(
+            "document.getElementById('detail').getBoundingClientRect().right") <= width
+        assert browser.complaints() == []
+
+
+@pytest.mark.parametrize("variant, preset, parameter", CELLS)
+def test_says_of_every_key_what_explain_says(browser, page, variant, preset, parameter):
+    browser.open(page, *WINDOWS["desk"])
+    open_cell(browser, variant, preset, parameter)
+    sections = browser.evaluate("""[...document.querySelectorAll('#detail section')].map(
+        section => [section.dataset.covered,
+                    [...section.querySelectorAll('code')].map(key => key.textContent),
+                    [...section.querySelectorAll('li')].map(line => line.textContent)])""")
+    keys = [key for _, of_section, _ in sections for key in of_section]
+    listed = ctl(SOURCE / "examples", "keys", "snapshot" if parameter != "matrixGain" else
+                 "everything", "--variant", variant).stdout.split()
+    assert set(keys) >= {key for key in listed if key.split("[")[0] == parameter} != set()
+    for covered, of_section, reasons in sections:
+        for key in of_section:
+            explained = json.loads(ctl(SOURCE / "examples", "explain", preset, key, "--variant",
+                                       variant, "--json").stdout)
+            assert (covered == "true", reasons) == (
+                explained["covered"], explained["reasons"][-len(reasons):]), key
+    assert browser.complaints() == []
+
+
+def test_shows_the_definition_and_what_became_of_its_conditions(browser, page):
+    browser.open(page, *WINDOWS["desk"])
+    choose(browser, "variant", str(VARIANTS.index("studio-us")))
+    choose(browser, "search", "streamEnable")
+    browser.evaluate("document.querySelector('#rows tr:not(.space) th button').click()")
+    definition = texts(browser, "#detail pre")[0]
+    assert definition.startswith("streamEnable rw {\n    index { stream }\n")
+    assert definition.endswith("    default { 0 }\n}")
+    explained = json.loads(ctl(SOURCE / "examples", "explain", "everything", "streamEnable[1]",
+                               "--variant", "field-eu", "--json").stdout)["reasons"]
+    of_variants = texts(browser, "#detail ul")
+    assert len(of_variants) == 4
+    assert [reason for reason in explained if "ctrlValid" in reason] == browser.evaluate(
+        "[...document.querySelector('#detail ul').children].map(line => line.textContent)")
+    assert texts(browser, "#detail h3") == VARIANTS
+    assert browser.complaints() == []
+
+
+def test_filters_the_rows(browser, page):
+    browser.open(page, *WINDOWS["desk"])
+    table = ctl(SOURCE / "examples", "matrix", "--variant", "field-eu").stdout.splitlines()
+    names = [line.split("\t")[0] for line in table[1:]]
+    assert browser.evaluate("rows.map(number => data.parameters[number].name)") == names
+    choose(browser, "search", "OUTPUT")
+    assert shown(browser) == [name for name in names if "output" in name.lower()]
+    choose(browser, "access", "ro")
+    assert shown(browser) == ["outputLevel"]
+    choose(browser, "search", "")
+    choose(browser, "access", "")
+    choose(browser, "preset", str(browser.evaluate(
+        "data.presets.findIndex(preset => preset.name === 'room')")))
+    choose(browser, "extent", "some")
+    column = table[0].split("\t").index("room")
+    assert shown(browser) == [line.split("\t")[0] for line in table
+                              if line.split("\t")[column].startswith("~")]
+    choose(browser, "extent", "")
+    choose(browser, "preset", "")
+    choose(browser, "differing", True)
+    differing = ctl(SOURCE / "examples", "matrix", "--all-variants", "--only-differences").stdout
+    assert browser.evaluate("rows.map(number => data.parameters[number].name)") == list(
+        dict.fromkeys(line.split("\t")[0] for line in differing.splitlines()[1:]))
+
+
+def test_shows_the_numbers_of_the_table(browser, page):
+    browser.open(page, *WINDOWS["desk"])
+    browser.evaluate("window.dispatchEvent(new Event('beforeprint'))")  # which draws all rows
+    for variant in VARIANTS:
+        choose(browser, "variant", str(VARIANTS.index(variant)))
+        header, *lines = [line.split("\t") for line in ctl(
+            SOURCE / "examples", "matrix", "--variant", variant).stdout.splitlines()]
+        cells = browser.evaluate("""[...document.querySelectorAll('#rows tr:not(.space)')].map(
+            row => [...row.children].map(cell => cell.textContent.replace(' *', '')))""")
+        assert texts(browser, "#names th") == header
+        assert cells == [[*line[:3], *(cell.replace("-", "–").lstrip("+~") for cell in line[3:])]
+                         for line in lines]
+
+
+def test_is_usable_with_the_keyboard(browser, page):
+    browser.open(page, *WINDOWS["desk"])
+    browser.press("Tab")
+    assert browser.evaluate("document.activeElement.id") == "variant"
+    for _ in range(5):
+        browser.press("Tab")
+    assert browser.evaluate("document.activeElement.id") == "differing"
+    focused = "[document.activeElement.dataset.row, document.activeElement.dataset.column]"
+    browser.evaluate("document.querySelector('#rows button[tabindex=\"0\"]').focus()")
+    assert browser.evaluate(focused) == ["0", "0"]
+    for key in ("ArrowDown", "ArrowDown", "ArrowRight", "ArrowUp", "End", "ArrowLeft"):
+        browser.press(key)
+    assert browser.evaluate(focused) == ["1", "7"]
+    browser.press("Enter")
+    assert browser.evaluate("document.getElementById('detail').open")
+    assert texts(browser, "#detail-title") == ["batteryLevel in snapshot on field-eu"]
+    browser.press("Escape")
+    assert not browser.evaluate("document.getElementById('detail').open")
+    assert browser.evaluate(focused) == ["1", "7"]
+    for _ in range(20):
+        browser.press("PageDown")
+    last = browser.evaluate("String(rows.length - 1)")
+    assert browser.evaluate(focused) == [last, "7"]
+    box = browser.evaluate("""(() => { const {top, bottom} =
+        document.activeElement.getBoundingClientRect(); return [top, innerHeight - bottom]; })()""")
+    assert min(box) >= 0
+    browser.press("/")
+    assert browser.evaluate("document.activeElement.id") == "search"
+    assert browser.complaints() == []
+
+
+def scroll_to(browser, top):
+    """@return where that has led to, when the next frames have been drawn."""
+    browser.evaluate(f"document.getElementById('frame').scrollTop = {top}")
+    for _ in range(2):
+        browser.evaluate("new Promise(done => requestAnimationFrame(() => setTimeout(done)))")
+    return browser.evaluate("document.getElementById('frame').scrollTop")
+
+
+def test_draws_only_the_rows_in_view(browser, tmp_path):
+    count = 3000
+    (tmp_path / "parameters.def").write_text("input index { rangeValid { 1..4 } }\n" + "".join(
+        f"p{number:04} rw {{ index {{ input }} }}\n" for number in range(count)))
+    (tmp_path / "presets.def").write_text("".join(
+        f"s{number:02} preset {{ exclude rw {{ p{number:04} }} }}\n" for number in range(40)))
+    browser.open(page_of(tmp_path, tmp_path / "m.html"), *WINDOWS["desk"])
+    for top in (5 * 28, 15 * 28, 18 * 28, 1400 * 28, 1385 * 28):
+        assert scroll_to(browser, top) == top
+        assert browser.evaluate("[180, innerHeight - 1].map("
+                                "y => document.elementFromPoint(20, y).closest('tr').className)"
+                                ) == ["", ""]
+    scroll_to(browser, 1e9)
+    names = shown(browser)
+    assert names[-1] == f"p{count - 1:04}" and len(names) < 100
+    bottom, end = browser.evaluate(
+        "[[...document.querySelectorAll('#rows tr:not(.space)')].at(-1).getBoundingClientRect()"
+        ".bottom, document.getElementById('frame').getBoundingClientRect().bottom]")
+    assert -1 < end - bottom < 28  # it is scrolled by whole pixels, to before the next row
+    browser.evaluate("window.dispatchEvent(new Event('beforeprint'))")
+    assert len(shown(browser)) == count
+    browser.evaluate("window.dispatchEvent(new Event('afterprint'))")
+    assert len(shown(browser)) < 100
