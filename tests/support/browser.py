@@ -110,3 +110,8 @@ class Browser:
         """Writes the whole page, not only what the window shows, to a PNG file."""
         picture = self._tell("Page.captureScreenshot", captureBeyondViewport=True)
         path.write_bytes(base64.b64decode(picture["data"]))
+
+    def print_page(self, path):
+        """Prints the page to a PDF file, on the paper that it asks for."""
+        printed = self._tell("Page.printToPDF", preferCSSPageSize=True, printBackground=True)
+        path.write_bytes(base64.b64decode(printed["data"]))

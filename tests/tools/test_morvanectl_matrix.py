@@ -215,11 +215,11 @@ def test_writes_a_page_that_needs_nothing_else(folder):
     page = (folder / "page").read_text()
     assert page.startswith("<!DOCTYPE html>\n") and page.endswith("</html>\n")
     assert re.findall(r"(?:src|href|url|import)\s*[=(]\s*[^,>]*", page) == ['href="data:']
-    assert "@" not in re.sub(r"@media", "", page)
+    assert "@" not in re.sub(r"@(media|page)\b", "", page)
     data = data_of(page)
     assert data["files"] == {"parameters": "p", "presets": "d"}
     assert [preset["name"] for preset in data["presets"]] == ["all", "first", "second"]
-    assert [parameter["definition"] for parameter in data["parameters"]] == [
+    assert [parameter["blocks"][0]["text"] for parameter in data["parameters"]] == [
         line for line in sorted(PARAMETERS.splitlines()) if " index { range" not in line
         and " wo " not in line]
 

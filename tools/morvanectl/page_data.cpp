@@ -1,5 +1,6 @@
 #include "page_data.h"
 
+#include "block_lines.h"
 #include "condition_text.h"
 #include "core/preset_manager.h"
 #include "preset_reasons.h"
@@ -69,28 +70,6 @@ std::vector<NamedCondition> conditionsOf(const SystemParameter& parameter) {
     return conditions;
 }
 
-// From the line of the name to the one in which its first block ends.
-std::string definitionOf(const SystemParameter& parameter, const SourceText& source) {
-    std::string text;
-    int depth = 0;
-    bool isQuoted = false;
-    bool isOpen = false;
-    for (auto number = parameter.line; !isOpen || depth > 0 || isQuoted; ++number) {
-        const auto line = source.line(number);
-        if (!line)
-            break;
-        text += *line;
-        if (line->starts_with('#'))
-            continue;
-        for (const char c : *line) {
-            isQuoted = isQuoted != (c == '"');
-            depth += !isQuoted && c == '{' ? 1 : !isQuoted && c == '}' ? -1 : 0;
-            isOpen = isOpen || depth > 0;
-        }
-    }
-    return text.substr(0, text.find_last_not_of("\r\n") + 1);
-}
-
 /// Gathers the value, one variant after the other.
 class PageData {
 public:
@@ -98,7 +77,8 @@ public:
              std::span<const std::size_t> parameters)
         : definitions_(definitions),
           matrix_(matrix),
-          parameters_(parameters) {
+          parameters_(parameters),
+          lines_(blockLines(definitions.parameters.text())) {
         for (const auto parameter : parameters)
             addParameter(parameter);
         for (const auto& [name, column] : matrix.presets)
@@ -108,11 +88,9 @@ public:
     }
 
     Json take() {
-        return {{"variants", std::move(variants_)},
-                {"parameters", std::move(shown_)},
-                {"presets", std::move(presets_)},
-                {"decisions", std::move(decisions_)},
-                {"texts", std::move(texts_)}};
+        return {{"variants", std::move(variants_)},   {"indices", std::move(indices_)},
+                {"parameters", std::move(shown_)},    {"presets", std::move(presets_)},
+                {"decisions", std::move(decisions_)}, {"texts", std::move(texts_)}};
     }
 
 private:
@@ -120,7 +98,7 @@ private:
         const auto& row = matrix_.parameters[parameter];
         Json indices = Json::array();
         for (const auto& index : row.definition->indices)
-            indices.push_back(index.indexName());
+            indices.push_back(indexNumber(std::string(index.indexName())));
         Json keys = Json::array();
         for (const auto& count : row.keys)
             keys.push_back(count ? Json(*count) : Json());
@@ -131,16 +109,37 @@ private:
                 differing.push_back(number);
             ++number;
         }
-        shown_.push_back(
-            {{"name", row.definition->name},
-             {"access", keywordOf(row.definition->access)},
-             {"line", row.definition->line},
-             {"definition", definitionOf(*row.definition, definitions_.parameters.text())},
-             {"indices", std::move(indices)},
-             {"keys", std::move(keys)},
-             {"groups", Json::array()},
-             {"conditions", conditions(*row.definition)},
-             {"differing", std::move(differing)}});
+        shown_.push_back({{"name", row.definition->name},
+                          {"access", keywordOf(row.definition->access)},
+                          {"blocks", blocks(row.definition->name)},
+                          {"indices", std::move(indices)},
+                          {"keys", std::move(keys)},
+                          {"groups", Json::array()},
+                          {"conditions", conditions(*row.definition)},
+                          {"differing", std::move(differing)}});
+    }
+
+    // The number of an index, which is added if it is new.
+    std::size_t indexNumber(const std::string& name) {
+        const auto [number, isNew] = indexNumbers_.add(name);
+        if (isNew) {
+            const auto* const index = definitions_.parameters.find(name);
+            indices_.push_back(
+                {{"name", name},
+                 {"blocks", blocks(name)},
+                 {"values", Json::array()},
+                 {"conditions", index == nullptr ? Json::array() : conditions(*index)}});
+        }
+        return number;
+    }
+
+    Json blocks(std::string_view name) const {
+        Json blocks = Json::array();
+        if (const auto found = lines_.find(name); found != lines_.end()) {
+            for (auto& [line, text] : excerpts(definitions_.parameters.text(), found->second))
+                blocks.push_back({{"line", line}, {"text", std::move(text)}});
+        }
+        return blocks;
     }
 
     Json conditions(const SystemParameter& parameter) {
@@ -167,6 +166,11 @@ private:
             arguments.push_back(std::string(name).append("=").append(value));
         variants_.push_back({{"name", variant.name}, {"arguments", std::move(arguments)}});
         const PresetManager manager(definitions_, variant.arguments);
+        for (auto& index : indices_) {
+            const auto found = manager.indices().find(index["name"].get_ref<const std::string&>());
+            index["values"].push_back(
+                found == manager.indices().end() ? Json() : Json(shortList(found->second)));
+        }
         const auto groups = groupsOn(manager);
         std::size_t number = 0;
         for (const auto& [name, column] : matrix_.presets) {
@@ -249,7 +253,10 @@ private:
     const Definitions& definitions_;
     const CoverageMatrix& matrix_;
     std::span<const std::size_t> parameters_;
+    BlockLines lines_;
     Json variants_ = Json::array();
+    Json indices_ = Json::array();
+    Numbering indexNumbers_;
     Json shown_ = Json::array();
     Json presets_ = Json::array();
     Json decisions_ = Json::array();

@@ -15,9 +15,11 @@ namespace morvane::ctl {
 /// stands there once, so that a hundred presets of ten thousand parameters take a few megabytes.
 ///
 ///     variants    [{name, arguments}]
-///     parameters  [{name, access, line, definition, indices, keys, groups, conditions,
-///                   differing}]
-///                 definition: the lines from the name to the end of its first block
+///     indices     [{name, blocks, values, conditions}]
+///                 values: by variant, its values in words, or null where it does not exist
+///     parameters  [{name, access, blocks, indices, keys, groups, conditions, differing}]
+///                 blocks: [{line, text}], the lines that define it
+///                 indices: numbers of indices
 ///                 keys: by variant, how many it has, or null where it does not exist
 ///                 groups: by variant, the number of those with the same indices, or null
 ///                 conditions: [{line, outcomes}], where outcomes are by variant numbers of texts

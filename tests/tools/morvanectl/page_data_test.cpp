@@ -87,20 +87,20 @@ TEST_F(PageDataTest, DescribesTheVariants) {
 // The presets are both, sound and status.
 TEST_F(PageDataTest, DescribesTheParameters) {
     EXPECT_EQ(device_.data()["parameters"], Json::parse(R"([
-        {"name": "gain", "access": "rw", "line": 2,
-         "definition": "gain rw { index { input } }",
-         "indices": ["input"], "keys": [1, 2],
+        {"name": "gain", "access": "rw", "blocks": [{"line": 2, "text":
+           "gain rw { index { input } }"}],
+         "indices": [0], "keys": [1, 2],
          "groups": [1, 1], "conditions": [], "differing": [0, 1]},
-        {"name": "label", "access": "rw", "line": 3,
-         "definition": "label rw { index { input } ctrlRO (gain == 1) }",
-         "indices": ["input"], "keys": [1, 2],
+        {"name": "label", "access": "rw", "blocks": [{"line": 3, "text":
+           "label rw { index { input } ctrlRO (gain == 1) }"}],
+         "indices": [0], "keys": [1, 2],
          "groups": [1, 1], "conditions": [{"line": 3, "outcomes": [0, 0]}], "differing": [0]},
-        {"name": "level", "access": "ro", "line": 4,
-         "definition": "level ro { index { input } }",
-         "indices": ["input"], "keys": [1, 2],
+        {"name": "level", "access": "ro", "blocks": [{"line": 4, "text":
+           "level ro { index { input } }"}],
+         "indices": [0], "keys": [1, 2],
          "groups": [0, 0], "conditions": [], "differing": [1, 2]},
-        {"name": "mode", "access": "rw", "line": 5,
-         "definition": "mode rw { ctrlValid (inputs > 1) rangeValid (inputs == 2) { 1 } rangeValid { 0 } }",
+        {"name": "mode", "access": "rw", "blocks": [{"line": 5, "text":
+           "mode rw { ctrlValid (inputs > 1) rangeValid (inputs == 2) { 1 } rangeValid { 0 } }"}],
          "indices": [], "keys": [null, 1],
          "groups": [null, 2],
          "conditions": [{"line": 5, "outcomes": [1, 2]}, {"line": 5, "outcomes": [3, 4]}],
@@ -111,6 +111,26 @@ TEST_F(PageDataTest, DescribesTheParameters) {
         "ctrlValid (inputs > 1) holds (inputs is 2)",
         "rangeValid (inputs == 2) does not hold (inputs is 1)",
         "rangeValid (inputs == 2) holds (inputs is 2)"])json"));
+}
+
+TEST_F(PageDataTest, DescribesTheIndices) {
+    EXPECT_EQ(device_.data()["indices"], Json::parse(R"([
+        {"name": "input", "blocks": [{"line": 1, "text": "input index { rangeValid { 1..(inputs) } }"}],
+         "values": ["1", "1, 2"], "conditions": []}])"));
+}
+
+// An index that nobody defines and one that does not exist: no key, but something to show.
+TEST(PageData, DescribesIndicesThatAreNotThere) {
+    const test::TempFolder folder;
+    folder.write("parameters.def", "bus index { ctrlValid (inputs > 4) rangeValid { 1 } }\n"
+                                   "gain rw { index { bus } index { nothing } }\nmode rw { }\n");
+    folder.write("presets.def", "sound preset { }\n");
+    folder.write("variants", "one: inputs=1\n");
+    EXPECT_EQ(Device(folder.path("")).data()["indices"], Json::parse(R"([
+        {"name": "bus", "blocks": [{"line": 1,
+           "text": "bus index { ctrlValid (inputs > 4) rangeValid { 1 } }"}],
+         "values": [null], "conditions": [{"line": 1, "outcomes": [0]}]},
+        {"name": "nothing", "blocks": [], "values": [null], "conditions": []}])"));
 }
 
 TEST_F(PageDataTest, GivesReasonsForEveryKey) {

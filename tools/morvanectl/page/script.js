@@ -11,7 +11,6 @@ const margin = 10; // rows that are drawn above and below those in view
 let rows = [];     // numbers of the parameters that pass the filters
 let columns = [];  // numbers of the presets that are shown
 let drawn = new Map(); // the rows that are in the table, by their places
-let isPrinting = false;
 let focus = {row: 0, column: 0}; // the cell that has the keyboard; column 0 is the parameter
 
 function node(name, text = "", className = "") {
@@ -110,14 +109,13 @@ function space(height) {
     return row;
 }
 
-function button(text, label, place) {
-    const made = node("button", text);
-    made.type = "button";
-    made.setAttribute("aria-label", label);
-    made.dataset.row = place.row;
-    made.dataset.column = place.column;
-    made.tabIndex = place.row === focus.row && place.column === focus.column ? 0 : -1;
-    return made;
+// Makes a cell one that opens something.
+function opens(cell, label, place) {
+    cell.setAttribute("aria-label", label);
+    cell.dataset.row = place.row;
+    cell.dataset.column = place.column;
+    cell.tabIndex = place.row === focus.row && place.column === focus.column ? 0 : -1;
+    return cell;
 }
 
 function rowOf(place) {
@@ -125,19 +123,17 @@ function rowOf(place) {
     const count = keys[variant()];
     const row = node("tr");
     row.setAttribute("aria-rowindex", place + 2);
-    const head = node("th");
+    const head = opens(node("th", name), `${name}: definition`, {row: place, column: 0});
     head.scope = "row";
-    head.append(button(name, `${name}: definition`, {row: place, column: 0}));
     head.title = name;
     row.append(head, node("td", access), node("td", count === null ? "–" : `${count}`));
     columns.forEach((preset, column) => {
         const decision = decisionOf(rows[place], preset, variant());
         const unknown = decision && decision.unknown > 0;
-        const cell = node("td", "", unknown ? "unknown" : extentOf(decision, count));
         const text = cellText(decision, count) + (differing.includes(preset) ? " *" : "");
-        cell.append(button(text, `${name} in ${data.presets[preset].name}: ${text}`,
-                           {row: place, column: column + 1}));
-        row.append(cell);
+        const cell = node("td", text, unknown ? "unknown" : extentOf(decision, count));
+        row.append(opens(cell, `${name} in ${data.presets[preset].name}: ${text}`,
+                         {row: place, column: column + 1}));
     });
     return row;
 }
@@ -147,10 +143,10 @@ function draw() {
     const height = rowHeight();
     const top = Math.floor(frame.scrollTop / height);
     const bottom = Math.min(rows.length, top + Math.ceil(frame.clientHeight / height));
-    const begin = isPrinting ? 0 : Math.max(0, top - margin);
-    const end = isPrinting ? rows.length : Math.min(rows.length, bottom + margin);
+    const begin = Math.max(0, top - margin);
+    const end = Math.min(rows.length, bottom + margin);
     const isDrawn = drawn.size > 0 && drawn.has(Math.min(top, rows.length - 1)) && drawn.has(bottom - 1);
-    if (isDrawn && (isPrinting ? drawn.size === rows.length : drawn.size < 4 * (end - begin)))
+    if (isDrawn && drawn.size < 4 * (end - begin))
         return;
     const hadFocus = element("rows").contains(document.activeElement);
     const scrolled = frame.scrollTop;
@@ -171,7 +167,7 @@ function draw() {
 }
 
 const focused = () => element("rows").querySelector(
-    `button[data-row="${focus.row}"][data-column="${focus.column}"]`);
+    `[data-row="${focus.row}"][data-column="${focus.column}"]`);
 
 function moveFocus(row, column) {
     const before = focused();
@@ -238,19 +234,79 @@ function showCell(parameter, preset) {
     showDetail(title, ...content);
 }
 
+function variantName(on) {
+    const {name, arguments: given} = data.variants[on];
+    return name || given.join(" ") || "this device";
+}
+
 const onVariant = on => data.variants[on].name ? ` on ${data.variants[on].name}` : "";
 
+// A parameter, or one of its indices: its blocks, and by variant what it comes to there.
+function definitionOf({blocks, conditions}, textOn) {
+    return [
+        ...blocks.flatMap(({line, text}) => [node("p", `${data.files.parameters}:${line}`),
+                                             node("pre", text)]),
+        ...data.variants.flatMap((_, on) => [
+            node("p", `${variantName(on)}: ${textOn(on)}`, "on"),
+            list(conditions.map(({line, outcomes}) =>
+                `${data.files.parameters}:${line}: ${data.texts[outcomes[on]]}`)),
+        ]),
+    ];
+}
+
 function showParameter(parameter) {
-    const {name, access, line, indices, keys, conditions, definition} = data.parameters[parameter];
-    const content = [node("p", `${data.files.parameters}:${line}`), node("pre", definition)];
-    data.variants.forEach((described, on) => {
-        const outcomes = conditions.map(
-            condition => `${data.files.parameters}:${condition.line}: ${data.texts[condition.outcomes[on]]}`);
-        content.push(node("h3", described.name || described.arguments.join(" ") || "This device"),
-                     node("p", keys[on] === null ? "It does not exist." : `Keys: ${keys[on]}.`),
-                     list(outcomes));
+    const shown = data.parameters[parameter];
+    const indices = shown.indices.map(number => data.indices[number]);
+    showDetail(
+        `${shown.name} (${[shown.access, ...indices.map(({name}) => name)].join(", ")})`,
+        ...definitionOf(shown, on => shown.keys[on] === null ? "it does not exist."
+                                                             : `it has ${shown.keys[on]} keys.`),
+        ...[...new Set(indices)].flatMap(index => [
+            node("h3", `Index ${index.name}`),
+            ...definitionOf(index, on => index.values[on] === null
+                ? "it does not exist." : `its values are ${index.values[on] || "none"}.`),
+        ]));
+}
+
+// On paper
+
+const paperWidth = 110; // of a landscape page, in the size of its letters
+
+// Where the columns are cut so that each part fits on a page, as in a terminal.
+function columnCuts() {
+    const widthOf = longest => 0.65 * longest + 1;
+    const name = rows.reduce((most, row) => Math.max(most, data.parameters[row].name.length), 9);
+    const most = paperWidth - widthOf(name) - 2 * widthOf(8);
+    const cuts = [0];
+    let width = 0;
+    columns.forEach((preset, column) => {
+        const own = widthOf(Math.max(data.presets[preset].name.length, 8));
+        if (width > 0 && width + own > most) {
+            cuts.push(column);
+            width = 0;
+        }
+        width += own;
     });
-    showDetail(`${name} (${[access, ...indices].join(", ")})`, ...content);
+    return [...cuts, columns.length];
+}
+
+// Draws what the filters have left, all of it: what is out of view is not in the table.
+function drawPaper() {
+    const cuts = columnCuts();
+    const tables = cuts.slice(1).map((end, part) => {
+        const picked = cells => [...cells.slice(0, 3), ...cells.slice(3 + cuts[part], 3 + end)].map(
+            cell => cell.cloneNode(true));
+        const table = node("table");
+        table.createTHead().insertRow().append(...picked([...element("names").children]));
+        return {table, picked, body: table.createTBody()};
+    });
+    rows.forEach((_, place) => {
+        const cells = [...rowOf(place).children];
+        for (const {picked, body} of tables)
+            body.insertRow().append(...picked(cells));
+    });
+    const title = node("p", `${element("count").textContent}${onVariant(variant())}`);
+    element("paper").replaceChildren(title, ...tables.map(({table}) => table));
 }
 
 // Events
@@ -263,11 +319,10 @@ function open(place) {
 }
 
 element("rows").addEventListener("click", event => {
-    const cell = event.target.closest("th, td");
-    const target = cell && cell.querySelector("button");
-    if (!target)
+    const cell = event.target.closest("[data-row]");
+    if (!cell)
         return;
-    moveFocus(Number(target.dataset.row), Number(target.dataset.column));
+    moveFocus(Number(cell.dataset.row), Number(cell.dataset.column));
     open(focus);
 });
 
@@ -278,10 +333,14 @@ element("rows").addEventListener("keydown", event => {
         PageUp: [-page, 0], PageDown: [page, 0], Home: [0, -columns.length], End: [0, columns.length],
     };
     const step = steps[event.key];
-    if (!step)
+    const isOpening = event.key === "Enter" || event.key === " ";
+    if (!step && !isOpening)
         return;
     event.preventDefault();
-    moveFocus(focus.row + step[0], focus.column + step[1]);
+    if (isOpening)
+        open(focus);
+    else
+        moveFocus(focus.row + step[0], focus.column + step[1]);
 });
 
 document.addEventListener("keydown", event => {
@@ -295,11 +354,9 @@ frame.addEventListener("scroll", draw, {passive: true});
 window.addEventListener("resize", draw);
 element("filters").addEventListener("input", filter);
 element("filters").addEventListener("submit", event => event.preventDefault());
-window.addEventListener("beforeprint", () => { isPrinting = true; draw(); });
-window.addEventListener("afterprint", () => { isPrinting = false; draw(); });
+window.addEventListener("beforeprint", drawPaper);
+window.addEventListener("afterprint", () => element("paper").replaceChildren());
 
-data.variants.forEach(({name, arguments: given}, number) => {
-    element("variant").append(new Option(name || given.join(" ") || "this device", number));
-});
+data.variants.forEach((_, on) => element("variant").append(new Option(variantName(on), on)));
 data.presets.forEach(({name}, number) => element("preset").append(new Option(name, number)));
 filter();
