@@ -3,7 +3,8 @@
     python3 html_manual.py FOLDER VERSION FILE...
 
 FOLDER gets NAME.SECTION.html for each manual page NAME.SECTION, NAME.html for each guide NAME.md,
-index.html, in the order of the FILEs, and the style sheet. Needs mandoc and python3-markdown.
+index.html, in the order of the FILEs, and the style sheet. A FILE that is HTML is there already and
+only gets links to it. Needs mandoc and python3-markdown.
 """
 
 import html
@@ -75,6 +76,11 @@ def guide(file):
     return Page(f"{file.stem}.html", [f"docs/{file.name}", file.name], text_of(title), body)
 
 
+def finished_page(file):
+    title = re.search("<title>(.*?)</title>", file.read_text(encoding="utf-8"))[1]
+    return Page(file.name, [file.name], title, "")
+
+
 def with_links(page, pages):
     """The page's body in which names of other pages, outside of links and examples, are links."""
     targets = {html.escape(name): other.target for other in pages for name in other.names
@@ -94,31 +100,34 @@ def contents(body):
     return f"<ul>\n{items}</ul>\n" if items else ""
 
 
-def index(pages):
+def index(pages, examples):
     def entry(page):
         description = f"\n<dd>{page.description}</dd>" if page.description else ""
         return f'<dt><a href="{page.target}">{page.title}</a></dt>{description}\n'
 
     groups = (("Guides", [page for page in pages if not page.description]),
-              ("Manual pages", [page for page in pages if page.description]))
+              ("Manual pages", [page for page in pages if page.description]),
+              ("The example device", examples))
     return "".join(f"<h2>{title}</h2>\n<dl>\n{''.join(map(entry, group))}</dl>\n"
-                   for title, group in groups)
+                   for title, group in groups if group)
 
 
 def main():
     folder, version, *files = sys.argv[1:]
     folder = Path(folder)
+    files = [Path(file) for file in files]
+    examples = [finished_page(file) for file in files if file.suffix == ".html"]
     pages = [guide(file) if file.suffix == ".md" else manual_page(file)
-             for file in map(Path, files)]
+             for file in files if file.suffix != ".html"]
     folder.mkdir(parents=True, exist_ok=True)
     for page in pages:
         navigation = f'<nav aria-label="Contents">\n{WAY_BACK}{contents(page.body)}</nav>\n'
         (folder / page.target).write_text(
-            TEMPLATE.format(title=page.title, navigation=navigation, body=with_links(page, pages)),
-            encoding="utf-8")
+            TEMPLATE.format(title=page.title, navigation=navigation,
+                            body=with_links(page, pages + examples)), encoding="utf-8")
     (folder / "index.html").write_text(
-        TEMPLATE.format(title=f"Manual of morvane {version}", navigation="", body=index(pages)),
-        encoding="utf-8")
+        TEMPLATE.format(title=f"Manual of morvane {version}", navigation="",
+                        body=index(pages, examples)), encoding="utf-8")
     shutil.copyfile(Path(__file__).with_name("style.css"), folder / "style.css")
 
 
