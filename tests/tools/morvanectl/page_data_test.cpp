@@ -156,6 +156,15 @@ TEST_F(PageDataTest, HasNothingOfAPresetThatCoversNoKey) {
         {"own": 1, "unknown": 0, "keys": [[false, [1], ["[1]"]], [true, [], ["[2]"]]]})"));
 }
 
+// Of presets with one name the first that covers a key is used.
+TEST(PageData, GivesTheReasonsOfThePresetThatIsUsed) {
+    const test::TempFolder folder;
+    folder.write("parameters.def", "mode rw { }\n");
+    folder.write("presets.def", "sound preset { exclude rw { all } }\nsound preset { }\n");
+    folder.write("variants", "one:\n");
+    EXPECT_EQ(Device(folder.path("")).data()["presets"][0]["on"][0]["line"], 2);
+}
+
 // Says of each key of a cell whether it is covered, and compares that with the preset.
 // @return the number of keys that are covered.
 std::size_t checkCell(const Json& cell, const std::string& parameter, bool isReadOnly,
