@@ -36,8 +36,9 @@ def vim(folder, file):
         start.mkdir(parents=True)
         (start / "morvane").symlink_to(EDITORS / "vim")
     (folder / "vimrc").write_text(
-        # Not what is installed on this machine.
-        "set nocompatible runtimepath=$VIMRUNTIME packpath=$PACKS\nfiletype on\nsyntax on\n")
+        # Not what is installed on this machine, but vim's own.
+        "set nocompatible runtimepath=$VIMRUNTIME packpath=$PACKS,$VIMRUNTIME\n"
+        "filetype on\nsyntax on\n")
     (folder / "script.vim").write_text(VIM_SCRIPT)
     output = folder / "output"
     result = subprocess.run(
@@ -189,8 +190,10 @@ def nano(file, rules):
     child, terminal = pty.fork()
     if child == 0:
         fcntl.ioctl(0, termios.TIOCSWINSZ, struct.pack("HHHH", screen.lines, screen.columns, 0, 0))
-        os.environ |= {"TERM": "xterm-256color", "LC_ALL": "C.UTF-8"}
-        os.execlp("nano", "nano", f"--rcfile={rules}", "--view", str(file))
+        # That of Python: in that of C, readline, which pytest imports, leaves the LINES and COLUMNS
+        # of another terminal.
+        environment = {**os.environ, "TERM": "xterm-256color", "LC_ALL": "C.UTF-8"}
+        os.execlpe("nano", "nano", f"--rcfile={rules}", "--view", str(file), environment)
     end, message = time.monotonic() + DEADLINE_SECONDS, None
     lines = set(file.read_text().splitlines())
     try:
