@@ -3,6 +3,7 @@ scripts/check-manual, which keeps the pictures."""
 
 import json
 import os
+import re
 import subprocess
 from pathlib import Path
 
@@ -93,18 +94,18 @@ def test_says_of_every_key_what_explain_says(browser, page, variant, preset, par
     browser.open(page, *WINDOWS["desk"])
     open_cell(browser, variant, preset, parameter)
     sections = browser.evaluate("""[...document.querySelectorAll('#detail section')].map(
-        section => [section.dataset.covered,
+        section => [section.dataset.standing,
                     [...section.querySelectorAll('code')].map(key => key.textContent),
                     [...section.querySelectorAll('li')].map(line => line.textContent)])""")
     keys = [key for _, of_section, _ in sections for key in of_section]
     listed = ctl(SOURCE / "examples", "keys", "snapshot" if parameter != "matrixGain" else
                  "everything", "--variant", variant).stdout.split()
     assert set(keys) >= {key for key in listed if key.split("[")[0] == parameter} != set()
-    for covered, of_section, reasons in sections:
+    for standing, of_section, reasons in sections:
         for key in of_section:
             explained = json.loads(ctl(SOURCE / "examples", "explain", preset, key, "--variant",
                                        variant, "--json").stdout)
-            assert (covered == "true", reasons) == (
+            assert (standing == "in", reasons) == (
                 explained["covered"], explained["reasons"][-len(reasons):]), key
     assert browser.complaints() == []
 
@@ -128,10 +129,9 @@ def test_shows_definitions_and_what_became_of_their_conditions(browser, page):
         keys = [key for key in ctl(SOURCE / "examples", "keys", "everything", "--variant",
                                    name).stdout.split() if key.startswith("streamEnable[")]
         values = [key[len("streamEnable["):-1] for key in keys]
-        assert on[number] == (f"{name}: it has {len(keys)} keys." if keys else
-                              f"{name}: it does not exist.")
+        assert on[number] == f"{name}: " + (f"{len(keys)} keys" if keys else "it does not exist")
         if keys:
-            assert on[4 + number] == f"{name}: its values are {', '.join(values)}."
+            assert on[4 + number] == f"{name}: values {', '.join(values)}"
         explained = json.loads(ctl(SOURCE / "examples", "explain", "everything",
                                    "streamEnable[1]", "--variant", name, "--json").stdout)
         assert outcomes[number] and outcomes[4 + number]
@@ -256,9 +256,11 @@ def test_prints_all_that_the_filters_have_left(browser, page, tmp_path, dark):
         SOURCE / "examples", "matrix", "--variant", "studio-us").stdout.splitlines()]
     expected = [[cell.replace("-", "–").lstrip("+~") for cell in line] for line in table[1:]
                 if "output" in line[0].lower()]
-    assert [line for line in words if "output" in " ".join(line).lower()] == expected
+    assert [line for line in words if len(line) == len(table[0]) and line != table[0]] == expected
     assert table[0] in words
-    assert f"{len(expected)} of 87 parameters, 9 presets on studio-us".split() in words
+    about = f"{len(expected)} of 87 parameters, 9 presets on studio-us ("
+    assert any(" ".join(line).startswith(about) for line in words)
+    assert any("; Parameter output" in " ".join(line) for line in words)
     assert texts(browser, "#paper *") == []
     assert browser.complaints() == []
 
@@ -273,3 +275,140 @@ def test_prints_columns_that_do_not_fit_below_each_other(browser, tmp_path):
              if line.split()[:1] == ["parameter"]]
     assert len(heads) > 1 and all(head[:3] == ["parameter", "access", "keys"] for head in heads)
     assert [name for head in heads for name in head[3:]] == presets
+
+
+@pytest.fixture(name="odd", scope="module")
+def page_of_an_odd_device(tmp_path_factory):
+    """What the example device does not have: unknown index values, no keys, no preset."""
+    folder = tmp_path_factory.mktemp("odd")
+    (folder / "parameters.def").write_text(
+        "input index { rangeValid (n == 1) { 1..3 } rangeValid (n == 2) { 1..4 } }\n"
+        "never index { ctrlValid (n > 2) rangeValid { 1 } }\n"
+        "level ro { index { input } }\nlost rw { index { never } }\n"
+        "mode rw { ctrlValid (n == 2) }\n" f"{'long' * 60} rw {{ }}\n")
+    (folder / "presets.def").write_text(
+        "sound preset { include ro { level { index { input { 2, 4 } } } } }\n"
+        f"modes preset {{ exclude rw {{ {'long' * 60} }} }}\n")
+    (folder / "variants").write_text("one: n=1\ntwo: n=2\n")
+    return page_of(folder, folder / "m.html", "--all-variants")
+
+
+def detail_of(browser, variant, preset, parameter):
+    """@return the texts of what a cell opens, element by element."""
+    choose(browser, "variant", variant)
+    choose(browser, "preset", preset)
+    place = shown(browser).index(parameter)
+    browser.evaluate(f"document.querySelectorAll('#rows tr:not(.space)')[{place}]"
+                     ".lastChild.click()")
+    return texts(browser, "#detail-body > *")
+
+
+def test_tells_keys_apart_that_do_not_exist(browser, odd):
+    browser.open(odd, *WINDOWS["desk"])
+    assert detail_of(browser, "0", "1", "level")[1:] == [
+        "Not in the preset: level[1] level[3] no include list adds it",
+        "In the preset: level[2] presets.def:1: added by the include list: item level, index "
+        "clause on line 1",
+        "In the preset, with an index value that does not exist: level[4] presets.def:1: added by "
+        "the include list: item level, index clause on line 1", "Definition of level"]
+    browser.evaluate("document.querySelector('#detail-body > button').click()")
+    assert texts(browser, "#detail-title") == ["level (ro, input)"]
+    assert browser.evaluate("document.activeElement.textContent") == "Close"
+    assert browser.complaints() == []
+
+
+def test_says_why_there_are_no_keys(browser, odd):
+    browser.open(odd, *WINDOWS["desk"])
+    assert detail_of(browser, "0", "1", "lost") == [
+        "presets.def:1: preset sound", "parameters.def:4", "lost rw { index { never } }",
+        "one: 0 keys", "", "Index never", "parameters.def:2",
+        "never index { ctrlValid (n > 2) rangeValid { 1 } }", "one: it does not exist",
+        "parameters.def:2: ctrlValid (n > 2) does not hold (n is 1)"]
+    choose(browser, "differing", True)
+    assert detail_of(browser, "0", "0", "mode") == [
+        "The lists of preset modes leave no key on this variant.", "parameters.def:5",
+        "mode rw { ctrlValid (n == 2) }", "one: it does not exist",
+        "parameters.def:5: ctrlValid (n == 2) does not hold (n is 1)"]
+    assert browser.complaints() == []
+
+
+def test_finds_what_no_preset_has(browser, odd):
+    browser.open(odd, *WINDOWS["desk"])
+    choose(browser, "variant", "1")
+    choose(browser, "extent", "none")
+    assert shown(browser) == ["lost"]
+    choose(browser, "preset", "0")
+    assert shown(browser) == ["level", "long" * 60, "lost"]
+    choose(browser, "search", "nothing of that name")
+    assert shown(browser) == [] and texts(browser, "#count")[0].startswith("0 of 4 parameters")
+    browser.press("Tab")
+    browser.press("ArrowDown")
+    assert browser.complaints() == []
+
+
+def test_a_long_name_leaves_room_for_the_others(browser, odd):
+    for window in WINDOWS.values():
+        browser.open(odd, *window)
+        assert browser.evaluate("document.querySelector('#rows th').getBoundingClientRect().width"
+                                ) <= 0.4 * window[0] + 1
+        assert browser.evaluate("document.querySelectorAll('#rows th')[1].title") == "long" * 60
+
+
+def test_compares_only_what_there_is_to_compare(browser, tmp_path):
+    (tmp_path / "parameters.def").write_text("gain rw { }\n")
+    (tmp_path / "presets.def").write_text("sound preset { }\n")
+    browser.open(page_of(tmp_path, tmp_path / "m.html", "-s", "n=1", "--only", "g*"),
+                 *WINDOWS["desk"])
+    assert texts(browser, "#about, #count") == [
+        "Of parameters.def and presets.def; only parameters that match g*",
+        "1 of 1 parameter, 1 preset on n=1"]
+    assert browser.evaluate("[...document.querySelectorAll('.comparing')].map("
+                            "only => only.getBoundingClientRect().width)") == [0, 0]
+    assert browser.complaints() == []
+
+
+def test_the_keyboard_goes_on_where_the_eye_is(browser, page):
+    browser.open(page, *WINDOWS["desk"])
+    for _ in range(5):
+        browser.evaluate("moveFocus(focus.row + 1, 3)")
+    scroll_to(browser, 40 * 28)
+    place, column = browser.evaluate("[focus.row, focus.column]")
+    assert place >= 40 and column == 3
+    assert browser.evaluate("document.activeElement.dataset.row") == str(place)
+    assert len(texts(browser, "#rows [tabindex='0']")) == 1
+    # Nothing that has the keyboard is below the first column.
+    for _ in range(12):
+        browser.press("ArrowRight")
+    for _ in range(12):
+        browser.press("ArrowLeft")
+        left, edge = browser.evaluate("""[document.activeElement.getBoundingClientRect().left,
+            document.querySelector('#names th').getBoundingClientRect().right]""")
+        assert left > edge - 1 or browser.evaluate("focus.column") == 0
+    assert browser.evaluate("""['ArrowLeft', 'Home'].map(key => document.activeElement
+        .dispatchEvent(new KeyboardEvent('keydown', {key, ctrlKey: true, bubbles: true,
+                                                     cancelable: true})))""") == [True, True]
+    assert browser.complaints() == []
+
+
+def test_shows_the_same_row_on_another_variant(browser, page):
+    browser.open(page, *WINDOWS["desk"])
+    choose(browser, "variant", str(VARIANTS.index("studio-us")))
+    browser.evaluate("""moveFocus(rows.findIndex(
+        number => data.parameters[number].name === 'outputGain'), 1)""")
+    before = browser.evaluate("""[rows[focus.row], focus.column,
+        Math.round(document.activeElement.getBoundingClientRect().top)]""")
+    choose(browser, "variant", str(VARIANTS.index("field-eu")))
+    after = browser.evaluate("""[rows[focus.row], focus.column,
+        Math.round(focused().getBoundingClientRect().top)]""")
+    assert before[:2] == after[:2] and abs(before[2] - after[2]) < 2
+    choose(browser, "search", "no such parameter")
+    choose(browser, "search", "")
+    assert browser.evaluate("[focus.row, document.getElementById('frame').scrollTop]") == [0, 0]
+
+
+def test_prints_no_more_than_a_browser_can(browser, page, tmp_path):
+    browser.open(page, *WINDOWS["desk"])
+    browser.evaluate("""rows = [].concat(...Array(400).fill(rows))""")
+    words = " ".join(printed(browser, tmp_path).split())
+    assert re.search(r"These are \d+ cells: choose at most 200000 with the filters before", words)
+    assert "alarmState" not in words

@@ -177,7 +177,11 @@ def test_sees_that_keys_differ_where_their_numbers_do_not(folder):
      "no ro, rostrict or rw parameter of this variant matches mode"),
     (["--all-variants", "--only", "trigger"],
      "no ro, rostrict or rw parameter of any of these variants matches trigger"),
-    (["--variant", "studio", "--csv", "--json"], "matrix takes one of --csv and --json"),
+    (["--variant", "studio", "--csv", "--json"], "matrix takes one of --csv, --html and --json"),
+    (["--variant", "studio", "--csv", "--html", "page"],
+     "matrix takes one of --csv, --html and --json"),
+    (["--variant", "studio", "--html", "page", "--json"],
+     "matrix takes one of --csv, --html and --json"),
     (["--all-variants", "--variants", "/dev/null"],
      "there are no named variants; see --variants, or give --all-variants system arguments with "
      "all their values"),
@@ -228,6 +232,7 @@ def test_shows_on_the_page_what_is_asked_for(folder):
     assert run(folder, "matrix", "--all-variants", "--only-differences", "--for", "second",
                "--html", "page") == (YES, "", "")
     data = data_of((folder / "page").read_text())
+    assert data["only"] == ["preset second", "what differs between variants"]
     assert [parameter["name"] for parameter in data["parameters"]] == ["gain"]
     assert [preset["name"] for preset in data["presets"]] == ["second"]
 
@@ -242,6 +247,7 @@ def test_no_name_ends_the_data_of_a_page(folder):
 
 @pytest.mark.parametrize("file, problem", [
     ("nowhere/page", "No such file or directory"), (".", "Is a directory"),
+    ("", "No such file or directory"),
     ("/dev/full", "No space left on device")])
 def test_says_why_a_page_cannot_be_written(folder, file, problem):
     assert run(folder, "matrix", "--variant", "studio", "--html", file) == (
@@ -256,7 +262,7 @@ def test_writes_no_page_that_is_too_big_for_a_browser(folder):
         f"s{number} preset {{ exclude rw {{ gain {{ index {{ input {{\n"
         f"{'x' * 450}{number} }} }} }} }} }}\n" for number in range(220)))
     assert run(folder, "matrix", "--html", "page") == (
-        ERROR, "", "morvanectl: the page would have 22 MB, of which a browser takes 20; show less "
+        ERROR, "", "morvanectl: the page would have 23 MB, and at most 20 are written; show less "
         "of it with --for or --only\n")
     assert not (folder / "page").exists()
     assert run(folder, "matrix", "--html", "page", "--only", "mode") == (YES, "", "")
@@ -385,6 +391,35 @@ def check_record(record, keys, variants):
     return len(covered)
 
 
+def check_page(folder, keys, variants, *axes):
+    """What the page has behind each of its cells."""
+    assert run(folder, "matrix", "--all-variants", *axes, "--html", "page")[:2] == (YES, "")
+    data = data_of((folder / "page").read_text())
+    for on, name in enumerate(variant["name"] for variant in data["variants"]):
+        for preset in data["presets"]:
+            there = preset["on"][on]
+            covered = keys.of(preset["name"], variants[name])
+            assert (there is None) == (not any(map(any, covered.values())))
+            decisions = there and {"items": dict(there["items"]), "groups": dict(there["groups"])}
+            for number, parameter in enumerate(data["parameters"]):
+                if there is None or parameter["groups"][on] is None:
+                    continue
+                decision = data["decisions"][decisions["items"].get(
+                    number, decisions["groups"].get(parameter["groups"][on]))]
+                check_cell(decision, parameter["name"], covered,
+                           keys.of("everything", variants[name]))
+
+
+def check_cell(decision, parameter, covered, existing):
+    of_standing = defaultdict(set)
+    for standing, _, endings in decision["keys"]:
+        of_standing[standing] |= {parameter + ending for ending in endings}
+    assert of_standing["in"] | of_standing["unknown"] == covered[parameter], parameter
+    assert of_standing["in"] | of_standing["out"] == existing[parameter], parameter
+    assert decision["own"] == len(of_standing["in"]), parameter
+    assert decision["unknown"] == len(of_standing["unknown"]), parameter
+
+
 def check_against_keys(folder, variants, *axes):
     """@param variants  options that describe a variant, by its name.
     @return the number of keys of all presets on all variants."""
@@ -393,6 +428,7 @@ def check_against_keys(folder, variants, *axes):
     keys, counts = Keys(folder), defaultdict(int)
     for record in csv.DictReader(output.splitlines()):
         counts[record["preset"], record["variant"]] += check_record(record, keys, variants)
+    check_page(folder, keys, variants, *axes)
     names = re.findall(r"(?m)^(\S+) preset", (folder / "d").read_text())
     for preset in names:
         for name, variant in variants.items():

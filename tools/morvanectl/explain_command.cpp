@@ -5,7 +5,6 @@
 #include "engine/preset_entry.h"
 #include "output.h"
 #include "preset_reasons.h"
-#include "tables/preset_keys.h"
 #include "tables/valid_values.h"
 #include "text/number.h"
 #include "variant.h"
@@ -167,19 +166,13 @@ private:
                 continue;
             }
             explainLists(preset);
-            isUsed = coversKey(preset);
+            isUsed = coversKeys(preset, manager_);
             if (!isUsed)
                 add(settings_.presetDefFile, preset.line,
                     "this preset covers no key on this variant, so it is not used");
         }
         if (!isDefined)
             lines_.push_back("no preset " + settings_.preset + " in " + settings_.presetDefFile);
-    }
-
-    bool coversKey(const PresetDefinition& preset) const {
-        return !PresetGenerate::keySet(manager_.indices(), manager_.readWrite(),
-                                       manager_.readOnly(), preset)
-                    .empty();
     }
 
     void explainLists(const PresetDefinition& preset) {

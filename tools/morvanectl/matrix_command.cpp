@@ -112,8 +112,8 @@ bool hasContent(const Settings& settings, const CoverageMatrix& matrix) {
 } // namespace
 
 ExitStatus showMatrix(const Settings& settings) {
-    if (settings.csv && settings.json)
-        return settings.messages.fail("matrix takes one of --csv and --json");
+    if ((settings.csv && settings.json) || (settings.html && (settings.csv || settings.json)))
+        return settings.messages.fail("matrix takes one of --csv, --html and --json");
     auto device = readDevice(settings);
     if (!device)
         return ExitStatus::error;
@@ -122,7 +122,7 @@ ExitStatus showMatrix(const Settings& settings) {
     if (!hasContent(settings, matrix))
         return ExitStatus::error;
     const auto parameters = shownParameters(matrix, settings.onlyDifferences);
-    if (!settings.html.empty())
+    if (settings.html)
         return writePage(settings, device->definitions, matrix, parameters);
     if (settings.csv || settings.json)
         writeRecords(matrix, parameters, settings.csv);

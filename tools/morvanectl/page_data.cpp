@@ -36,14 +36,10 @@ private:
 /// The definition that gives a preset its keys: the first of its name that covers one.
 const PresetDefinition* definitionOf(std::string_view name, const PresetDefinitions& definitions,
                                      const PresetManager& manager) {
-    const auto found =
-        std::find_if(definitions.presets.begin(), definitions.presets.end(),
-                     [&](const PresetDefinition& preset) {
-                         return preset.name == name &&
-                                !PresetGenerate::keySet(manager.indices(), manager.readWrite(),
-                                                        manager.readOnly(), preset)
-                                     .empty();
-                     });
+    const auto found = std::find_if(definitions.presets.begin(), definitions.presets.end(),
+                                    [&](const PresetDefinition& preset) {
+                                        return preset.name == name && coversKeys(preset, manager);
+                                    });
     return found == definitions.presets.end() ? nullptr : &*found;
 }
 
@@ -169,7 +165,7 @@ private:
         for (auto& index : indices_) {
             const auto found = manager.indices().find(index["name"].get_ref<const std::string&>());
             index["values"].push_back(
-                found == manager.indices().end() ? Json() : Json(shortList(found->second)));
+                found == manager.indices().end() ? Json() : Json(joined(found->second, ", ")));
         }
         const auto groups = groupsOn(manager);
         std::size_t number = 0;
@@ -204,26 +200,23 @@ private:
         for (std::size_t part = 0; part < reasons.parts().size(); ++part)
             parts.push_back({{"line", reasons.parts()[part].line}, {"text", reasons.textOf(part)}});
         std::map<std::size_t, std::size_t> ofGroup;
-        Json items = Json::object();
+        std::vector<std::pair<std::size_t, std::size_t>> ofItem;
         for (std::size_t i = 0; i < parameters_.size(); ++i) {
             const auto name = matrix_.parameters[parameters_[i]].definition->name;
             if (!groups[i])
                 continue;
             if (reasons.hasItem(name))
-                items[std::to_string(i)] = decision(reasons.of(name), name, manager);
+                ofItem.emplace_back(i, decision(reasons.of(name), name, manager));
             else if (!ofGroup.contains(*groups[i]))
                 ofGroup[*groups[i]] = decision(reasons.of(name), name, manager);
         }
-        Json byGroup = Json::object();
-        for (const auto& [group, number] : ofGroup)
-            byGroup[std::to_string(group)] = number;
         return {{"line", definition.line},
                 {"parts", std::move(parts)},
                 {"none",
                  {{"ro", reasons.textOfNone(/*isReadOnly=*/true)},
                   {"rw", reasons.textOfNone(/*isReadOnly=*/false)}}},
-                {"groups", std::move(byGroup)},
-                {"items", std::move(items)}};
+                {"groups", Json(ofGroup)},
+                {"items", Json(ofItem)}};
     }
 
     // The number of a decision, which is added if it is new.
@@ -235,12 +228,17 @@ private:
         CoveredKeys covered;
         Json keys = Json::array();
         for (const auto& [areCovered, parts, endings] : decided) {
-            keys.push_back(Json::array({areCovered, parts, endings}));
-            for (const auto& ending : endings) {
-                if (areCovered)
-                    ++(own.contains(std::string(parameter) + ending) ? covered.own
-                                                                     : covered.unknown);
-            }
+            std::vector<std::string> existing;
+            std::vector<std::string> unknown;
+            for (const auto& ending : endings)
+                (own.contains(std::string(parameter) + ending) ? existing : unknown)
+                    .push_back(ending);
+            if (!existing.empty())
+                keys.push_back(Json::array({areCovered ? "in" : "out", parts, existing}));
+            if (!unknown.empty())
+                keys.push_back(Json::array({"unknown", parts, unknown}));
+            covered.own += areCovered ? existing.size() : 0;
+            covered.unknown += unknown.size();
         }
         Json whole{{"own", covered.own}, {"unknown", covered.unknown}, {"keys", std::move(keys)}};
         const auto [number, isNew] =

@@ -27,10 +27,12 @@ namespace morvane::ctl {
 ///     presets     [{name, on}], where on is, by variant, null if the preset covers no key, or
 ///                 {line, parts: [{line, text}], none, groups, items}
 ///                 none: what stands for no part, of read-only and of other parameters, {ro, rw}
-///                 groups: by the number of a group, the number of a decision
+///                 groups: [[number of a group, number of a decision], ...]
 ///                 items: the same by the number of a parameter; stands for those that have one
-///     decisions   [{own, unknown, keys: [[covered, [part, ...], [ending, ...]], ...]}]
+///     decisions   [{own, unknown, keys: [[standing, [part, ...], [ending, ...]], ...]}]
 ///                 own, unknown: how many are covered, as in `CoveredKeys`
+///                 standing: "in" the preset, "out" of it, or "unknown": in it with an index value
+///                 that does not exist
 ///                 ending: what follows the parameter's name in the key
 ///     texts       of conditions, with their outcomes
 ///

@@ -3,6 +3,7 @@
 #include "tables/preset_keys.h"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 
 namespace morvane::ctl {
@@ -21,6 +22,12 @@ const ParameterMap& mapOf(std::string_view parameter, const PresetManager& manag
 
 } // namespace
 
+bool coversKeys(const PresetDefinition& preset, const PresetManager& manager) {
+    return !PresetGenerate::keySet(manager.indices(), manager.readWrite(), manager.readOnly(),
+                                   preset)
+                .empty();
+}
+
 PresetReasons::PresetReasons(const PresetDefinition& preset, const PresetManager& manager)
     : manager_(manager),
       parts_(partsOf(preset)),
@@ -28,8 +35,8 @@ PresetReasons::PresetReasons(const PresetDefinition& preset, const PresetManager
           std::find_if(parts_.begin(), parts_.end(), isIncludedAll) - parts_.begin())),
       keys_(PresetGenerate::keySet(manager.indices(), manager.readWrite(), manager.readOnly(),
                                    preset)) {
-    for (const auto& part : parts_)
-        items_.insert(part.item);
+    for (std::size_t i = 0; i < parts_.size(); ++i)
+        (parts_[i].item.empty() ? ofAll_ : ofItems_[parts_[i].item]).push_back(i);
 }
 
 std::string PresetReasons::textOf(std::size_t part) const {
@@ -46,6 +53,17 @@ const char* PresetReasons::textOfNone(bool isReadOnly) const {
                                         : "no include list adds it";
 }
 
+// Those that name the parameter and those that name none, in order.
+std::vector<std::size_t> PresetReasons::partsAbout(std::string_view parameter) const {
+    const auto own = ofItems_.find(parameter);
+    if (own == ofItems_.end())
+        return ofAll_;
+    std::vector<std::size_t> parts;
+    std::merge(ofAll_.begin(), ofAll_.end(), own->second.begin(), own->second.end(),
+               std::back_inserter(parts));
+    return parts;
+}
+
 // Of a list that includes all, nothing else counts, nor do the lists after it: not even index
 // values that the index does not have. What stands before it counts.
 std::vector<PartSelection> PresetReasons::selectionsOf(std::string_view parameter) const {
@@ -53,11 +71,10 @@ std::vector<PartSelection> PresetReasons::selectionsOf(std::string_view paramete
     const auto kind = manager_.isReadOnly(parameter) ? Kind::include : Kind::exclude;
     const ParameterMap alone{{parameter, map.indexNames(*map.find(parameter))}};
     std::vector<PartSelection> selections;
-    for (std::size_t i = 0; i < parts_.size(); ++i) {
+    for (const auto i : partsAbout(parameter)) {
         const auto& part = parts_[i];
-        const bool isAbout = part.item.empty() || part.item == parameter;
         const bool counts = kind == Kind::exclude || i <= includedAll_;
-        if (part.kind != kind || !isAbout || !counts)
+        if (part.kind != kind || !counts)
             continue;
         auto keys = selectedKeys(part, manager_, alone);
         if (!keys.empty())
@@ -113,9 +130,4 @@ std::vector<DecidedKeys> PresetReasons::decidedKeys(std::string_view parameter) 
     }
     return decided;
 }
-
-bool PresetReasons::hasItem(std::string_view parameter) const {
-    return items_.contains(parameter);
-}
-
 } // namespace morvane::ctl

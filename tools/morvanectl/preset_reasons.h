@@ -14,6 +14,9 @@
 
 namespace morvane::ctl {
 
+/// Whether the preset covers a key on the variant. One that does not is not used.
+bool coversKeys(const PresetDefinition& preset, const PresetManager& manager);
+
 /// The keys of a parameter that a part of a list selects.
 struct PartSelection {
     std::size_t part = 0; ///< its number in `PresetReasons::parts`
@@ -40,7 +43,7 @@ public:
 
     /// Whether an item of a list names the parameter. Those with the same indices that no item
     /// names have the same reasons.
-    bool hasItem(std::string_view parameter) const;
+    bool hasItem(std::string_view parameter) const { return ofItems_.contains(parameter); }
 
     /// What a part does with the keys that it selects.
     std::string textOf(std::size_t part) const;
@@ -59,11 +62,13 @@ public:
     const std::vector<DecidedKeys>& of(std::string_view parameter);
 
 private:
+    std::vector<std::size_t> partsAbout(std::string_view parameter) const;
     std::vector<DecidedKeys> decidedKeys(std::string_view parameter) const;
 
     const PresetManager& manager_;
     std::vector<PresetPart> parts_;
-    std::set<std::string, std::less<>> items_; ///< the names of their parameters
+    std::vector<std::size_t> ofAll_; ///< numbers of the parts that name no parameter
+    std::map<std::string, std::vector<std::size_t>, std::less<>> ofItems_; ///< of the others
     std::size_t includedAll_; ///< the first part that is an "all" of an include list, or none
     KeySet keys_;             ///< of the preset
     std::map<std::pair<const ParameterMap*, ParameterMap::Group>, std::vector<DecidedKeys>>

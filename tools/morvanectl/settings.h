@@ -50,9 +50,9 @@ struct Settings {
     bool withDefaults = false;    ///< of `diff`: compare with a load that resets what FILE lacks
     bool onlyDifferences = false; ///< of `matrix`: parameters covered differently on some variant
     bool csv = false;
-    std::string html;    ///< of `matrix`: the page to write; empty for none
-    std::string pattern; ///< of `matrix`: of the names of parameters; empty for all
-    std::string output;  ///< of `translate`: the file to write; empty for none
+    std::optional<std::string> html; ///< of `matrix`: the page to write
+    std::string pattern;             ///< of `matrix`: of the names of parameters; empty for all
+    std::string output;              ///< of `translate`: the file to write; empty for none
     bool dryRun = false;
 };
 

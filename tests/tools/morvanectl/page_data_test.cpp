@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <numeric>
 #include <optional>
 #include <string>
@@ -38,11 +39,11 @@ public:
         const auto& group = data_["parameters"][parameter]["groups"][variant];
         if (on.is_null() || group.is_null())
             return {};
-        const auto& items = on["items"];
-        const auto item = std::to_string(parameter);
-        const auto number =
-            items.contains(item) ? items[item] : on["groups"][std::to_string(group.get<int>())];
-        return data_["decisions"].at(number.get<std::size_t>());
+        const std::map<std::size_t, std::size_t> items = on["items"];
+        const std::map<std::size_t, std::size_t> groups = on["groups"];
+        const auto item = items.find(parameter);
+        return data_["decisions"].at(item == items.end() ? groups.at(group.get<std::size_t>())
+                                                         : item->second);
     }
 
 private:
@@ -139,13 +140,13 @@ TEST_F(PageDataTest, GivesReasonsForEveryKey) {
         {"line": 3, "text": "taken away by the exclude list: item label"}])"));
     constexpr std::size_t sound = 1;
     EXPECT_EQ(device_.cell(sound, 0, 1), Json::parse(R"(
-        {"own": 2, "unknown": 0, "keys": [[true, [], ["[1]", "[2]"]]]})"));
+        {"own": 2, "unknown": 0, "keys": [["in", [], ["[1]", "[2]"]]]})"));
     EXPECT_EQ(device_.cell(sound, 1, 1), Json::parse(R"(
-        {"own": 0, "unknown": 0, "keys": [[false, [1], ["[1]", "[2]"]]]})"));
+        {"own": 0, "unknown": 0, "keys": [["out", [1], ["[1]", "[2]"]]]})"));
     EXPECT_EQ(device_.cell(sound, 2, 0), Json::parse(R"(
-        {"own": 0, "unknown": 1, "keys": [[false, [], ["[1]"]], [true, [0], ["[2]"]]]})"));
+        {"own": 0, "unknown": 1, "keys": [["out", [], ["[1]"]], ["unknown", [0], ["[2]"]]]})"));
     EXPECT_EQ(device_.cell(sound, 2, 1), Json::parse(R"(
-        {"own": 1, "unknown": 0, "keys": [[false, [], ["[1]"]], [true, [0], ["[2]"]]]})"));
+        {"own": 1, "unknown": 0, "keys": [["out", [], ["[1]"]], ["in", [0], ["[2]"]]]})"));
     EXPECT_EQ(device_.cell(sound, 3, 0), Json());
 }
 
@@ -153,7 +154,7 @@ TEST_F(PageDataTest, HasNothingOfAPresetThatCoversNoKey) {
     EXPECT_EQ(device_.data()["presets"][0]["name"], "both");
     EXPECT_EQ(device_.data()["presets"][0]["on"][0], Json());
     EXPECT_EQ(device_.cell(0, 0, 1), Json::parse(R"(
-        {"own": 1, "unknown": 0, "keys": [[false, [1], ["[1]"]], [true, [], ["[2]"]]]})"));
+        {"own": 1, "unknown": 0, "keys": [["out", [1], ["[1]"]], ["in", [], ["[2]"]]]})"));
 }
 
 // Of presets with one name the first that covers a key is used.
@@ -171,7 +172,7 @@ std::size_t checkCell(const Json& cell, const std::string& parameter, bool isRea
                       const KeySet& preset) {
     std::size_t count = 0;
     for (const auto& entry : cell["keys"]) {
-        const bool areCovered = entry[0];
+        const bool areCovered = entry[0] != "out";
         EXPECT_EQ(areCovered, isReadOnly != entry[1].empty()) << parameter << entry;
         for (const auto& ending : entry[2])
             EXPECT_EQ(preset.contains(parameter + ending.get<std::string>()), areCovered)

@@ -3,6 +3,10 @@
 "use strict";
 
 const data = JSON.parse(document.getElementById("data").textContent);
+for (const there of data.presets.flatMap(({on}) => on).filter(Boolean)) {
+    there.items = new Map(there.items);
+    there.groups = new Map(there.groups);
+}
 const element = id => document.getElementById(id);
 const frame = element("frame");
 const detail = element("detail");
@@ -22,6 +26,7 @@ function node(name, text = "", className = "") {
 }
 
 const variant = () => Number(element("variant").value);
+const counted = (count, thing) => `${count} ${thing}${count === 1 ? "" : "s"}`;
 
 // The decision about a parameter; nothing if it or the preset does not exist on the variant.
 function decisionOf(parameter, preset, on) {
@@ -29,13 +34,25 @@ function decisionOf(parameter, preset, on) {
     const group = data.parameters[parameter].groups[on];
     if (!there || group === null)
         return null;
-    return data.decisions[there.items[parameter] ?? there.groups[group]];
+    return data.decisions[there.items.get(parameter) ?? there.groups.get(group)];
 }
 
 function extentOf(decision, keys) {
     if (!decision || decision.own === 0)
         return "none";
     return decision.own === keys ? "all" : "some";
+}
+
+// What a cell says to those who cannot see it.
+function cellWords(decision, keys, differs) {
+    const extent = extentOf(decision, keys);
+    const words = [{none: "none", all: `all of ${counted(keys, "key")}`,
+                    some: decision ? `${decision.own} of ${counted(keys, "key")}` : ""}[extent]];
+    if (decision && decision.unknown)
+        words.push(`${counted(decision.unknown, "key")} with an index value that does not exist`);
+    if (differs)
+        words.push("not the same on all variants");
+    return words.join(", ");
 }
 
 function cellText(decision, keys) {
@@ -54,15 +71,20 @@ function passes(parameter, filters) {
         return false;
     if (filters.differing && !columns.some(preset => differing.includes(preset)))
         return false;
-    return !filters.extent || columns.some(preset => {
+    const has = preset => {
         const decision = decisionOf(parameter, preset, filters.on);
         return filters.extent === "unknown"
             ? decision && decision.unknown > 0
             : extentOf(decision, keys[filters.on]) === filters.extent;
-    });
+    };
+    return !filters.extent || (filters.extent === "none" ? columns.every(has) : columns.some(has));
 }
 
+// The parameter whose cell has the keyboard stays where it is, if it is still there, so that it can be
+// compared from one variant to another.
 function filter() {
+    const parameter = rows[focus.row];
+    const preset = columns[focus.column - 1];
     const filters = {
         on: variant(),
         search: element("search").value.trim().toLowerCase(),
@@ -75,12 +97,15 @@ function filter() {
         number => chosen === "" ? data.presets[number].on[filters.on] || filters.differing
                                 : number === Number(chosen));
     rows = data.parameters.map((_, number) => number).filter(number => passes(number, filters));
-    focus = {row: 0, column: 0};
-    element("count").textContent =
-        `${rows.length} of ${data.parameters.length} parameters, ${columns.length} presets`;
+    element("count").textContent = `${rows.length} of ${counted(data.parameters.length, "parameter")}, `
+        + counted(columns.length, "preset") + onVariant(filters.on, true);
+    const [before, top] = [focus.row, frame.scrollTop];
+    focus = {row: Math.max(0, rows.indexOf(parameter)), column: columns.indexOf(preset) + 1};
     drawHead();
-    frame.scrollTop = 0;
-    draw();
+    const height = rowHeight();
+    const wanted = rows[focus.row] === parameter ? top + (focus.row - before) * height : 0;
+    const most = Math.max(0, (rows.length + 1) * height - frame.clientHeight); // with the head
+    draw(Math.min(Math.max(wanted, 0), most));
 }
 
 // The table
@@ -90,6 +115,7 @@ function drawHead() {
     element("names").replaceChildren(...cells.map(text => {
         const cell = node("th", text);
         cell.scope = "col";
+        cell.title = text;
         return cell;
     }));
     drawn = new Map();
@@ -102,6 +128,7 @@ function rowHeight() {
 
 function space(height) {
     const row = node("tr", "", "space");
+    row.setAttribute("role", "presentation");
     const cell = node("td");
     cell.colSpan = columns.length + 3;
     cell.style.height = `${height}px`;
@@ -110,38 +137,52 @@ function space(height) {
 }
 
 // Makes a cell one that opens something.
-function opens(cell, label, place) {
-    cell.setAttribute("aria-label", label);
+function opens(cell, place) {
+    cell.setAttribute("aria-haspopup", "dialog");
     cell.dataset.row = place.row;
     cell.dataset.column = place.column;
     cell.tabIndex = place.row === focus.row && place.column === focus.column ? 0 : -1;
     return cell;
 }
 
-function rowOf(place) {
+// The cells of a row as they look; those of the columns from `begin` to before `end`.
+function cellsOf(place, begin, end) {
     const {name, access, keys, differing} = data.parameters[rows[place]];
     const count = keys[variant()];
-    const row = node("tr");
-    row.setAttribute("aria-rowindex", place + 2);
-    const head = opens(node("th", name), `${name}: definition`, {row: place, column: 0});
+    const head = node("th", name);
     head.scope = "row";
-    head.title = name;
-    row.append(head, node("td", access), node("td", count === null ? "–" : `${count}`));
-    columns.forEach((preset, column) => {
+    const cells = [head, node("td", access), node("td", count === null ? "–" : `${count}`)];
+    for (const preset of columns.slice(begin, end)) {
         const decision = decisionOf(rows[place], preset, variant());
         const unknown = decision && decision.unknown > 0;
-        const text = cellText(decision, count) + (differing.includes(preset) ? " *" : "");
-        const cell = node("td", text, unknown ? "unknown" : extentOf(decision, count));
-        row.append(opens(cell, `${name} in ${data.presets[preset].name}: ${text}`,
-                         {row: place, column: column + 1}));
+        cells.push(node("td", cellText(decision, count) + (differing.includes(preset) ? " *" : ""),
+                        unknown ? "unknown" : extentOf(decision, count)));
+    }
+    return cells;
+}
+
+function rowOf(place) {
+    const {name, keys, differing} = data.parameters[rows[place]];
+    const row = node("tr");
+    row.setAttribute("aria-rowindex", place + 2);
+    row.append(...cellsOf(place, 0, columns.length));
+    const [head, , , ...cells] = row.children;
+    head.title = name;
+    opens(head, {row: place, column: 0});
+    cells.forEach((cell, column) => {
+        const decision = decisionOf(rows[place], columns[column], variant());
+        cell.setAttribute("aria-label", cellWords(decision, keys[variant()],
+                                                  differing.includes(columns[column])));
+        opens(cell, {row: place, column: column + 1});
     });
     return row;
 }
 
-// Draws again when rows come into view that are not in the table. Those that are stay.
-function draw() {
+// Draws the rows in view, or those that are when it is scrolled to `scrolled`. Rows that are in the
+// table stay.
+function draw(scrolled = frame.scrollTop) {
     const height = rowHeight();
-    const top = Math.floor(frame.scrollTop / height);
+    const top = Math.floor(scrolled / height);
     const bottom = Math.min(rows.length, top + Math.ceil(frame.clientHeight / height));
     const begin = Math.max(0, top - margin);
     const end = Math.min(rows.length, bottom + margin);
@@ -149,7 +190,6 @@ function draw() {
     if (isDrawn && drawn.size < 4 * (end - begin))
         return;
     const hadFocus = element("rows").contains(document.activeElement);
-    const scrolled = frame.scrollTop;
     const shown = new Map();
     for (let place = begin; place < end; ++place)
         shown.set(place, drawn.get(place) ?? rowOf(place));
@@ -158,6 +198,10 @@ function draw() {
                                     space((rows.length - end) * height));
     frame.scrollTop = scrolled; // which is lost while the rows are away
     element("matrix").setAttribute("aria-rowcount", rows.length + 1);
+    if (!focused() && rows.length > 0) { // the keyboard goes on where the eye is
+        const last = Math.max(top, bottom - 2);
+        setFocus({row: Math.min(Math.max(focus.row, top), last), column: focus.column});
+    }
     if (hadFocus)
         focused()?.focus({preventScroll: true});
     if (rowHeight() !== height) { // the first rows, or letters of another size
@@ -169,10 +213,16 @@ function draw() {
 const focused = () => element("rows").querySelector(
     `[data-row="${focus.row}"][data-column="${focus.column}"]`);
 
+// The cell that Tab leads to; it need not be drawn yet.
+function setFocus(place) {
+    focused()?.setAttribute("tabindex", -1);
+    focus = place;
+    focused()?.setAttribute("tabindex", 0);
+}
+
 function moveFocus(row, column) {
-    const before = focused();
-    focus = {row: Math.min(Math.max(row, 0), rows.length - 1),
-             column: Math.min(Math.max(column, 0), columns.length)};
+    setFocus({row: Math.min(Math.max(row, 0), rows.length - 1),
+              column: Math.min(Math.max(column, 0), columns.length)});
     const height = rowHeight();
     const top = focus.row * height;
     const visible = frame.clientHeight - 2 * height; // less the head
@@ -181,13 +231,10 @@ function moveFocus(row, column) {
     else if (top > frame.scrollTop + visible)
         frame.scrollTop = top - visible;
     draw();
-    if (before)
-        before.tabIndex = -1;
-    const now = focused();
-    if (now) {
-        now.tabIndex = 0;
-        now.focus();
-    }
+    // The first column stays in view, above what is scrolled.
+    frame.style.scrollPaddingLeft = `${element("names").children[0].clientWidth}px`;
+    focused()?.focus({preventScroll: true});
+    focused()?.scrollIntoView({block: "nearest", inline: "nearest"});
 }
 
 // Details
@@ -201,7 +248,10 @@ function list(lines) {
 function showDetail(title, ...content) {
     element("detail-title").textContent = title;
     element("detail-body").replaceChildren(...content);
-    detail.showModal();
+    if (detail.open)
+        detail.querySelector("button").focus(); // what had it is gone
+    else
+        detail.showModal();
 }
 
 function reasonsOf(numbers, there, access) {
@@ -211,27 +261,42 @@ function reasonsOf(numbers, there, access) {
                                  + there.parts[number].text);
 }
 
+// What `keys` of a decision says of keys: "in", "out", or "unknown", in with an index value that
+// does not exist.
+const standings = {
+    in: "In the preset:",
+    out: "Not in the preset:",
+    unknown: "In the preset, with an index value that does not exist:",
+};
+
 function showCell(parameter, preset) {
-    const {name, access} = data.parameters[parameter];
+    const {name, access, keys} = data.parameters[parameter];
     const on = variant();
-    const title = `${name} in ${data.presets[preset].name}` + onVariant(on);
-    const decision = decisionOf(parameter, preset, on);
-    if (!decision) {
-        const missing = data.presets[preset].on[on] ? `parameter ${name}` : `preset ${data.presets[preset].name}`;
-        showDetail(title, node("p", `There is no ${missing} on this variant.`));
-        return;
-    }
     const there = data.presets[preset].on[on];
-    const content = [node("p", `${data.files.presets}:${there.line}: preset ${data.presets[preset].name}`)];
-    for (const [covered, deciding, endings] of decision.keys) {
+    const decision = decisionOf(parameter, preset, on);
+    const content = there
+        ? [node("p", `${data.files.presets}:${there.line}: preset ${data.presets[preset].name}`)]
+        : [node("p", `The lists of preset ${data.presets[preset].name} leave no key on this variant.`)];
+    for (const [standing, deciding, endings] of decision ? decision.keys : []) {
         const part = node("section");
-        part.dataset.covered = covered;
-        part.append(node("b", covered ? "In the preset: " : "Not in the preset: "),
+        part.dataset.standing = standing;
+        part.append(node("b", `${standings[standing]} `),
                     ...endings.flatMap(ending => [node("code", name + ending), " "]),
                     list(reasonsOf(deciding, there, access)));
         content.push(part);
     }
-    showDetail(title, ...content);
+    if (keys[on])
+        content.push(definitionButton(parameter));
+    else
+        content.push(...definitionsOf(parameter, [on]));
+    showDetail(`${name} in ${data.presets[preset].name}${onVariant(on)}`, ...content);
+}
+
+function definitionButton(parameter) {
+    const button = node("button", `Definition of ${data.parameters[parameter].name}`);
+    button.type = "button";
+    button.addEventListener("click", () => showParameter(parameter));
+    return button;
 }
 
 function variantName(on) {
@@ -239,14 +304,20 @@ function variantName(on) {
     return name || given.join(" ") || "this device";
 }
 
-const onVariant = on => data.variants[on].name ? ` on ${data.variants[on].name}` : "";
+function onVariant(on, withArguments = false) {
+    const {name, arguments: given} = data.variants[on];
+    const described = given.join(" ");
+    if (!name)
+        return described && ` on ${described}`;
+    return ` on ${name}${withArguments && described ? ` (${described})` : ""}`;
+}
 
-// A parameter, or one of its indices: its blocks, and by variant what it comes to there.
-function definitionOf({blocks, conditions}, textOn) {
+// A parameter, or one of its indices: its blocks, and what it comes to on some of the variants.
+function definitionOf({blocks, conditions}, variants, textOn) {
     return [
         ...blocks.flatMap(({line, text}) => [node("p", `${data.files.parameters}:${line}`),
                                              node("pre", text)]),
-        ...data.variants.flatMap((_, on) => [
+        ...variants.flatMap(on => [
             node("p", `${variantName(on)}: ${textOn(on)}`, "on"),
             list(conditions.map(({line, outcomes}) =>
                 `${data.files.parameters}:${line}: ${data.texts[outcomes[on]]}`)),
@@ -254,18 +325,24 @@ function definitionOf({blocks, conditions}, textOn) {
     ];
 }
 
-function showParameter(parameter) {
+function definitionsOf(parameter, variants) {
     const shown = data.parameters[parameter];
-    const indices = shown.indices.map(number => data.indices[number]);
-    showDetail(
-        `${shown.name} (${[shown.access, ...indices.map(({name}) => name)].join(", ")})`,
-        ...definitionOf(shown, on => shown.keys[on] === null ? "it does not exist."
-                                                             : `it has ${shown.keys[on]} keys.`),
-        ...[...new Set(indices)].flatMap(index => [
+    const indices = new Set(shown.indices.map(number => data.indices[number]));
+    return [
+        ...definitionOf(shown, variants, on => shown.keys[on] === null
+            ? "it does not exist" : counted(shown.keys[on], "key")),
+        ...[...indices].flatMap(index => [
             node("h3", `Index ${index.name}`),
-            ...definitionOf(index, on => index.values[on] === null
-                ? "it does not exist." : `its values are ${index.values[on] || "none"}.`),
-        ]));
+            ...definitionOf(index, variants, on => index.values[on] === null
+                ? "it does not exist" : `values ${index.values[on] || "none"}`),
+        ]),
+    ];
+}
+
+function showParameter(parameter) {
+    const {name, access, indices} = data.parameters[parameter];
+    showDetail(`${name} (${[access, ...indices.map(number => data.indices[number].name)].join(", ")})`,
+               ...definitionsOf(parameter, data.variants.map((_, on) => on)));
 }
 
 // On paper
@@ -290,23 +367,36 @@ function columnCuts() {
     return [...cuts, columns.length];
 }
 
+const mostPaperCells = 200000; // more keep a browser busy for minutes
+
+function paperTable(begin, end) {
+    const table = node("table");
+    const heads = [...element("names").children].map(cell => cell.cloneNode(true));
+    table.createTHead().insertRow().append(...heads.slice(0, 3), ...heads.slice(3 + begin, 3 + end));
+    const body = table.createTBody();
+    rows.forEach((_, place) => body.insertRow().append(...cellsOf(place, begin, end)));
+    return table;
+}
+
 // Draws what the filters have left, all of it: what is out of view is not in the table.
 function drawPaper() {
-    const cuts = columnCuts();
-    const tables = cuts.slice(1).map((end, part) => {
-        const picked = cells => [...cells.slice(0, 3), ...cells.slice(3 + cuts[part], 3 + end)].map(
-            cell => cell.cloneNode(true));
-        const table = node("table");
-        table.createTHead().insertRow().append(...picked([...element("names").children]));
-        return {table, picked, body: table.createTBody()};
-    });
-    rows.forEach((_, place) => {
-        const cells = [...rowOf(place).children];
-        for (const {picked, body} of tables)
-            body.insertRow().append(...picked(cells));
-    });
-    const title = node("p", `${element("count").textContent}${onVariant(variant())}`);
-    element("paper").replaceChildren(title, ...tables.map(({table}) => table));
+    const filters = [...element("filters").elements].filter(
+        field => field.id !== "variant" && (field.type === "checkbox" ? field.checked : field.value));
+    const about = [element("count").textContent, ...filters.map(
+        field => `${field.parentElement.firstChild.textContent.trim() || "only what"} `
+                 + (field.selectedOptions ? field.selectedOptions[0].text
+                    : field.type === "checkbox" ? field.parentElement.textContent.trim()
+                    : field.value))];
+    const content = [node("p", about.join("; "))];
+    const cells = rows.length * columns.length;
+    if (cells > mostPaperCells) {
+        content.push(node("p", `These are ${cells} cells: choose at most ${mostPaperCells} with the `
+                               + "filters before you print."));
+    } else {
+        const cuts = columnCuts();
+        content.push(...cuts.slice(1).map((end, part) => paperTable(cuts[part], end)));
+    }
+    element("paper").replaceChildren(...content);
 }
 
 // Events
@@ -332,6 +422,8 @@ element("rows").addEventListener("keydown", event => {
         ArrowUp: [-1, 0], ArrowDown: [1, 0], ArrowLeft: [0, -1], ArrowRight: [0, 1],
         PageUp: [-page, 0], PageDown: [page, 0], Home: [0, -columns.length], End: [0, columns.length],
     };
+    if (event.altKey || event.ctrlKey || event.metaKey)
+        return; // the browser's own
     const step = steps[event.key];
     const isOpening = event.key === "Enter" || event.key === " ";
     if (!step && !isOpening)
@@ -344,19 +436,23 @@ element("rows").addEventListener("keydown", event => {
 });
 
 document.addEventListener("keydown", event => {
-    if (event.key === "/" && event.target.tagName !== "INPUT" && !detail.open) {
+    if (event.key === "/" && event.target !== element("search") && !detail.open) {
         event.preventDefault();
         element("search").focus();
     }
 });
 
-frame.addEventListener("scroll", draw, {passive: true});
-window.addEventListener("resize", draw);
+frame.addEventListener("scroll", () => draw(), {passive: true});
+window.addEventListener("resize", () => draw());
 element("filters").addEventListener("input", filter);
 element("filters").addEventListener("submit", event => event.preventDefault());
 window.addEventListener("beforeprint", drawPaper);
 window.addEventListener("afterprint", () => element("paper").replaceChildren());
 
 data.variants.forEach((_, on) => element("variant").append(new Option(variantName(on), on)));
+for (const only of document.querySelectorAll(".comparing"))
+    only.hidden = data.variants.length === 1;
+element("about").textContent = [`Of ${data.files.parameters} and ${data.files.presets}`,
+                                ...data.only].join("; only ");
 data.presets.forEach(({name}, number) => element("preset").append(new Option(name, number)));
 filter();
