@@ -2,7 +2,6 @@
 
 #include "engine/preset_file.h"
 #include "tables/condition.h"
-#include "tables/preset_keys.h"
 #include "text/utf8.h"
 
 #include <algorithm>
@@ -61,7 +60,8 @@ DataCheck::DataCheck(const Variant& variant, std::string preset, std::string fil
       preset_(std::move(preset)),
       file_(std::move(file)),
       reports_(reports),
-      values_(variant.definitions.parameters, variant.arguments) {}
+      values_(variant.definitions.parameters, variant.arguments),
+      entries_(variant.manager) {}
 
 LineOutcome DataCheck::check(const DataLine& line) {
     LineOutcome outcome;
@@ -115,31 +115,34 @@ void DataCheck::checkPlace(const DataLine& line, LineOutcome& outcome) const {
 }
 
 void DataCheck::checkEntry(const DataLine& line, const PresetEntry& entry, LineOutcome& outcome) {
-    auto translated = entry;
     const auto drop = [&](const char* code, const std::string& why) {
         outcome.what = "dropped: " + why;
         outcome.reason = findingAt(line, 0, Severity::warning, code, why);
     };
-    if (!translateEntry(variant_.manager.translation(), translated, reports_)) {
-        outcome.what = "dropped: " + printableText(translated.name) + " is in a removed list";
-        return;
-    }
-    if (translated.name.empty()) {
-        drop("unknown-key",
-             "its " + std::to_string(entry.indices.size()) + " indices cannot be mapped");
-        return;
-    }
-    const auto key = presetKey(translated);
+    const auto [translated, key, unlessCovered] = entries_.translate(entry, reports_);
     if (isCovered(key)) {
         outcome.what = changes(entry, translated);
         checkSetting(line, translated, key, outcome);
-    } else if (!variant_.manager.isParameter(translated.name)) {
+        return;
+    }
+    switch (unlessCovered) {
+    case DropReason::removed:
+        outcome.what = "dropped: " + printableText(translated.name) + " is in a removed list";
+        break;
+    case DropReason::unmapped:
+        drop("unknown-key",
+             "its " + std::to_string(entry.indices.size()) + " indices cannot be mapped");
+        break;
+    case DropReason::noParameter:
         drop("unknown-key", whyNoParameter(translated.name));
-    } else if (!isOnDevice(translated.name, key)) {
+        break;
+    case DropReason::noInstance:
         drop("unknown-key", printableText(key) + " is not on this variant");
-    } else {
+        break;
+    case DropReason::notInPreset:
         drop("not-in-preset", preset_.empty() ? "no preset covers " + printableText(key)
                                               : printableText(key) + " is not in " + preset_);
+        break;
     }
 }
 
@@ -165,19 +168,6 @@ std::string DataCheck::whyNoParameter(std::string_view name) const {
     return "no parameter " + text + " on this variant";
 }
 
-bool DataCheck::isOnDevice(std::string_view name, const std::string& key) {
-    auto found = instances_.find(name);
-    if (found == instances_.end()) {
-        const auto& manager = variant_.manager;
-        const auto& map = manager.isReadOnly(name) ? manager.readOnly() : manager.readWrite();
-        found = instances_
-                    .emplace(name, PresetGenerate::parameterKeys(manager.indices(), name,
-                                                                 map.indexNames(*map.find(name))))
-                    .first;
-    }
-    return found->second.contains(key);
-}
-
 // The daemon sends nothing of a file of which it cannot send everything.
 void DataCheck::checkSetting(const DataLine& line, const PresetEntry& entry, const std::string& key,
                              LineOutcome& outcome) {
@@ -195,7 +185,7 @@ void DataCheck::checkSetting(const DataLine& line, const PresetEntry& entry, con
                          const std::string& text) {
         outcome.others.push_back(findingAt(line, offset, severity, code, text));
     };
-    if (!isOnDevice(name, key))
+    if (!entries_.isOnDevice(name, key))
         add(0, Severity::warning, "unknown-key",
             "a load sets " + key + ", which a preset includes, but which is not on this variant");
     const auto [before, isFirst] = setOn_.try_emplace(key, line.number);

@@ -2,8 +2,7 @@
 #pragma once
 
 #include "data_file.h"
-#include "engine/preset_entry.h"
-#include "engine/preset_translate.h"
+#include "entry_check.h"
 #include "findings.h"
 #include "value_check.h"
 #include "variant.h"
@@ -53,7 +52,6 @@ private:
                       std::string text) const;
     bool isCovered(const std::string& key) const;
     std::string whyNoParameter(std::string_view name) const;
-    bool isOnDevice(std::string_view name, const std::string& key);
     void checkSetting(const DataLine& line, const PresetEntry& entry, const std::string& key,
                       LineOutcome& outcome);
 
@@ -63,8 +61,8 @@ private:
     Reports reports_;
     bool wasSet_ = false; ///< by the piece before
     ValueCheck values_;
-    std::map<std::string, KeySet, std::less<>> instances_; ///< by parameter
-    std::map<std::string, std::uint32_t> setOn_;           ///< the last line that sets a key
+    EntryCheck entries_;
+    std::map<std::string, std::uint32_t> setOn_; ///< the last line that sets a key
 };
 
 } // namespace morvane::ctl

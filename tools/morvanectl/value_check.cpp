@@ -13,6 +13,13 @@ namespace morvane::ctl {
 
 namespace {
 
+std::string quoted(std::string_view value) {
+    constexpr std::size_t most = 60;
+    return "\"" + printableText(value.substr(0, most)) + (value.size() > most ? "...\"" : "\"");
+}
+
+} // namespace
+
 std::string textOf(const ValidValue& item) {
     if (const auto* const text = std::get_if<std::string>(&item))
         return "\"" + *text + "\"";
@@ -27,13 +34,6 @@ std::string textOf(const std::vector<ValidValue>& items) {
         texts.push_back(textOf(item));
     return items.empty() ? "it has none on this variant" : shortList(texts);
 }
-
-std::string quoted(std::string_view value) {
-    constexpr std::size_t most = 60;
-    return "\"" + printableText(value.substr(0, most)) + (value.size() > most ? "...\"" : "\"");
-}
-
-} // namespace
 
 ValueVerdict ValueCheck::check(std::string_view name, std::string_view value) {
     const auto* const parameter = parameters_.find(name);
@@ -74,16 +74,17 @@ std::string ValueCheck::whyUnknown(const SystemParameter& parameter, std::string
         if (has)
             why = "(" + ctl::textOf(range.condition, parameters_.text()) +
                   ") counts as met because it names a parameter";
-        else if (why.empty() && hasOpenItem(range))
+        else if (why.empty() && hasOpenItem(range, parameters_, arguments_))
             why = "a bound names a parameter, whose value is not known yet";
     }
     return why;
 }
 
-bool ValueCheck::hasOpenItem(const RangeSpec& range) const {
+bool hasOpenItem(const RangeSpec& range, const SystemParameterTable& parameters,
+                 const SystemArguments& arguments) {
     return std::any_of(range.items.begin(), range.items.end(), [&](const RangeItem& item) {
-        return !itemValue(item, arguments_) && (namesParameter(Expression{item.low}, parameters_) ||
-                                                namesParameter(Expression{item.high}, parameters_));
+        return !itemValue(item, arguments) && (namesParameter(Expression{item.low}, parameters) ||
+                                               namesParameter(Expression{item.high}, parameters));
     });
 }
 

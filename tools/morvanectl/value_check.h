@@ -22,6 +22,14 @@ struct ValueVerdict {
     std::string why; ///< empty if it is accepted
 };
 
+/// An item or all items of ranges, as they may stand there.
+std::string textOf(const ValidValue& item);
+std::string textOf(const std::vector<ValidValue>& items);
+
+/// Whether the range has a bound that names a parameter, so that it cannot be computed.
+bool hasOpenItem(const RangeSpec& range, const SystemParameterTable& parameters,
+                 const SystemArguments& arguments);
+
 class ValueCheck {
 public:
     /// Both are borrowed for the life of the check.
@@ -36,7 +44,6 @@ public:
 private:
     const AcceptedValues& acceptedBy(const SystemParameter& parameter);
     std::string whyUnknown(const SystemParameter& parameter, std::string_view value) const;
-    bool hasOpenItem(const RangeSpec& range) const;
 
     const SystemParameterTable& parameters_;
     const SystemArguments& arguments_;
