@@ -166,7 +166,8 @@ def test_lists_names_of_any_characters_without_running_them(world, shell):
 
 COMMANDS = ["load", "load-with-default", "load-default", "store", "store-subpreset", "in-preset",
             "is-preset", "die", "status", "get", "set", "monitor", "handler-check", "check",
-            "presets", "keys", "explain", "matrix", "translate", "validate", "diff"]
+            "presets", "keys", "explain", "matrix", "translate", "validate", "diff",
+            "release"]
 DESCRIPTION = ["-p", "--parameters", "-d", "--presets", "-s", "--system", "--variant", "--variants"]
 
 
@@ -227,7 +228,7 @@ def test_says_what_may_follow(world, words, candidates):
 @pytest.mark.parametrize("words", [
     ["-p", ""], ["-d", ""], ["--parameters="], ["--variants", "x"], ["load", "scene", "x"],
     ["validate", ""], ["diff", "x", ""], ["translate", "x", "--output", ""],
-    ["keys", "--presets="]])
+    ["keys", "--presets="], ["release", "x", ""]])
 def test_leaves_the_names_of_files_to_the_shell(world, words):
     assert run(world, "complete", "--", *words) == (NO, "", "")
 

@@ -24,6 +24,7 @@ ExitStatus showMatrix(const Settings& settings);
 ExitStatus translateFile(const Settings& settings);
 ExitStatus validateFile(const Settings& settings);
 ExitStatus diffFiles(const Settings& settings);
+ExitStatus showRelease(const Settings& settings);
 
 /// Shows the calls of a load, one per line.
 /// @param method "load", "load_with_default" or "load_default".

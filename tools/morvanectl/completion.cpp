@@ -172,7 +172,7 @@ TypedWord readTypedLine(CLI::App& app, const Help& help, Texts words) {
 }
 
 ExitStatus showChoices(const TypedWord& word, Settings settings) {
-    if (word.meaning == "FILE")
+    if (word.meaning == "FILE" || word.meaning == "FOLDER")
         return ExitStatus::no;
     for (auto* const path :
          {&settings.paramDefFile, &settings.presetDefFile, &settings.variantsFile})

@@ -316,6 +316,7 @@ private:
             ->type_name("KEY");
         addMatrix();
         addDataFileCommands();
+        addRelease();
     }
 
     void addMatrix() {
@@ -369,6 +370,20 @@ private:
             ->needs(live);
     }
 
+    void addRelease() {
+        constexpr auto most = CLI::detail::expected_max_vector_size;
+        auto* const release =
+            add("release", "Say what becomes of stored presets when a release is installed",
+                [this] { return showRelease(settings_); });
+        release
+            ->add_option("releases", settings_.releases,
+                         "Folders with the definition files of older releases, and last those of "
+                         "the one to be installed")
+            ->required()
+            ->type_name("FOLDER")
+            ->expected(2, most);
+    }
+
     void addCompletion() {
         add("complete", "Say what a shell may offer for the last word of a command line",
             [this] { return complete(); })
@@ -387,8 +402,9 @@ private:
         };
         leaveOut({"die", "get", "set", "monitor"},
                  {"--parameters", "--presets", "--system", "--variant", "--variants"});
-        leaveOut({"check", "presets", "keys", "explain", "matrix", "translate", "validate"},
-                 {"--address", "--timeout"});
+        leaveOut(
+            {"check", "presets", "keys", "explain", "matrix", "translate", "validate", "release"},
+            {"--address", "--timeout"});
     }
 
     ExitStatus compare() {

@@ -1,0 +1,281 @@
+"""morvanectl release: what becomes of stored presets when a release is installed."""
+
+import json
+
+import pytest
+from harness import SOURCE, run_ctl
+
+YES, NO, ERROR = 0, 1, 2
+OLD = {
+    "parameters.def": """\
+input index { rangeValid { 1..(inputs) } }
+output index { rangeValid { 1, 2 } }
+gain rw { index { input } rangeValid { 0..20 } }
+gian rw { index { input } }
+mute rw { rangeValid { "on", "off" } }
+tone rw { }
+label rw { index { input } }
+pan rw { index { input } }
+temp rw { }
+extra rw { ctrlValid (inputs == 2) }
+matrix rw { index { input } }
+mode rw { rangeValid { 0..5 } }
+""",
+    "presets.def": """\
+all preset { }
+sound preset { exclude rw { label } }
+third preset { exclude rw { label, mode } }
+gone preset { exclude rw { index { none } } }
+""",
+    "variants": "a: inputs=1\nb: inputs=2\nc: inputs=3\n"}
+NEW = {
+    "parameters.def": """\
+input index { rangeValid { 1..(inputs) } }
+output index { rangeValid { 1, 2 } }
+level rw { index { input } rangeValid { 0..12, 15 } default { 0 } }
+mute rw { index { input } rangeValid { 0..1 } }
+pan rw { index { input } }
+temp ro { }
+label rw { index { input } }
+extra rw { ctrlValid (inputs == 3) }
+fresh rw { default { 1 } }
+matrix rw { index { input } index { output } }
+mode rw { rangeValid { 0..3 } rangeValid (pan == 1) { 4, 5 } }
+""",
+    "presets.def": """\
+all preset { }
+sound preset { exclude rw { label } }
+third preset { exclude rw { label, pan, mode } }
+translate {
+    removed { tone }
+    level { from { gain { 20 = 15 } } }
+    mute { from { mute { on = 1, off = 0 } } index 0 { input = 1 } }
+}
+""",
+    "variants": "b: inputs=1\na: inputs=1\n"}
+REPORT = """\
+old -> new
+gone: variant c
+gone: preset gone
+lost, which no translate section says:
+    2 keys of 1 parameter: not defined any more, and not in a removed list
+    1 key of 1 parameter: defined, but no parameter of the variant any more
+    2 keys of 1 parameter: of another number of indices, without an index mapping
+    3 keys of 3 parameters: with an index value that is gone
+    1 key of 1 parameter: with values that no range has: a load of one fails
+not loaded, as the definitions say:
+    1 key of 1 parameter: in a removed list
+    1 key of 1 parameter: not in the preset any more
+    1 key of 1 parameter: read-only now, and not in the preset
+taken over:
+    1 key of 1 parameter: with values that parameters decide about
+    2 keys of 2 parameters: with values that are mapped
+    1 key of 1 parameter: renamed
+    1 key of 1 parameter: re-indexed
+    3 keys of 3 parameters: kept
+new, so that no file has them:
+    1 key of 1 parameter: reset by a load with defaults
+    2 keys of 1 parameter: without a default
+
+not defined any more, and not in a removed list:
+    gian[1]
+    gian[2] [on 1 of 2: b]
+
+defined, but no parameter of the variant any more:
+    extra [on 1 of 2: b]
+
+of another number of indices, without an index mapping:
+    matrix[1]
+    matrix[2] [on 1 of 2: b]
+
+with an index value that is gone:
+    gain[2] [on 1 of 2: b]
+    label[2] [in all on 1 of 2: b]
+    pan[2] [on 1 of 2: b]
+
+with values that no range has: a load of one fails:
+    gain[1] -> level[1]: 13..14, 16..19
+
+in a removed list:
+    tone
+
+not in the preset any more:
+    pan[1] [in third]
+
+read-only now, and not in the preset:
+    temp
+
+with values that parameters decide about:
+    mode: 4..5 [in all, sound]
+
+with values that are mapped:
+    gain[1] -> level[1]: 20 -> 15
+    mute -> mute[1]: "off" -> 0, "on" -> 1
+
+renamed:
+    gain[1] -> level[1]
+
+re-indexed:
+    mute -> mute[1]
+
+reset by a load with defaults:
+    fresh
+
+without a default:
+    matrix[1][1] and 1 more
+"""
+MISSING = ("morvanectl: cannot read none/parameters.def: No such file or directory; name the "
+           "definition files with --parameters and --presets\n")
+EXAMPLE = """\
+examples -> examples/next
+not loaded, as the definitions say:
+    1 key of 1 parameter: in a removed list
+taken over:
+    1 key of 1 parameter: with values that are mapped
+    1 key of 1 parameter: renamed
+    4 keys of 1 parameter: re-indexed
+    283 keys of 84 parameters: kept
+new, so that no file has them:
+    6 keys of 2 parameters: reset by a load with defaults
+
+in a removed list:
+    keyTone [in everything, panel, snapshot]
+
+with values that are mapped:
+    meterStyle: "loudness" -> "peak" [in everything, panel, snapshot]
+
+renamed:
+    videoTransitionTime -> transitionTime [in everything, scene, snapshot]
+
+re-indexed:
+    inputDelay[1] -> inputDelay[1][left] [in everything, input1, room, scene, snapshot]
+    inputDelay[2] -> inputDelay[2][left] [in everything, room, scene, snapshot]
+    inputDelay[3] -> inputDelay[3][left] and 1 more [in everything, scene, snapshot]
+
+reset by a load with defaults:
+    inputDelay[1][right] [in everything, input1, room, scene, snapshot]
+    inputDelay[2][right] [in everything, room, scene, snapshot]
+    inputDelay[3][right] and 1 more [in everything, scene, snapshot]
+    outputTrim[1] [in everything, room, scene, snapshot]
+    outputTrim[2] [in everything, room, scene, snapshot on 2 of 4: studio-*]
+"""
+
+
+def write(folder, files):
+    folder.mkdir()
+    for name, text in files.items():
+        (folder / name).write_text(text)
+
+
+@pytest.fixture
+def release(tmp_path):
+    """Runs `morvanectl release` in a folder with the releases old, new and same, which is old."""
+    for name, files in ("old", OLD), ("new", NEW), ("same", OLD):
+        write(tmp_path / name, files)
+    return lambda *arguments: run_ctl("release", *arguments, cwd=tmp_path)
+
+
+def tiny(tmp_path, name, parameters, presets="all preset { }\n"):
+    write(tmp_path / name, {"parameters.def": parameters, "presets.def": presets})
+
+
+def test_shows_what_is_lost_first(release):
+    assert release("old", "new") == (NO, REPORT, "")
+
+
+def test_shows_every_older_release(release):
+    kept = "old -> same\ntaken over:\n    20 keys of 10 parameters: kept\n"
+    assert release("old", "same") == (YES, kept, "")
+    assert release("old", "old", "same") == (YES, f"{kept}\n{kept}", "")
+    status, output, problems = release("old", "new", "same")
+    assert (status, problems) == (NO, "")
+    assert output.startswith(f"{kept}\nnew -> same\nlost,")
+
+
+def test_the_example_loses_nothing():
+    assert run_ctl("release", "examples", "examples/next", cwd=SOURCE) == (YES, EXAMPLE, "")
+
+
+@pytest.mark.parametrize("options", [["a"], ["b", "-s", "inputs=1"]])
+def test_takes_one_variant(release, options):
+    status, output, problems = release("old", "new", "--variant", *options)
+    assert (status, problems) == (NO, "")
+    assert output.startswith("old -> new\ngone: preset gone\nlost, which")
+    assert "[on" not in output and "[2]" not in output
+
+
+def test_says_that_the_only_variant_is_gone(release):
+    assert release("old", "new", "--variant", "c") == (NO, "old -> new\ngone: variant c\n", "")
+
+
+def test_takes_the_same_arguments_without_a_list_of_variants(release, tmp_path):
+    for name in "old", "new":
+        (tmp_path / name / "variants").unlink()
+    status, output, problems = release("old", "new", "-s", "inputs=1", "--json")
+    assert (status, problems) == (NO, "")
+    places = [place for row in json.loads(output)[0]["rows"] for place in row["places"]]
+    assert {place["variant"] for place in places} == {""}
+
+
+def test_takes_other_names_of_files(release, tmp_path):
+    for name in "old", "new":
+        for file in OLD:
+            (tmp_path / name / file).rename(tmp_path / name / f"my-{file}")
+    assert release("old", "new", "-p", "my-parameters.def", "-d", "my-presets.def", "--variants",
+                   "my-variants") == (NO, REPORT, "")
+
+
+def test_writes_json(release, tmp_path):
+    tiny(tmp_path, "1", "gain rw { }\nmode rw { rangeValid { 1, 2 } }\n",
+         "all preset { }\ngone preset { }\n")
+    tiny(tmp_path, "2", "mode rw { rangeValid { 1 } }\nlevel rw { }\n")
+    status, output, problems = release("1", "2", "--json")
+    everywhere = [{"variant": "", "presets": ["all"]}]
+
+    def row(fate, lost, parameter, before, after, values=()):
+        return {"fate": fate, "lost": lost, "parameter": parameter, "values": list(values),
+                "keys": [{"before": before, "after": after}], "places": everywhere}
+
+    assert (status, problems) == (NO, "")
+    assert json.loads(output) == [{
+        "release": "1", "lost": True, "goneVariants": [],
+        "gonePresets": [{"variant": "", "presets": ["gone"]}],
+        "rows": [row("unlisted", True, "gain", "gain", None),
+                 row("bad-value", True, "mode", "mode", "mode", ["2"]),
+                 row("kept", False, "mode", "mode", "mode"),
+                 row("new-without-default", False, "level", None, "level")]}]
+
+
+def test_does_not_repeat_what_the_older_release_says_about_its_own_past(release, tmp_path):
+    translate = "translate { mode { index 0 { input = 1 } } }\n"
+    parameters = ("input index { rangeValid { 1 } }\n"
+                  "gain rw { }\nmode rw { index { input } ctrlValid (0) }\n")
+    tiny(tmp_path, "1", parameters, translate + "all preset { }\n")
+    tiny(tmp_path, "2", "gain rw { }\n")
+    assert release("1", "2") == (
+        YES, "1 -> 2\ntaken over:\n    1 key of 1 parameter: kept\n", "")
+
+
+@pytest.mark.parametrize("arguments, problem", [
+    (["old", "none"], MISSING),
+    (["none", "new"], MISSING),
+    (["old", "new", "--variant", "d"],
+     "morvanectl: no variant d in old/variants, which has: a, b, c\n"),
+    (["old", "new", "--variants", "none"],
+     "morvanectl: cannot read new/none: No such file or directory\n"),
+])
+def test_says_what_it_cannot_read(release, arguments, problem):
+    assert release(*arguments) == (ERROR, "", problem)
+
+
+def test_needs_two_releases(release):
+    status, output, problems = release("old")
+    assert (status, output) == (ERROR, "")
+    assert "releases" in problems
+
+
+def test_points_at_an_error_in_a_release(release, tmp_path):
+    (tmp_path / "new/parameters.def").write_text("gain what { }\n")
+    status, output, problems = release("old", "new")
+    assert (status, output) == (ERROR, "")
+    assert problems.startswith("new/parameters.def:1:6: error: ")

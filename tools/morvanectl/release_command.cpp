@@ -1,0 +1,86 @@
+// morvanectl release: what becomes of the presets that older releases have stored when a release of
+// the definition files is installed.
+
+#include "commands.h"
+#include "definition_errors.h"
+#include "output.h"
+#include "release_comparison.h"
+#include "release_report.h"
+#include "variant.h"
+#include "variant_choice.h"
+
+#include <filesystem>
+#include <iostream>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace morvane::ctl {
+
+namespace {
+
+// The file of this name in a folder, or that of the usual name.
+std::string fileIn(const std::string& folder, const std::string& file, const char* installed) {
+    const std::filesystem::path path(
+        file == installed ? std::filesystem::path(file).filename().string() : file);
+    return (folder / path).string();
+}
+
+/// All variants that the release names, unless the settings choose one.
+std::optional<Release> readRelease(Settings settings, const std::string& folder) {
+    settings.paramDefFile = fileIn(folder, settings.paramDefFile, installedParamDefFile);
+    settings.presetDefFile = fileIn(folder, settings.presetDefFile, installedPresetDefFile);
+    if (!settings.variantsFile.empty())
+        settings.variantsFile = fileIn(folder, settings.variantsFile, "");
+    const auto named = readNamedVariants(settings);
+    if (!named)
+        return std::nullopt;
+    settings.allVariants = settings.variant.empty() && !named->empty();
+    auto device = readDevice(settings);
+    if (!device)
+        return std::nullopt;
+    return Release{folder, std::move(device->definitions), std::move(device->variants)};
+}
+
+std::optional<Release> readOlder(const Settings& settings, const std::string& folder) {
+    auto release = readRelease(settings, folder);
+    if (release) // what it has translated itself is of no matter
+        release->definitions.presets.translateSections.clear();
+    return release;
+}
+
+// That of the newest release may be without the variant that is asked for.
+std::optional<Release> readNewest(Settings settings) {
+    settings.variant.clear();
+    return readRelease(settings, settings.releases.back());
+}
+
+} // namespace
+
+ExitStatus showRelease(const Settings& settings) {
+    const auto newest = readNewest(settings);
+    if (!newest)
+        return ExitStatus::error;
+    auto status = ExitStatus::yes;
+    auto list = Json::array();
+    for (std::size_t i = 0; i + 1 < settings.releases.size(); ++i) {
+        const auto older = readOlder(settings, settings.releases[i]);
+        if (!older)
+            return ExitStatus::error;
+        const auto report = compareReleases(*older, *newest);
+        if (report.hasLoss())
+            status = ExitStatus::no;
+        if (settings.json) {
+            list.push_back(jsonOf(report, *older));
+            continue;
+        }
+        std::cout << (i == 0 ? "" : "\n");
+        writeReport(report, *older, newest->name);
+    }
+    if (settings.json)
+        writeJson(list);
+    return status;
+}
+
+} // namespace morvane::ctl
