@@ -1,17 +1,17 @@
-"""The tutorial, typed as it is written in an empty folder: the output is what it says."""
+"""The tutorial and the guide to releases, typed as they are written in an empty folder: the output
+is what they say."""
 
 import re
 import subprocess
 
+import pytest
 from harness import DEADLINE_SECONDS, SOURCE, tools_on_path, without_notices
 
-TUTORIAL = (SOURCE / "docs/tutorial.md").read_text()
 
-
-def steps():
-    """The commands of the tutorial with what they print."""
-    found = []
-    for block in re.findall(r"^```console\n(.*?)^```$", TUTORIAL, re.MULTILINE | re.DOTALL):
+def steps_of(guide):
+    """The commands of a guide with what they print."""
+    text, found = (SOURCE / f"docs/{guide}.md").read_text(), []
+    for block in re.findall(r"^```console\n(.*?)^```$", text, re.MULTILINE | re.DOTALL):
         inside = None  # the end of a here document
         for line in block.splitlines():
             if inside is not None:
@@ -39,11 +39,14 @@ def waits_before(command):
     return [until_lines(6)] if command == "cat changes" else []
 
 
-def test_every_step_prints_what_the_tutorial_says(world):
+@pytest.mark.parametrize("guide", ["tutorial", "release"])
+def test_every_step_prints_what_the_guide_says(world, guide):
+    steps = steps_of(guide)
     # Job control, as an interactive shell has it, for "kill %1".
     script = ["set -m"]
-    for number, (command, _) in enumerate(steps()):
-        script += [f"echo '=== {number}'", *waits_before(command), command]
+    for number, (command, _) in enumerate(steps):
+        script += [f"status=$?; echo '=== {number}'", *waits_before(command), "(exit $status)",
+                   command]  # which may show the status of the last one
         if command.startswith("kill "):
             # The next job is to have its number. One that has ended may be known no more.
             script.append(f"wait {command.split()[1]} 2>/dev/null")
@@ -62,5 +65,5 @@ def test_every_step_prints_what_the_tutorial_says(world):
     without_jobs = re.sub(r"^\[\d+\].*\n", "", without_notices(printed_file.read_text()),
                           flags=re.MULTILINE)
     printed = re.split(r"^=== \d+\n", without_jobs, flags=re.MULTILINE)[1:]
-    assert list(zip([command for command, _ in steps()], printed)) == steps()
-    assert len(steps()) > 20
+    assert list(zip([command for command, _ in steps], printed)) == steps
+    assert len(steps) > 20

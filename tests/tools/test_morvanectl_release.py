@@ -279,3 +279,82 @@ def test_points_at_an_error_in_a_release(release, tmp_path):
     status, output, problems = release("old", "new")
     assert (status, output) == (ERROR, "")
     assert problems.startswith("new/parameters.def:1:6: error: ")
+
+
+# Suggestions.
+
+NAMES = "# New names, guessed from the old ones.\n"
+INDICES = "# New indices; what is not idx:: and a number is guessed: the first value.\n"
+COMMON = """\
+input index { rangeValid { 3, 4 } }
+output index { rangeValid { 1, 2 } }
+blank index { rangeValid { "a b" } }
+stays rw { }
+"""
+ALL = "all preset { }\n"
+
+
+@pytest.mark.parametrize("before, after, presets, suggested", [
+    ("gain rw { }", "", "", "translate { removed { gain } }\n"),
+    ("pan rw { } gain rw { }", "", "", "translate { removed { gain, pan } }\n"),
+    ("gain rw { }", "gains rw { }", "", NAMES + "translate { gains { from { gain } } }\n"),
+    ("gaia rw { } gain rw { }", "gaim rw { }", "",
+     "translate { removed { gain } }\n" + NAMES + "translate { gaim { from { gaia } } }\n"),
+    ("gain rw { }", "gains ro { }", "all preset { include ro { all } }\n",
+     NAMES + "translate { gains { from { gain } } }\n"),
+    ("gain rw { }", "gains wo { }", "", "translate { removed { gain } }\n"),
+    ("gain rw { }", "gains rw { ctrlValid (0) }", "", "translate { removed { gain } }\n"),
+    ("remove rw { }", "removed rw { }", "", "translate { removed { remove } }\n"),
+    ("gain rw { }", "gain rw { index { output } }", "",
+     INDICES + "translate { gain { index 0 { output = 1 } } }\n"),
+    ("gain rw { index { input } }", "gain rw { index { output } index { input } }", "",
+     INDICES + "translate { gain { index 1 { output = 1, input = idx::0 } } }\n"),
+    ("gain rw { index { input } index { output } }", "gain rw { index { output } }", "",
+     INDICES + "translate { gain { index 2 { output = idx::1 } } }\n"),
+    ("gain rw { index { input } }", "gains rw { index { input } index { input } }", "",
+     NAMES + "translate { gains { from { gain } } }\n"
+     + INDICES + "translate { gains { index 1 { input = idx::0, input = 3 } } }\n"),
+    ("gain rw { }", "level rw { index { input } }", "translate { level { from { gain } } }\n",
+     INDICES + "translate { level { index 0 { input = 3 } } }\n"),
+])
+def test_finds_nothing_lost_with_what_it_suggests(release, tmp_path, before, after, presets,
+                                                  suggested):
+    presets = presets if " preset " in presets else ALL + presets
+    tiny(tmp_path, "1", COMMON + before, ALL)
+    tiny(tmp_path, "2", COMMON + after, presets)
+    assert release("1", "2", "--suggest") == (NO, suggested, "")
+    assert release("1", "1", "2", "--suggest") == (NO, suggested, "")
+    (tmp_path / "2/presets.def").write_text(presets + suggested)
+    status, output, problems = release("1", "2")
+    assert (status, problems) == (YES, ""), output
+    assert release("1", "2", "--suggest") == (YES, "", "")
+
+
+@pytest.mark.parametrize("before, after", [
+    ("gain,pan rw { }", ""),
+    ("gain rw { rangeValid { 1 } }", "gain rw { rangeValid { 2 } }"),
+    ("gain rw { index { input } }", "gain rw { }"),
+    ("gain rw { index { input } }", "gain rw { index { output } }"),
+    ("gain rw { }", "gain rw { index { blank } }"),
+    ("gain rw { }", "gain rw { index { none } }"),
+])
+def test_suggests_nothing_that_cannot_be_said(release, tmp_path, before, after):
+    tiny(tmp_path, "1", COMMON + before)
+    tiny(tmp_path, "2", COMMON + after)
+    assert release("1", "2", "--suggest") == (NO, "", "")
+
+
+def test_suggests_lines_for_every_variant(release, tmp_path):
+    status, suggested, problems = release("old", "new", "--suggest")
+    assert (status, suggested, problems) == (
+        NO, "translate { removed { gian } }\n" + INDICES
+        + "translate { matrix { index 1 { input = idx::0, output = 1 } } }\n", "")
+    with (tmp_path / "new/presets.def").open("a") as file:
+        file.write(suggested)
+    assert release("old", "new", "--suggest")[1] == ""
+
+
+def test_suggests_no_json(release):
+    assert release("old", "new", "--suggest", "--json") == (
+        ERROR, "", '{"file":null,"line":null,"column":null,"severity":"error","code":null,"text":'
+        '"release takes one of --suggest and --json","variants":[]}\n')

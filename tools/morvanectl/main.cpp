@@ -382,6 +382,8 @@ private:
             ->required()
             ->type_name("FOLDER")
             ->expected(2, most);
+        release->add_flag("--suggest", settings_.suggest,
+                          "Show the lines of a translate section that are missing");
     }
 
     void addCompletion() {

@@ -6,6 +6,7 @@
 #include "output.h"
 #include "release_comparison.h"
 #include "release_report.h"
+#include "release_suggestion.h"
 #include "variant.h"
 #include "variant_choice.h"
 
@@ -59,11 +60,14 @@ std::optional<Release> readNewest(Settings settings) {
 } // namespace
 
 ExitStatus showRelease(const Settings& settings) {
+    if (settings.suggest && settings.json)
+        return settings.messages.fail("release takes one of --suggest and --json");
     const auto newest = readNewest(settings);
     if (!newest)
         return ExitStatus::error;
     auto status = ExitStatus::yes;
     auto list = Json::array();
+    TranslationSuggestion suggestion(*newest);
     for (std::size_t i = 0; i + 1 < settings.releases.size(); ++i) {
         const auto older = readOlder(settings, settings.releases[i]);
         if (!older)
@@ -71,15 +75,18 @@ ExitStatus showRelease(const Settings& settings) {
         const auto report = compareReleases(*older, *newest);
         if (report.hasLoss())
             status = ExitStatus::no;
-        if (settings.json) {
+        if (settings.suggest) {
+            suggestion.add(report, *older);
+        } else if (settings.json) {
             list.push_back(jsonOf(report, *older));
-            continue;
+        } else {
+            std::cout << (i == 0 ? "" : "\n");
+            writeReport(report, *older, newest->name);
         }
-        std::cout << (i == 0 ? "" : "\n");
-        writeReport(report, *older, newest->name);
     }
     if (settings.json)
         writeJson(list);
+    std::cout << suggestion.text();
     return status;
 }
 

@@ -336,7 +336,8 @@ private:
     std::map<Groups, std::uint32_t> places_;
 };
 
-// The arguments of the same variant in the newer release; null if it does not have it.
+} // namespace
+
 const SystemArguments* argumentsIn(const Release& newer, const DescribedVariant& variant) {
     if (variant.name.empty())
         return &variant.arguments;
@@ -345,8 +346,6 @@ const SystemArguments* argumentsIn(const Release& newer, const DescribedVariant&
                      [&](const DescribedVariant& v) { return v.name == variant.name; });
     return found == newer.variants.end() ? nullptr : &found->arguments;
 }
-
-} // namespace
 
 bool isLoss(Fate fate) {
     return fate <= Fate::badValue;

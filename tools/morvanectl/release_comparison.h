@@ -82,6 +82,10 @@ struct ReleaseReport {
     bool hasLoss() const;
 };
 
+/// The arguments of the same variant in a newer release.
+/// @return null if it does not have the variant; borrowed from either.
+const SystemArguments* argumentsIn(const Release& newer, const DescribedVariant& variant);
+
 /// Takes every key that a store of the older release could have written, for each of its variants
 /// and presets, through a load by the newer one. The variants of both belong together by name; a
 /// single one without a name has the same arguments in both.
