@@ -42,10 +42,12 @@ class GeneratedDevice:
 
 
 def generate(seed):
-    return _Generator(random.Random(seed)).device()
+    return Generator(random.Random(seed)).device()
 
 
-class _Generator:
+class Generator:
+    """Makes the parts of a device, one after the other."""
+
     def __init__(self, chance):
         self.chance = chance
 

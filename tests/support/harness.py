@@ -203,10 +203,18 @@ class Simulator:
         ready = self.process.stdout.readline()
         assert ready.startswith("ready :"), ready + self.log.read_text()
 
-    def calls(self):
-        """The calls so far: method names with their arguments as Python values."""
+    def position(self):
+        """Where the log ends now, for `calls`."""
+        return self.log.stat().st_size
+
+    def calls(self, since=0):
+        """The calls so far, or since a position: method names with their arguments as Python
+        values."""
         calls = []
-        for line in self.log.read_text().splitlines():
+        with self.log.open() as log:
+            log.seek(since)
+            lines = log.read().splitlines()
+        for line in lines:
             match = re.fullmatch(r"call (\w+) (\(.*\))", line)
             if match:
                 arguments = GLib.Variant.parse(None, match[2], None, None).unpack()

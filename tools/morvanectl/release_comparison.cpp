@@ -31,8 +31,7 @@ public:
           isSet_(after.size()) {}
 
     bool isFor(const KeySet& before, const KeySet& after) const {
-        return before.size() == before_.size() && after.size() == after_.size() &&
-               before == before_ && after == after_;
+        return before == before_ && after == after_;
     }
 
     std::vector<std::string> presets{};
@@ -250,7 +249,7 @@ private:
                 again.push_back(here);
         }
         const ReleaseRow::Key keys{std::string(key), translated.key};
-        add(fateOfDropped(name, translated), name, newNameOf(name), {}, {keys.before, ""},
+        add(fateOfDropped(entry, translated), name, newNameOf(entry.name), {}, {keys.before, ""},
             uncovered);
         if (covered.empty())
             return {};
@@ -278,12 +277,13 @@ private:
         return before.indices == after.indices ? Fate::renamed : Fate::renamedAndReindexed;
     }
 
-    Fate fateOfDropped(std::string_view name, const TranslatedEntry& translated) const {
+    Fate fateOfDropped(const PresetEntry& before, const TranslatedEntry& translated) const {
         switch (translated.unlessCovered) {
         case DropReason::removed:
             return Fate::removed;
         case DropReason::unmapped:
-            return Fate::unmapped;
+            return hasMapping(newNameOf(before.name), before.indices.size()) ? Fate::badMapping
+                                                                             : Fate::unmapped;
         case DropReason::noParameter:
             return newer_.definitions.parameters.find(translated.entry.name) == nullptr
                        ? Fate::unlisted
@@ -293,9 +293,15 @@ private:
         case DropReason::notInPreset:
             break;
         }
-        const bool isReadOnlyNow =
-            newer_.manager.isReadOnly(translated.entry.name) && !older_.manager.isReadOnly(name);
+        const bool isReadOnlyNow = newer_.manager.isReadOnly(translated.entry.name) &&
+                                   !older_.manager.isReadOnly(before.name);
         return isReadOnlyNow ? Fate::readOnly : Fate::notInPreset;
+    }
+
+    bool hasMapping(std::string_view name, std::size_t count) const {
+        const auto& all = newer_.manager.translation().indexMaps;
+        const auto found = all.find(name);
+        return found != all.end() && found->second.contains(count);
     }
 
     bool hasItsIndices(const PresetEntry& entry) const {

@@ -25,7 +25,8 @@ enum class Fate : std::uint8_t {
     // Lost, and no definition says so.
     unlisted,   ///< the newer release does not define the parameter, nor lists it as removed
     absent,     ///< the parameter is not on the variant any more, or no preset can have it
-    unmapped,   ///< the number of indices is another one, and no index mapping fits
+    unmapped,   ///< the number of indices is another one, and there is no index mapping for it
+    badMapping, ///< its index mapping refers to an old index that it does not have
     noInstance, ///< the parameter does not have the index value on the variant any more
     unknownKey, ///< a preset includes it although the variant does not have it: the load fails
     badValue,   ///< some of its values are in no range any more: a load that sets one fails

@@ -24,6 +24,8 @@ constexpr std::array fateTexts{
     FateText{Fate::unlisted, "unlisted", "not defined any more, and not in a removed list"},
     FateText{Fate::absent, "absent", "defined, but no parameter of the variant any more"},
     FateText{Fate::unmapped, "unmapped", "of another number of indices, without an index mapping"},
+    FateText{Fate::badMapping, "bad-mapping",
+             "with an index mapping of more indices than they have"},
     FateText{Fate::noInstance, "no-instance", "with an index value that is gone"},
     FateText{Fate::unknownKey, "unknown-key", "included, but not on the variant: a load fails"},
     FateText{Fate::badValue, "bad-value", "with values that no range has: a load of one fails"},

@@ -96,6 +96,12 @@ const FateRow fateRows[] = {
      "gain rw { index { output } }",
      "translate { gain { index 2 { output = idx::0 } } }",
      {{Fate::unmapped, "gain>"}, {Fate::addedWithoutDefault, ">gain[7] >gain[8]"}}},
+    {"another index, a mapping of an index too many",
+     "gain rw { index { input } }",
+     "gain rw { index { output } index { input } }",
+     "translate { gain { index 1 { output = idx::0, input = idx::1 } } }",
+     {{Fate::badMapping, "gain[1]> gain[2]>"},
+      {Fate::addedWithoutDefault, ">gain[7][1] >gain[7][2] >gain[8][1] >gain[8][2]"}}},
     {"another index",
      "gain rw { }",
      "gain rw { index { output } default { 1 } }",
@@ -312,6 +318,19 @@ TEST(ReleaseComparison, KeepsTogetherWhatIsAlike) {
     EXPECT_EQ(report.rows.at(2).places, (std::vector<PresetsOnVariant>{{1, three}}));
     EXPECT_EQ(report.rows.at(3).places,
               (std::vector<PresetsOnVariant>{{0, {"one"}}, {1, {"one"}}}));
+}
+
+TEST(ReleaseComparison, TellsPresetsApartThatWereTheSame) {
+    const auto older = release("gain rw { } mode rw { }", "one preset { } two preset { }");
+    const auto newer = release("gain rw { } mode rw { }", "one preset { exclude rw { gain } } "
+                                                          "two preset { exclude rw { mode } }");
+    const auto report = compareReleases(older, newer);
+    EXPECT_EQ(fatesOf(report), (Found{{Fate::notInPreset, "gain>"},
+                                      {Fate::notInPreset, "mode>"},
+                                      {Fate::kept, "gain>gain"},
+                                      {Fate::kept, "mode>mode"}}));
+    EXPECT_EQ(report.rows.at(0).places, (std::vector<PresetsOnVariant>{{0, {"one"}}}));
+    EXPECT_EQ(report.rows.at(2).places, (std::vector<PresetsOnVariant>{{0, {"two"}}}));
 }
 
 TEST(ReleaseComparison, HasALossThatIsNotSaid) {
