@@ -358,3 +358,85 @@ def test_suggests_no_json(release):
     assert release("old", "new", "--suggest", "--json") == (
         ERROR, "", '{"file":null,"line":null,"column":null,"severity":"error","code":null,"text":'
         '"release takes one of --suggest and --json","variants":[]}\n')
+
+
+# Files.
+
+LOST = """\
+files/sub/second.preset:1:1: warning: no parameter gian on this variant [on b]
+gian[1]=1
+^
+"""
+
+
+@pytest.fixture
+def files(tmp_path):
+    """A folder with preset data files of the older release."""
+    folder = tmp_path / "files"
+    (folder / "sub").mkdir(parents=True)
+    (folder / "first.preset").write_text("gain[1]=20\nmute=on\ntone=3\n")
+    return folder
+
+
+def test_reads_files(release, files, tmp_path):
+    (tmp_path / "new/variants").write_text(NEW["variants"].replace("b: inputs=1", "b: inputs=2"))
+    good = "files -> new\n1 of 1 file without a warning\n"
+    status, output, problems = release("old", "new", "--files", "files")
+    assert (status, problems) == (NO, "") and output.endswith("\n\n" + good)
+    assert release("old", "old", "--files", "files") == (
+        YES, "old -> old\ntaken over:\n    20 keys of 10 parameters: kept\n\n"
+        "files -> old\n1 of 1 file without a warning\n", "")
+    (files / "sub/second.preset").write_text("gian[1]=1\ngain[2]=1\n")
+    status, output, problems = release("old", "new", "--files", "files")
+    assert (status, problems) == (NO, "")
+    assert output.endswith(f"\n\nfiles -> new\n1 of 2 files without a warning\n{LOST}")
+
+
+def test_counts_what_it_finds_in_files(release, files, tmp_path):
+    tiny(tmp_path, "1", "gain rw { rangeValid { 1, 2 } }\n")
+    (files / "first.preset").write_text("gain=2\n")
+    kept = "1 -> 1\ntaken over:\n    1 key of 1 parameter: kept\n\nfiles -> 1\n"
+    assert release("1", "1", "--files", "files") == (
+        YES, f"{kept}1 of 1 file without a warning\n", "")
+    (files / "first.preset").write_text("gain=3\n")
+    assert release("1", "1", "--files", "files") == (
+        NO, f"{kept}0 of 1 file without a warning\n"
+        'files/first.preset:1:6: warning: gain: "3" is none of its values: 1, 2\ngain=3\n'
+        "     ^\n", "")
+
+
+def test_reads_the_backup_of_a_file(release, files, tmp_path):
+    tiny(tmp_path, "1", "gain rw { }\n")
+    (files / "first.preset").write_text("mode=3\n")
+    (files / "first.preset_bak").write_text("gain=3\n")
+    assert release("1", "1", "--files", "files") == (
+        YES, "1 -> 1\ntaken over:\n    1 key of 1 parameter: kept\n\n"
+        "files -> 1\n1 of 1 file without a warning\n",
+        "morvanectl: an interrupted store left files/first.preset_bak, which a load puts back\n")
+
+
+def test_writes_files_as_json(release, files, tmp_path):
+    (files / "sub/second.preset").write_text("gian[1]=1\n")
+    status, output, problems = release("old", "new", "--files", "files", "--json")
+    assert (status, problems) == (NO, "")
+    assert json.loads(output)[1:] == [{
+        "files": "files", "lost": True, "count": 2, "good": 1, "findings": [{
+            "file": "files/sub/second.preset", "line": 1, "column": 1, "severity": "warning",
+            "code": "unknown-key", "text": "no parameter gian on this variant",
+            "variants": ["b"]}]}]
+
+
+@pytest.mark.parametrize("arguments, problem", [
+    (["none"], "cannot read none: No such file or directory"),
+    (["empty"], "no preset data file in empty"),
+])
+def test_says_that_there_are_no_files(release, tmp_path, arguments, problem):
+    (tmp_path / "empty").mkdir()
+    status, _, problems = release("old", "old", "--files", *arguments)
+    assert (status, problems) == (ERROR, f"morvanectl: {problem}\n")
+
+
+def test_takes_one_of_files_and_suggestions(release):
+    status, output, problems = release("old", "new", "--files", "x", "--suggest")
+    assert (status, output) == (ERROR, "")
+    assert "excludes" in problems

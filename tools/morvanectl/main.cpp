@@ -382,8 +382,14 @@ private:
             ->required()
             ->type_name("FOLDER")
             ->expected(2, most);
-        release->add_flag("--suggest", settings_.suggest,
-                          "Show the lines of a translate section that are missing");
+        auto* const suggest =
+            release->add_flag("--suggest", settings_.suggest,
+                              "Show the lines of a translate section that are missing");
+        release
+            ->add_option("--files", settings_.file,
+                         "Check the preset data files in this folder and in those below it, too")
+            ->type_name("FOLDER")
+            ->excludes(suggest);
     }
 
     void addCompletion() {

@@ -5,6 +5,7 @@
 #include "definition_errors.h"
 #include "output.h"
 #include "release_comparison.h"
+#include "release_files.h"
 #include "release_report.h"
 #include "release_suggestion.h"
 #include "variant.h"
@@ -57,37 +58,78 @@ std::optional<Release> readNewest(Settings settings) {
     return readRelease(settings, settings.releases.back());
 }
 
+/// Writes the answer in the form that the settings ask for.
+class Answer {
+public:
+    /// Both are borrowed for the object's life.
+    Answer(const Settings& settings, const Release& newest)
+        : settings_(settings),
+          newest_(newest),
+          suggestion_(newest) {}
+
+    void add(const ReleaseReport& report, const Release& older) {
+        isLost_ = isLost_ || report.hasLoss();
+        if (settings_.suggest)
+            suggestion_.add(report, older);
+        else if (settings_.json)
+            list_.push_back(jsonOf(report, older));
+        else
+            writePart([&] { writeReport(report, older, newest_.name); });
+    }
+
+    void add(const std::vector<FileOutcome>& files) {
+        isLost_ = isLost_ || hasLoss(files);
+        if (settings_.json)
+            list_.push_back(jsonOf(files, settings_.file, newest_));
+        else
+            writePart([&] { writeFiles(files, settings_.file, newest_); });
+    }
+
+    ExitStatus finish() const {
+        std::cout << suggestion_.text();
+        if (settings_.json)
+            writeJson(list_);
+        return isLost_ ? ExitStatus::no : ExitStatus::yes;
+    }
+
+private:
+    template <typename Write>
+    void writePart(Write write) {
+        std::cout << (isFirst_ ? "" : "\n");
+        isFirst_ = false;
+        write();
+    }
+
+    const Settings& settings_;
+    const Release& newest_;
+    TranslationSuggestion suggestion_;
+    Json list_ = Json::array();
+    bool isFirst_ = true;
+    bool isLost_ = false;
+};
+
 } // namespace
 
 ExitStatus showRelease(const Settings& settings) {
     if (settings.suggest && settings.json)
         return settings.messages.fail("release takes one of --suggest and --json");
-    const auto newest = readNewest(settings);
+    auto newest = readNewest(settings);
     if (!newest)
         return ExitStatus::error;
-    auto status = ExitStatus::yes;
-    auto list = Json::array();
-    TranslationSuggestion suggestion(*newest);
+    Answer answer(settings, *newest);
     for (std::size_t i = 0; i + 1 < settings.releases.size(); ++i) {
         const auto older = readOlder(settings, settings.releases[i]);
         if (!older)
             return ExitStatus::error;
-        const auto report = compareReleases(*older, *newest);
-        if (report.hasLoss())
-            status = ExitStatus::no;
-        if (settings.suggest) {
-            suggestion.add(report, *older);
-        } else if (settings.json) {
-            list.push_back(jsonOf(report, *older));
-        } else {
-            std::cout << (i == 0 ? "" : "\n");
-            writeReport(report, *older, newest->name);
-        }
+        answer.add(compareReleases(*older, *newest), *older);
     }
-    if (settings.json)
-        writeJson(list);
-    std::cout << suggestion.text();
-    return status;
+    if (!settings.file.empty()) {
+        const auto files = checkFiles(*newest, settings.file, settings.messages);
+        if (!files)
+            return ExitStatus::error;
+        answer.add(*files);
+    }
+    return answer.finish();
 }
 
 } // namespace morvane::ctl

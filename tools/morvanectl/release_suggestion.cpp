@@ -1,10 +1,12 @@
 #include "release_suggestion.h"
 
+#include "output.h"
 #include "suggestion.h"
 #include "tables/condition.h"
 #include "tables/device_tables.h"
 
 #include <algorithm>
+#include <sstream>
 #include <utility>
 #include <vector>
 
@@ -124,20 +126,21 @@ void TranslationSuggestion::addTemplate(const SystemParameter& before, std::stri
 }
 
 std::string TranslationSuggestion::text() const {
-    std::string text;
+    std::ostringstream text;
     if (!removed_.empty())
-        text += "translate { removed { " +
-                joined(std::vector(removed_.begin(), removed_.end()), ", ") + " } }\n";
+        text << "translate { removed { "
+             << joined(std::vector(removed_.begin(), removed_.end()), ", ") << " } }\n";
     if (!renamed_.empty())
-        text += "# New names, guessed from the old ones.\n";
+        text << "# New names, guessed from the old ones.\n";
     for (const auto& [before, after] : renamed_)
-        text += "translate { " + after + " { from { " + before + " } } }\n";
+        text << "translate { " << after << " { from { " << before << " } } }\n";
     if (!templates_.empty())
-        text += "# New indices; what is not idx:: and a number is guessed: the first value.\n";
-    for (const auto& [place, pairs] : templates_)
-        text += "translate { " + place.first + " { index " + std::to_string(place.second) + " { " +
-                pairs + " } } }\n";
-    return text;
+        text << "# New indices; what is not idx:: and a number is guessed: the first value.\n";
+    for (const auto& [place, pairs] : templates_) {
+        const auto& [name, count] = place;
+        text << "translate { " << name << " { index " << count << " { " << pairs << " } } }\n";
+    }
+    return text.str();
 }
 
 } // namespace morvane::ctl
