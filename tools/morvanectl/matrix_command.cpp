@@ -123,7 +123,7 @@ ExitStatus showMatrix(const Settings& settings) {
         return ExitStatus::error;
     const auto parameters = shownParameters(matrix, settings.onlyDifferences);
     if (settings.html)
-        return writePage(settings, device->definitions, matrix, parameters);
+        return writeMatrixPage(settings, device->definitions, matrix, parameters);
     if (settings.csv || settings.json)
         writeRecords(matrix, parameters, settings.csv);
     else

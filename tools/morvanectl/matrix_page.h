@@ -14,7 +14,7 @@ namespace morvane::ctl {
 /// covers a key or not. Fails if it would have more than 20 MB.
 /// @param parameters to be shown, by their places in the matrix.
 /// @return yes, or error with a message on standard error.
-ExitStatus writePage(const Settings& settings, const Definitions& definitions,
-                     const CoverageMatrix& matrix, std::span<const std::size_t> parameters);
+ExitStatus writeMatrixPage(const Settings& settings, const Definitions& definitions,
+                           const CoverageMatrix& matrix, std::span<const std::size_t> parameters);
 
 } // namespace morvane::ctl

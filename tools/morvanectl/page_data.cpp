@@ -1,8 +1,8 @@
 #include "page_data.h"
 
-#include "block_lines.h"
 #include "condition_text.h"
 #include "core/preset_manager.h"
+#include "html_page.h"
 #include "preset_reasons.h"
 #include "tables/preset_keys.h"
 
@@ -12,26 +12,12 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
 namespace morvane::ctl {
 
 namespace {
-
-/// Numbers texts, equal ones once.
-class Numbering {
-public:
-    /// @return the number of the text, and whether it is new.
-    std::pair<std::size_t, bool> add(const std::string& text) {
-        const auto [known, isNew] = numbers_.try_emplace(text, numbers_.size());
-        return {known->second, isNew};
-    }
-
-private:
-    std::unordered_map<std::string, std::size_t> numbers_;
-};
 
 /// The definition that gives a preset its keys: the first of its name that covers one.
 const PresetDefinition* definitionOf(std::string_view name, const PresetDefinitions& definitions,
@@ -130,12 +116,7 @@ private:
     }
 
     Json blocks(std::string_view name) const {
-        Json blocks = Json::array();
-        if (const auto found = lines_.find(name); found != lines_.end()) {
-            for (auto& [line, text] : excerpts(definitions_.parameters.text(), found->second))
-                blocks.push_back({{"line", line}, {"text", std::move(text)}});
-        }
-        return blocks;
+        return blocksOf(name, definitions_.parameters.text(), lines_);
     }
 
     Json conditions(const SystemParameter& parameter) {
@@ -157,10 +138,7 @@ private:
     }
 
     void addVariant(const DescribedVariant& variant) {
-        Json arguments = Json::array();
-        for (const auto& [name, value] : variant.arguments)
-            arguments.push_back(std::string(name).append("=").append(value));
-        variants_.push_back({{"name", variant.name}, {"arguments", std::move(arguments)}});
+        variants_.push_back(jsonOf(variant));
         const PresetManager manager(definitions_, variant.arguments);
         for (auto& index : indices_) {
             const auto found = manager.indices().find(index["name"].get_ref<const std::string&>());
