@@ -5,7 +5,6 @@ import os
 from pathlib import Path
 
 import pytest
-from browser import Browser
 from harness import BUILD
 
 PAGES = sorted((BUILD / "man/html").glob("*.html"))
@@ -20,13 +19,6 @@ TOO_WIDE = """(() => {
         element => element.getBoundingClientRect().right > WIDTH && !scrolls(element)
     ).map(element => element.outerHTML.slice(0, 100));
 })()"""
-
-
-@pytest.fixture(scope="module")
-def browser(tmp_path_factory):
-    browser = Browser(tmp_path_factory.mktemp("chromium"))
-    yield browser
-    browser.close()
 
 
 def overflow(browser, width):

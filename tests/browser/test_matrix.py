@@ -8,22 +8,14 @@ import subprocess
 from pathlib import Path
 
 import pytest
-from browser import Browser
 from harness import CTL, SOURCE
+from pages import WINDOWS, choose, printed, shown, take_pictures, texts
 
 PICTURES = Path(os.environ["MORVANE_PICTURES"])
-WINDOWS = {"desk": (1280, 900), "tablet": (800, 1000), "telephone": (360, 740)}  # in CSS pixels
 VARIANTS = ["field-eu", "field-us", "studio-eu", "studio-us"]
 CELLS = [("studio-us", "room", "matrixGain"), ("field-eu", "meters", "inputLevel"),
          ("studio-us", "input1", "inputFormat"), ("field-us", "tone", "outputEqGain"),
          ("studio-eu", "snapshot", "fanSpeed")]
-
-
-@pytest.fixture(scope="module")
-def browser(tmp_path_factory):
-    browser = Browser(tmp_path_factory.mktemp("chromium"))
-    yield browser
-    browser.close()
 
 
 def ctl(folder, *arguments):
@@ -43,25 +35,6 @@ def page(tmp_path_factory):
                    "--all-variants")
 
 
-def choose(browser, name, value):
-    """Gives a filter a value, as somebody who types or selects it."""
-    browser.evaluate(f"""(() => {{
-        const field = document.getElementById({json.dumps(name)});
-        field.type === 'checkbox' ? field.checked = {json.dumps(value)}
-                                  : field.value = {json.dumps(value)};
-        field.dispatchEvent(new Event('input', {{bubbles: true}}));
-    }})()""")
-
-
-def texts(browser, selector):
-    return browser.evaluate(
-        f"[...document.querySelectorAll({json.dumps(selector)})].map(e => e.textContent)")
-
-
-def shown(browser):
-    return texts(browser, "#rows tr:not(.space) th")
-
-
 def open_cell(browser, variant, preset, parameter):
     number = VARIANTS.index(variant)
     for name, value in (("search", parameter), ("preset", ""), ("variant", str(number))):
@@ -72,21 +45,12 @@ def open_cell(browser, variant, preset, parameter):
                      f".children[{column}].click()")
 
 
-@pytest.mark.parametrize("dark", [False, True])
-@pytest.mark.parametrize("window", WINDOWS)
-def test_fits_into_the_window(browser, page, window, dark):
-    width, height = WINDOWS[window]
-    for part in ("table", "cell"):
-        browser.open(page, width, height, dark=dark)
-        if part == "cell":
-            open_cell(browser, "studio-us", "room", "matrixGain")
-            choose(browser, "search", "")  # the whole table behind it
-        browser.take_picture(PICTURES / f"matrix-{part}-{window}{'-dark' * dark}.png")
-        assert browser.evaluate("document.scrollingElement.scrollWidth") == width
-        assert browser.evaluate("document.getElementById('frame').clientHeight") > height / 3
-        assert browser.evaluate(
-            "document.getElementById('detail').getBoundingClientRect().right") <= width
-        assert browser.complaints() == []
+def test_fits_into_the_window(browser, page):
+    def open_a_cell():
+        open_cell(browser, "studio-us", "room", "matrixGain")
+        choose(browser, "search", "")  # the whole table behind it
+    take_pictures(browser, page, PICTURES, "matrix",
+                  {"table": lambda: None, "cell": open_a_cell})
 
 
 @pytest.mark.parametrize("variant, preset, parameter", CELLS)
@@ -208,13 +172,6 @@ def test_is_usable_with_the_keyboard(browser, page):
     browser.press("/")
     assert browser.evaluate("document.activeElement.id") == "search"
     assert browser.complaints() == []
-
-
-def printed(browser, folder):
-    """The text of the page on paper, line by line."""
-    browser.print_page(folder / "page.pdf")
-    return subprocess.run(["pdftotext", "-layout", "page.pdf", "-"], cwd=folder, check=True,
-                          capture_output=True, text=True).stdout
 
 
 def scroll_to(browser, top):

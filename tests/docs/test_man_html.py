@@ -11,7 +11,7 @@ from harness import BUILD, EMULATOR, SOURCE
 PAGES = sorted([path.name for path in (SOURCE / "man").glob("*.[0-9]")]
                + [path.stem for path in (SOURCE / "docs").glob("*.md")])
 # Made by the tool, which a cross build cannot run.
-EXAMPLES = [] if EMULATOR else ["example-coverage.html"]
+EXAMPLES = [] if EMULATOR else ["example-coverage.html", "example-release.html"]
 DEBIAN = "https://manpages.debian.org/"
 OTHERS = {DEBIAN + page for page in ("dbus-daemon.1", "gdbus.1")}
 

@@ -54,7 +54,8 @@ COMPONENTS = {
         f"{DOCUMENTS}/html/index.html",
         f"{DOCUMENTS}/html/style.css",
         # Made by the tool, which a cross build cannot run.
-        *([] if EMULATOR else [f"{DOCUMENTS}/html/example-coverage.html"]),
+        *([] if EMULATOR else [f"{DOCUMENTS}/html/example-{page}.html"
+                               for page in ("coverage", "release")]),
         *(f"{DOCUMENTS}/html/{page.name}.html" for page in (SOURCE / "man").glob("*.[158]")),
         *(f"{DOCUMENTS}/html/{page.stem}.html" for page in (SOURCE / "docs").glob("*.md")),
         *(f"{DOCUMENTS}/{name}" for name in FOLDERS),

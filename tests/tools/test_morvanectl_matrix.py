@@ -11,6 +11,7 @@ import pexpect
 import pytest
 from generated_device import generate
 from harness import CTL, DEADLINE_SECONDS, SLOW_STARTS, SOURCE
+from pages import data_of
 
 YES, ERROR = 0, 2
 DEVICES = 60 if SLOW_STARTS else 300
@@ -207,12 +208,6 @@ def test_warns_once_of_names_that_nothing_gives(folder):
 
 
 # As a page; tests/browser opens it.
-
-def data_of(page):
-    """What stands between the marks of the data, and nothing else of the page."""
-    return json.loads(page.partition('<script type="application/json" id="data">')[2]
-                      .partition("</script>")[0])
-
 
 def test_writes_a_page_that_needs_nothing_else(folder):
     assert run(folder, "matrix", "--all-variants", "--html", "page") == (YES, "", "")

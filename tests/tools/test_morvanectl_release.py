@@ -4,6 +4,7 @@ import json
 
 import pytest
 from harness import SOURCE, run_ctl
+from pages import data_of, rows_of
 
 YES, NO, ERROR = 0, 1, 2
 OLD = {
@@ -354,10 +355,11 @@ def test_suggests_lines_for_every_variant(release, tmp_path):
     assert release("old", "new", "--suggest")[1] == ""
 
 
-def test_suggests_no_json(release):
-    assert release("old", "new", "--suggest", "--json") == (
+@pytest.mark.parametrize("other", [["--suggest"], ["--html", "page"]])
+def test_writes_json_and_nothing_else(release, other):
+    assert release("old", "new", *other, "--json") == (
         ERROR, "", '{"file":null,"line":null,"column":null,"severity":"error","code":null,"text":'
-        '"release takes one of --suggest and --json","variants":[]}\n')
+        '"release takes one of --html, --json and --suggest","variants":[]}\n')
 
 
 # Files.
@@ -436,7 +438,58 @@ def test_says_that_there_are_no_files(release, tmp_path, arguments, problem):
     assert (status, problems) == (ERROR, f"morvanectl: {problem}\n")
 
 
-def test_takes_one_of_files_and_suggestions(release):
-    status, output, problems = release("old", "new", "--files", "x", "--suggest")
+@pytest.mark.parametrize("other", ["--files", "--html"])
+def test_suggests_lines_and_writes_nothing_else(release, other):
+    status, output, problems = release("old", "new", other, "x", "--suggest")
     assert (status, output) == (ERROR, "")
     assert "excludes" in problems
+
+
+# As a page; tests/browser opens it.
+
+def test_writes_a_page(release, files, tmp_path):
+    (files / "sub/second.preset").write_text("gian[1]=1\n")
+    folders = ["old", "same", "new"]
+    assert release(*folders, "--files", "files", "--html", "page") == (NO, "", "")
+    data = data_of((tmp_path / "page").read_text())
+    reports = json.loads(release(*folders, "--json")[1])
+    assert [older["name"] for older in data["releases"]] == ["old", "same"]
+    assert [rows_of(data, older) for older in data["releases"]] == [
+        report["rows"] for report in reports]
+    text = release(*folders, "--files", "files")[1]
+    assert [older["gone"] for older in data["releases"]] == 2 * [
+        ["gone: variant c", "gone: preset gone"]]
+    assert text.endswith("\n\n" + data["files"]) and data["files"].startswith("files -> new\n")
+    assert data["suggestion"] == release(*folders, "--suggest")[1] != ""
+
+
+def test_says_on_the_page_where_parameters_are_defined(release, tmp_path):
+    assert release("old", "new", "--html", "page")[0] == NO
+    data = data_of((tmp_path / "page").read_text())
+    older, newest = data["releases"][0]["parameters"], data["parameters"]
+    assert (older["file"], newest["file"]) == ("old/parameters.def", "new/parameters.def")
+    gain, level = ("gain rw { index { input } rangeValid { 0..20 } }",
+                   "level rw { index { input } rangeValid { 0..12, 15 } default { 0 } }")
+    assert (older["blocks"]["gain"], newest["blocks"]["level"]) == (
+        [{"line": 3, "text": gain}], [{"line": 3, "text": level}])
+    assert newest["blocks"]["gain"] == [] and "level" not in older["blocks"]
+
+
+def test_writes_a_page_without_anything_that_is_lost(release, tmp_path):
+    assert release("old", "same", "--html", "page") == (YES, "", "")
+    data = data_of((tmp_path / "page").read_text())
+    assert (data["suggestion"], data["files"]) == ("", "")
+
+
+def test_says_that_a_page_cannot_be_written(release):
+    assert release("old", "same", "--html", "/dev/full") == (
+        ERROR, "", "morvanectl: cannot write /dev/full: No space left on device\n")
+
+
+def test_writes_no_page_that_is_too_big_for_a_browser(release, tmp_path):
+    comments = f"# {'x' * 497}\n" * 21_000  # which the page shows of both releases
+    tiny(tmp_path, "1", f"gain rw {{\n{comments}}}\n")
+    assert release("1", "1", "--html", "page") == (
+        ERROR, "", "morvanectl: the page would have 22 MB, and at most 20 are written; compare "
+        "fewer releases, or one variant with --variant\n")
+    assert not (tmp_path / "page").exists()

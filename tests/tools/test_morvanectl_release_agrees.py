@@ -7,6 +7,7 @@ import re
 import pytest
 from generated_release import generate_releases
 from harness import SLOW_STARTS, RemoteError, run_ctl
+from pages import data_of, rows_of
 
 YES, NO, ERROR = 0, 1, 2
 PAIRS = 60 if SLOW_STARTS else 300
@@ -171,8 +172,8 @@ def test_agrees_with_the_daemons_of_both_releases(world, seed):
             (world.folder / name / file).write_text(text)
     options = [option for argument in pair.arguments for option in ("-s", argument)]
 
-    def release(option):
-        return run_ctl("release", "old", "new", option, *options, cwd=world.folder)
+    def release(*option):
+        return run_ctl("release", "old", "new", *option, *options, cwd=world.folder)
 
     status, output, problems = release("--json")
     old = Running(world, world.folder / "old", pair.arguments)
@@ -186,6 +187,9 @@ def test_agrees_with_the_daemons_of_both_releases(world, seed):
             new.user.preset("is_preset", preset) for preset in [*pair.presets, "fresh"]), problems
         return
     report, = json.loads(output)
+    assert release("--html", "page")[:2] == (status, "")
+    data = data_of((world.folder / "page").read_text())
+    assert rows_of(data, data["releases"][0]) == report["rows"]
     is_lost = any(row["lost"] for row in report["rows"]) or bool(report["gonePresets"])
     assert (status, report["lost"]) == (NO if is_lost else YES, is_lost)
     gone = {preset for place in report["gonePresets"] for preset in place["presets"]}

@@ -390,6 +390,11 @@ private:
                          "Check the preset data files in this folder and in those below it, too")
             ->type_name("FOLDER")
             ->excludes(suggest);
+        release
+            ->add_option("--html", settings_.html,
+                         "Write a page for a browser, with the lines that are missing")
+            ->type_name("FILE")
+            ->excludes(suggest);
     }
 
     void addCompletion() {

@@ -6,6 +6,7 @@
 #include "output.h"
 #include "release_comparison.h"
 #include "release_files.h"
+#include "release_page.h"
 #include "release_report.h"
 #include "release_suggestion.h"
 #include "variant.h"
@@ -14,6 +15,7 @@
 #include <filesystem>
 #include <iostream>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -42,7 +44,8 @@ std::optional<Release> readRelease(Settings settings, const std::string& folder)
     auto device = readDevice(settings);
     if (!device)
         return std::nullopt;
-    return Release{folder, std::move(device->definitions), std::move(device->variants)};
+    return Release{folder, settings.paramDefFile, std::move(device->definitions),
+                   std::move(device->variants)};
 }
 
 std::optional<Release> readOlder(const Settings& settings, const std::string& folder) {
@@ -65,30 +68,41 @@ public:
     Answer(const Settings& settings, const Release& newest)
         : settings_(settings),
           newest_(newest),
-          suggestion_(newest) {}
+          suggestion_(newest),
+          page_(newest) {}
 
     void add(const ReleaseReport& report, const Release& older) {
         isLost_ = isLost_ || report.hasLoss();
-        if (settings_.suggest)
+        if (settings_.suggest || settings_.html)
             suggestion_.add(report, older);
+        if (settings_.html)
+            page_.add(report, older);
         else if (settings_.json)
             list_.push_back(jsonOf(report, older));
-        else
+        else if (!settings_.suggest)
             writePart([&] { writeReport(report, older, newest_.name); });
     }
 
     void add(const std::vector<FileOutcome>& files) {
         isLost_ = isLost_ || hasLoss(files);
-        if (settings_.json)
+        if (settings_.html)
+            writeFiles(files_, files, settings_.file, newest_);
+        else if (settings_.json)
             list_.push_back(jsonOf(files, settings_.file, newest_));
         else
-            writePart([&] { writeFiles(files, settings_.file, newest_); });
+            writePart([&] { writeFiles(std::cout, files, settings_.file, newest_); });
     }
 
-    ExitStatus finish() const {
-        std::cout << suggestion_.text();
-        if (settings_.json)
+    ExitStatus finish() {
+        if (settings_.html) {
+            const auto status = page_.write(settings_, suggestion_.text(), files_.str());
+            if (status != ExitStatus::yes)
+                return status;
+        } else if (settings_.suggest) {
+            std::cout << suggestion_.text();
+        } else if (settings_.json) {
             writeJson(list_);
+        }
         return isLost_ ? ExitStatus::no : ExitStatus::yes;
     }
 
@@ -103,6 +117,8 @@ private:
     const Settings& settings_;
     const Release& newest_;
     TranslationSuggestion suggestion_;
+    ReleasePage page_;
+    std::ostringstream files_; ///< of the page
     Json list_ = Json::array();
     bool isFirst_ = true;
     bool isLost_ = false;
@@ -111,8 +127,8 @@ private:
 } // namespace
 
 ExitStatus showRelease(const Settings& settings) {
-    if (settings.suggest && settings.json)
-        return settings.messages.fail("release takes one of --suggest and --json");
+    if (settings.json && (settings.suggest || settings.html))
+        return settings.messages.fail("release takes one of --html, --json and --suggest");
     auto newest = readNewest(settings);
     if (!newest)
         return ExitStatus::error;

@@ -16,6 +16,7 @@ namespace morvane::ctl {
 /// The definition files of one release, for all variants that are asked for.
 struct Release {
     std::string name;
+    std::string parameterFile; ///< from which the definitions of parameters are
     Definitions definitions;
     std::vector<DescribedVariant> variants; ///< one without a name, or several
 };
@@ -53,7 +54,7 @@ struct PresetsOnVariant {
     std::size_t variant; ///< number, from 0, of the older release
     std::vector<std::string> presets;
 
-    bool operator==(const PresetsOnVariant&) const = default;
+    auto operator<=>(const PresetsOnVariant&) const = default;
 };
 
 /// Keys of one parameter with one fate, in the same presets.

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <iostream>
+#include <ostream>
 #include <set>
 #include <string_view>
 #include <system_error>
@@ -102,14 +102,14 @@ std::optional<std::vector<FileOutcome>> checkFiles(Release& release, const std::
     return areRead ? std::optional(std::move(files)) : std::nullopt;
 }
 
-void writeFiles(const std::vector<FileOutcome>& files, const std::string& folder,
-                const Release& release) {
-    std::cout << folder << " -> " << release.name << '\n'
-              << countOfGood(files) << " of " << files.size()
-              << (files.size() == 1 ? " file" : " files") << " without a warning\n";
+void writeFiles(std::ostream& stream, const std::vector<FileOutcome>& files,
+                const std::string& folder, const Release& release) {
+    stream << folder << " -> " << release.name << '\n'
+           << countOfGood(files) << " of " << files.size()
+           << (files.size() == 1 ? " file" : " files") << " without a warning\n";
     for (const auto& file : files) {
         for (const auto& warning : file.warnings)
-            write(std::cout, warning, whereText(file, release));
+            write(stream, warning, whereText(file, release));
     }
 }
 

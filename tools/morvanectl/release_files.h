@@ -5,6 +5,7 @@
 #include "release_comparison.h"
 
 #include <cstddef>
+#include <iosfwd>
 #include <optional>
 #include <string>
 #include <vector>
@@ -28,8 +29,8 @@ std::optional<std::vector<FileOutcome>> checkFiles(Release& release, const std::
                                                    const Messages& messages);
 
 /// Writes how many files are loaded without a warning, and the warnings of the others.
-void writeFiles(const std::vector<FileOutcome>& files, const std::string& folder,
-                const Release& release);
+void writeFiles(std::ostream& stream, const std::vector<FileOutcome>& files,
+                const std::string& folder, const Release& release);
 
 /// The same as an object.
 Json jsonOf(const std::vector<FileOutcome>& files, const std::string& folder,

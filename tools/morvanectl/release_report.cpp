@@ -14,13 +14,7 @@ namespace morvane::ctl {
 
 namespace {
 
-struct FateText {
-    Fate fate;
-    const char* code; ///< for scripts
-    const char* text;
-};
-
-constexpr std::array fateTexts{
+constexpr std::array texts{
     FateText{Fate::unlisted, "unlisted", "not defined any more, and not in a removed list"},
     FateText{Fate::absent, "absent", "defined, but no parameter of the variant any more"},
     FateText{Fate::unmapped, "unmapped", "of another number of indices, without an index mapping"},
@@ -44,30 +38,44 @@ constexpr std::array fateTexts{
     FateText{Fate::addedWithoutDefault, "new-without-default", "without a default"},
 };
 
-// What stands before the first fate of each group in the summary.
+// The first fate of each group.
 constexpr std::array groupTitles{
-    std::pair{Fate::unlisted, "lost, which no translate section says:"},
-    std::pair{Fate::removed, "not loaded, as the definitions say:"},
-    std::pair{Fate::setTwice, "taken over:"},
-    std::pair{Fate::added, "new, so that no file has them:"},
+    std::pair{Fate::unlisted, "lost, which no translate section says"},
+    std::pair{Fate::removed, "not loaded, as the definitions say"},
+    std::pair{Fate::setTwice, "taken over"},
+    std::pair{Fate::added, "new, so that no file has them"},
 };
 
 const FateText& textOf(Fate fate) {
-    return *std::find_if(fateTexts.begin(), fateTexts.end(),
+    return *std::find_if(texts.begin(), texts.end(),
                          [fate](const FateText& text) { return text.fate == fate; });
-}
-
-const char* titleOf(Fate fate) {
-    const char* title = nullptr;
-    for (const auto& [first, text] : groupTitles) {
-        if (first <= fate)
-            title = text;
-    }
-    return title;
 }
 
 std::string counted(std::size_t count, const char* noun) {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+std::string bracketed(const std::string& text) {
+    return text.empty() ? text : " [" + text + "]";
+}
+
+// Such as "on 2 of 4: field-*"; empty if it is all of them.
+std::string onVariants(const std::vector<std::size_t>& variants, const ReleaseReport& report,
+                       const Release& older) {
+    const auto all = report.compared.size();
+    if (variants.size() == all)
+        return {};
+    return "on " + std::to_string(variants.size()) + " of " + std::to_string(all) + ": " +
+           namesOf(variants, older.variants);
+}
+
+// Whether these are all presets of each of the variants.
+bool isAll(const std::vector<std::string>& presets, const std::vector<std::size_t>& variants,
+           const ReleaseReport& report) {
+    return std::all_of(variants.begin(), variants.end(), [&](std::size_t variant) {
+        return std::find(report.compared.begin(), report.compared.end(),
+                         PresetsOnVariant{variant, presets}) != report.compared.end();
+    });
 }
 
 /// Writes for people.
@@ -79,7 +87,7 @@ public:
 
     void writeSummary() const {
         const char* lastTitle = nullptr;
-        for (const auto& [fate, code, text] : fateTexts) {
+        for (const auto& [fate, code, text] : texts) {
             std::set<std::string_view> parameters;
             std::set<ReleaseRow::Key> keys;
             for (const auto& row : report_.rows) {
@@ -91,23 +99,11 @@ public:
             if (parameters.empty())
                 continue;
             if (titleOf(fate) != lastTitle)
-                std::cout << titleOf(fate) << '\n';
+                std::cout << titleOf(fate) << ":\n";
             lastTitle = titleOf(fate);
             std::cout << "    " << counted(keys.size(), "key") << " of "
                       << counted(parameters.size(), "parameter") << ": " << text << '\n';
         }
-    }
-
-    void writeGone() const {
-        for (const auto& name : report_.goneVariants)
-            std::cout << "gone: variant " << name << '\n';
-        std::map<std::string, std::vector<std::size_t>> variantsOf;
-        for (const auto& [variant, presets] : report_.gonePresets) {
-            for (const auto& preset : presets)
-                variantsOf[preset].push_back(variant);
-        }
-        for (const auto& [preset, variants] : variantsOf)
-            std::cout << "gone: preset " << preset << bracketed(onVariants(variants)) << '\n';
     }
 
     void writeRows() const {
@@ -122,15 +118,11 @@ public:
             std::cout << "    " << keysText(row);
             if (!row.values.empty())
                 std::cout << ": " << shortList(row.values);
-            std::cout << bracketed(placesText(row)) << '\n';
+            std::cout << bracketed(placesText(row, report_, older_)) << '\n';
         }
     }
 
 private:
-    static std::string bracketed(const std::string& text) {
-        return text.empty() ? text : " [" + text + "]";
-    }
-
     static std::string keysText(const ReleaseRow& row) {
         const auto& [before, after] = row.keys.front();
         auto text = printableText(before.empty() ? after : before);
@@ -139,39 +131,6 @@ private:
         if (row.keys.size() > 1)
             text += " and " + std::to_string(row.keys.size() - 1) + " more";
         return text;
-    }
-
-    // Where a row is not about everything that was compared: presets, and variants.
-    std::string placesText(const ReleaseRow& row) const {
-        if (row.places == report_.compared)
-            return {};
-        std::map<std::vector<std::string>, std::vector<std::size_t>> variantsOf;
-        for (const auto& [variant, presets] : row.places)
-            variantsOf[presets].push_back(variant);
-        std::vector<std::string> texts;
-        for (const auto& [presets, variants] : variantsOf) {
-            const auto on = onVariants(variants);
-            texts.push_back((isAll(presets, variants) ? "" : "in " + shortList(presets)) +
-                            (isAll(presets, variants) || on.empty() ? "" : " ") + on);
-        }
-        return joined(texts, "; ");
-    }
-
-    bool isAll(const std::vector<std::string>& presets,
-               const std::vector<std::size_t>& variants) const {
-        return std::all_of(variants.begin(), variants.end(), [&](std::size_t variant) {
-            return std::find(report_.compared.begin(), report_.compared.end(),
-                             PresetsOnVariant{variant, presets}) != report_.compared.end();
-        });
-    }
-
-    // Such as "on 2 of 4: field-*"; empty if it is all of them.
-    std::string onVariants(const std::vector<std::size_t>& variants) const {
-        const auto all = report_.compared.size();
-        if (variants.size() == all)
-            return {};
-        return "on " + std::to_string(variants.size()) + " of " + std::to_string(all) + ": " +
-               namesOf(variants, older_.variants);
     }
 
     const ReleaseReport& report_;
@@ -197,10 +156,54 @@ Json jsonOf(const ReleaseRow& row, const Release& older) {
 
 } // namespace
 
+const char* titleOf(Fate fate) {
+    const char* title = nullptr;
+    for (const auto& [first, text] : groupTitles) {
+        if (first <= fate)
+            title = text;
+    }
+    return title;
+}
+
+std::span<const FateText> fateTexts() {
+    return texts;
+}
+
+std::vector<std::string> goneTexts(const ReleaseReport& report, const Release& older) {
+    std::vector<std::string> lines;
+    for (const auto& name : report.goneVariants)
+        lines.push_back("gone: variant " + name);
+    std::map<std::string, std::vector<std::size_t>> variantsOf;
+    for (const auto& [variant, presets] : report.gonePresets) {
+        for (const auto& preset : presets)
+            variantsOf[preset].push_back(variant);
+    }
+    for (const auto& [preset, variants] : variantsOf)
+        lines.push_back("gone: preset " + preset + bracketed(onVariants(variants, report, older)));
+    return lines;
+}
+
+std::string placesText(const ReleaseRow& row, const ReleaseReport& report, const Release& older) {
+    if (row.places == report.compared)
+        return {};
+    std::map<std::vector<std::string>, std::vector<std::size_t>> variantsOf;
+    for (const auto& [variant, presets] : row.places)
+        variantsOf[presets].push_back(variant);
+    std::vector<std::string> places;
+    for (const auto& [presets, variants] : variantsOf) {
+        const auto on = onVariants(variants, report, older);
+        const bool areAll = isAll(presets, variants, report);
+        places.push_back((areAll ? "" : "in " + shortList(presets)) +
+                         (areAll || on.empty() ? "" : " ") + on);
+    }
+    return joined(places, "; ");
+}
+
 void writeReport(const ReleaseReport& report, const Release& older, const std::string& newer) {
     std::cout << older.name << " -> " << newer << '\n';
+    for (const auto& line : goneTexts(report, older))
+        std::cout << line << '\n';
     const ReportWriter writer(report, older);
-    writer.writeGone();
     writer.writeSummary();
     writer.writeRows();
 }

@@ -51,7 +51,7 @@ struct Settings {
     bool onlyDifferences = false; ///< of `matrix`: parameters covered differently on some variant
     bool csv = false;
     bool suggest = false; ///< of `release`: show the lines that are missing, not the report
-    std::optional<std::string> html;   ///< of `matrix`: the page to write
+    std::optional<std::string> html;   ///< of `matrix` and `release`: the page to write
     std::string pattern;               ///< of `matrix`: of the names of parameters; empty for all
     std::vector<std::string> releases; ///< of `release`: folders, the newest one last
     std::string output;                ///< of `translate`: the file to write; empty for none

@@ -30,7 +30,8 @@ Release release(std::string_view parameters, std::string_view presets,
         settings.allVariants = true;
     }
     auto device = readDevice(settings);
-    return {"release", std::move(device->definitions), std::move(device->variants)};
+    return {"release", "parameters.def", std::move(device->definitions),
+            std::move(device->variants)};
 }
 
 std::string textOf(const ReleaseRow& row) {
