@@ -1,6 +1,6 @@
 #include "entry_check.h"
 
-#include "tables/preset_keys.h"
+#include "preset_reasons.h"
 
 #include <utility>
 
@@ -25,13 +25,8 @@ DropReason EntryCheck::unlessCovered(const PresetEntry& entry, const std::string
 
 bool EntryCheck::isOnDevice(std::string_view name, std::string_view key) {
     auto found = instances_.find(name);
-    if (found == instances_.end()) {
-        const auto& map = manager_.isReadOnly(name) ? manager_.readOnly() : manager_.readWrite();
-        found = instances_
-                    .emplace(name, PresetGenerate::parameterKeys(manager_.indices(), name,
-                                                                 map.indexNames(*map.find(name))))
-                    .first;
-    }
+    if (found == instances_.end())
+        found = instances_.emplace(name, instancesOf(name, manager_)).first;
     return found->second.contains(key);
 }
 

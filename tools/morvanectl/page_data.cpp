@@ -4,7 +4,6 @@
 #include "core/preset_manager.h"
 #include "html_page.h"
 #include "preset_reasons.h"
-#include "tables/preset_keys.h"
 
 #include <algorithm>
 #include <iterator>
@@ -200,9 +199,7 @@ private:
     // The number of a decision, which is added if it is new.
     std::size_t decision(const std::vector<DecidedKeys>& decided, std::string_view parameter,
                          const PresetManager& manager) {
-        const auto& map = manager.isReadOnly(parameter) ? manager.readOnly() : manager.readWrite();
-        const auto own = PresetGenerate::parameterKeys(manager.indices(), parameter,
-                                                       map.indexNames(*map.find(parameter)));
+        const auto own = instancesOf(parameter, manager);
         CoveredKeys covered;
         Json keys = Json::array();
         for (const auto& [areCovered, parts, endings] : decided) {

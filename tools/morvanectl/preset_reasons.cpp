@@ -22,6 +22,12 @@ const ParameterMap& mapOf(std::string_view parameter, const PresetManager& manag
 
 } // namespace
 
+KeySet instancesOf(std::string_view parameter, const PresetManager& manager) {
+    const auto& map = mapOf(parameter, manager);
+    return PresetGenerate::parameterKeys(manager.indices(), parameter,
+                                         map.indexNames(*map.find(parameter)));
+}
+
 bool coversKeys(const PresetDefinition& preset, const PresetManager& manager) {
     return !PresetGenerate::keySet(manager.indices(), manager.readWrite(), manager.readOnly(),
                                    preset)
@@ -103,10 +109,8 @@ const std::vector<DecidedKeys>& PresetReasons::of(std::string_view parameter) {
 }
 
 std::vector<DecidedKeys> PresetReasons::decidedKeys(std::string_view parameter) const {
-    const auto& map = mapOf(parameter, manager_);
     const auto selections = selectionsOf(parameter);
-    const auto own = PresetGenerate::parameterKeys(manager_.indices(), parameter,
-                                                   map.indexNames(*map.find(parameter)));
+    const auto own = instancesOf(parameter, manager_);
     std::set<std::string_view> keys;
     for (const auto key : own)
         keys.insert(key.view());

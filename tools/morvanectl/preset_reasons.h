@@ -14,6 +14,9 @@
 
 namespace morvane::ctl {
 
+/// The keys of a parameter that the variant has.
+KeySet instancesOf(std::string_view parameter, const PresetManager& manager);
+
 /// Whether the preset covers a key on the variant. One that does not is not used.
 bool coversKeys(const PresetDefinition& preset, const PresetManager& manager);
 
