@@ -9,7 +9,6 @@ only gets links to it. Needs mandoc and python3-markdown.
 
 import html
 import re
-import shutil
 import subprocess
 import sys
 from dataclasses import dataclass
@@ -128,7 +127,9 @@ def main():
     (folder / "index.html").write_text(
         TEMPLATE.format(title=f"Manual of morvane {version}", navigation="",
                         body=index(pages, examples)), encoding="utf-8")
-    shutil.copyfile(Path(__file__).with_name("style.css"), folder / "style.css")
+    (folder / "style.css").write_text("\n".join(
+        Path(__file__).with_name(part).read_text(encoding="utf-8")
+        for part in ("palette.css", "style.css")), encoding="utf-8")
 
 
 if __name__ == "__main__":

@@ -215,6 +215,8 @@ def test_writes_a_page_that_needs_nothing_else(folder):
     assert page.startswith("<!DOCTYPE html>\n") and page.endswith("</html>\n")
     assert re.findall(r"(?:src|href|url|import)\s*[=(]\s*[^,>]*", page) == ['href="data:']
     assert "@" not in re.sub(r"@(media|page)\b", "", page)
+    version = run(folder, "--version")[1].strip()
+    assert f'<meta name="generator" content="morvanectl {version}">' in page
     data = data_of(page)
     assert data["files"] == {"parameters": "p", "presets": "d"}
     assert [preset["name"] for preset in data["presets"]] == ["all", "first", "second"]
