@@ -2,6 +2,7 @@
 scripts/check-manual, which keeps the pictures."""
 
 import os
+import re
 from pathlib import Path
 
 import pytest
@@ -81,11 +82,11 @@ def open_page(browser, page, window="desk"):
 
 
 def said(releases, *options):
-    """The summary and the rows of the report about old and new."""
+    """The head and the rows of the report about old and new."""
     lines = run_ctl("release", "old", "new", *options, cwd=releases)[1].splitlines()[1:]
     head = lines[:lines.index("")]
-    return ([line.strip() for line in head if line.startswith("    ")],
-            [line.strip() for line in lines[len(head):] if line.startswith("    ")])
+    reported = [line.strip() for line in lines[len(head):] if line.startswith("    ")]
+    return [line.strip() for line in head], reported
 
 
 def test_fits_into_the_window(browser, page, tmp_path):
@@ -109,7 +110,7 @@ def test_shows_what_the_report_says(browser, releases, page):
         assert line.startswith(row[0])
         assert line.partition(" [")[2] == ("" if row[5] == "everywhere" else f"{row[5]}]")
     assert texts(browser, "#about, #count") == [
-        "When new is installed on a device with presets of older, old",
+        "When new is installed on a device with presets of one of 2 older releases",
         "8 of 10 rows, 8 keys from old"]
     choose(browser, "fate", "")
     assert len(rows(browser)) == 10
@@ -131,8 +132,9 @@ def test_filters_the_rows(browser, page):
     choose(browser, "preset", "")
     choose(browser, "search", " MU")
     assert rows(browser) == [row for row in CHANGED if row[0] == "mute"]
-    assert summary(browser) == ["1 key of 1 parameter: with values that are mapped",
-                                "1 key of 1 parameter: kept"]
+    assert summary(browser) == [
+        "taken over:", "1 key of 1 parameter: with values that are mapped",
+        "1 key of 1 parameter: kept"]
     choose(browser, "search", "")
     choose(browser, "fate", "unlisted")
     assert shown(browser) == ["gain[1]", "gain[2]"]
@@ -171,9 +173,12 @@ def test_a_click_on_the_summary_shows_only_that(browser, page):
     assert shown(browser) == [row[0] for row in CHANGED] and browser.evaluate(pressed) == []
 
 
-def test_opens_a_row(browser, page):
+@pytest.mark.parametrize("cell", range(6))
+def test_opens_a_row(browser, page, cell):
     open_page(browser, page)
-    browser.evaluate("document.querySelectorAll('#rows th')[2].click()")  # lamp
+    place = [row[0] for row in CHANGED].index("lamp")
+    browser.evaluate(f"document.querySelectorAll('#rows tr:not(.space)')[{place}]"
+                     f".children[{cell}].click()")
     assert texts(browser, "#detail-title") == [
         "lamp: with values that no range has: a load of one fails"]
     assert texts(browser, "#detail-body > *") == [
@@ -186,7 +191,8 @@ def test_opens_a_row(browser, page):
 
 def test_shows_what_is_gone_of_another_release(browser, releases, page):
     browser.open(page, *WINDOWS["desk"])
-    assert texts(browser, "#release option") == ["older", "old"]
+    assert texts(browser, "#release option") == [
+        "older (with losses)", "old (with losses)"]
     head = run_ctl("release", "older", "new", cwd=releases)[1].splitlines()
     gone = [line for line in head if line.startswith("gone: ")]
     assert gone == ["gone: variant wide", "gone: preset gone"]
@@ -206,6 +212,8 @@ def test_shows_what_is_gone_of_another_release(browser, releases, page):
 
 def test_shows_files_and_missing_lines(browser, releases, page):
     browser.open(page, *WINDOWS["desk"])
+    assert texts(browser, "#suggestion, #files") == [
+        "Missing translate lines", "0 of 1 file without a warning"]
     shown_texts = []
     for button in "suggestion", "files":
         browser.evaluate(f"document.getElementById('{button}').click()")
@@ -231,11 +239,14 @@ def test_is_usable_with_the_keyboard(browser, page):
     browser.evaluate("document.querySelector('#rows [tabindex=\"0\"]').focus()")
     for key in ("ArrowDown", "ArrowDown", "ArrowRight", "ArrowUp", "Enter"):
         browser.press(key)
+    focused = "[document.activeElement.dataset.row, document.activeElement.dataset.column]"
     assert texts(browser, "#detail-title") == ["gain: not defined any more, and not in a removed "
                                                "list"]
     assert "gain[2]" in texts(browser, "#detail-body li")
     browser.press("Escape")
-    assert browser.evaluate("document.activeElement.dataset.row") == "1"
+    assert browser.evaluate(focused) == ["1", "1"]
+    browser.press("End")
+    assert browser.evaluate(focused) == ["1", "5"]
     browser.press("/")
     assert browser.evaluate("document.activeElement.id") == "search"
     assert browser.complaints() == []
@@ -247,12 +258,58 @@ def test_prints_all_that_the_filters_have_left(browser, page, tmp_path, dark):
     choose(browser, "release", "1")
     choose(browser, "search", "gain")
     paper = " ".join(printed(browser, tmp_path).split())
-    assert "2 of 10 rows, 2 keys from old; From old; Parameter gain; What becomes of it all but "\
+    assert "2 of 10 rows, 2 keys from old; Parameter gain; What becomes of it all but "\
         "kept" in paper
-    head = ["key", "what becomes of it", "then", "keys", "values", "where"]
+    head = ["key", "what becomes of it", "new key", "keys", "values", "where"]
     assert " ".join(" ".join(line) for line in [head, *CHANGED[:2]]) in paper
     assert "lamp" not in paper and "2 keys of 1 parameter: not defined" in paper
     assert browser.complaints() == []
+
+
+def test_prints_long_texts_and_lists(browser, tmp_path):
+    name = "gain" + "x" * 200
+    words = [f"value{number}" for number in range(30)]
+    variants = [f"studio-model-{number}" for number in range(12)]
+    gone = [f"preset{number}" for number in range(100)]
+    parameters = (f"{name} rw {{ rangeValid {{ " + ", ".join(f'"{word}"' for word in words)
+                  + " } }\nmode rw { ctrlValid (n > 8) }\n")
+    presets = "all preset { }\n"
+    lists = "".join(f"{variant}: n={number}\n" for number, variant in enumerate(variants))
+    write(tmp_path / "1", parameters, presets + "".join(
+        f"{preset} preset {{ }}\n" for preset in gone), lists)
+    write(tmp_path / "2", f"{name} rw {{ rangeValid {{ 1 }} }}\n", presets, lists)
+    assert run_ctl("release", "1", "2", "--html", "page.html", cwd=tmp_path)[0] == 1
+    browser.open((tmp_path / "page.html").as_uri(), *WINDOWS["telephone"])
+    paper = printed(browser, tmp_path)
+    assert [preset for preset in gone if f"gone: preset {preset}" not in paper] == []
+    cells = " ".join(text for row in rows(browser) for text in row).replace(name, "")
+    assert {*words, "studio-model-9"} <= {word.strip('",') for word in cells.split()}
+    assert [word for word in re.split("[ -]", cells) if word not in paper] == []  # it breaks there
+    assert paper.count("x") >= 200
+
+
+def test_shows_how_indices_change(browser, tmp_path):
+    for folder, count in ("1", 4), ("2", 2):
+        write(tmp_path / folder, f"input index {{ rangeValid {{ 1..{count} }} }}\n"
+              "gain rw { index { input } }\n", "all preset { }\n", "")
+    assert run_ctl("release", "1", "2", "--html", "page.html", cwd=tmp_path)[0] == 1
+    browser.open((tmp_path / "page.html").as_uri(), *WINDOWS["desk"])
+    browser.evaluate("document.querySelector('#rows th').click()")
+    assert texts(browser, "#detail-title") == ["gain: with an index value that is gone"]
+    assert texts(browser, "#detail-body pre") == [
+        "gain rw { index { input } }", "input index { rangeValid { 1..4 } }",
+        "gain rw { index { input } }", "input index { rangeValid { 1..2 } }"]
+
+
+def test_begins_with_a_release_of_which_something_is_lost(browser, tmp_path):
+    for folder, parameters in ("1", "gain rw { }\n"), ("2", "gain rw { }\nmode rw { }\n"), (
+            "3", "gain rw { }\n"):
+        write(tmp_path / folder, parameters, "all preset { }\n", "")
+    assert run_ctl("release", "1", "2", "3", "--html", "page.html", cwd=tmp_path)[0] == 1
+    browser.open((tmp_path / "page.html").as_uri(), *WINDOWS["desk"])
+    assert texts(browser, "#release option") == ["1", "2 (with losses)"]
+    assert summary(browser)[0] == "lost, which no translate section says:"
+    assert shown(browser) == ["mode"]
 
 
 def test_draws_only_the_rows_in_view(browser, tmp_path):

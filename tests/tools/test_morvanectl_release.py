@@ -247,6 +247,16 @@ def test_writes_json(release, tmp_path):
                  row("new-without-default", False, "level", None, "level")]}]
 
 
+def test_makes_control_characters_visible(release, tmp_path):
+    tiny(tmp_path, "1", 'gain rw { }\nmode rw { rangeValid { "\x1b[31m" } }\n',
+         "all preset { }\np\x1b[31m preset { exclude rw { mode } }\n"
+         "q\x1b[31m preset { exclude rw { mode } }\n")
+    tiny(tmp_path, "2", 'gain ro { }\nmode rw { rangeValid { 1 } }\n',
+         "all preset { }\np\x1b[31m preset { include ro { gain } }\n")
+    output = release("1", "2")[1]
+    assert "\x1b" not in output and output.count("\\x1b[31m") == 4
+
+
 def test_does_not_repeat_what_the_older_release_says_about_its_own_past(release, tmp_path):
     translate = "translate { mode { index 0 { input = 1 } } }\n"
     parameters = ("input index { rangeValid { 1 } }\n"
@@ -459,7 +469,9 @@ def test_writes_a_page(release, files, tmp_path):
     text = release(*folders, "--files", "files")[1]
     assert [older["gone"] for older in data["releases"]] == 2 * [
         ["gone: variant c", "gone: preset gone"]]
-    assert text.endswith("\n\n" + data["files"]) and data["files"].startswith("files -> new\n")
+    assert [older["lost"] for older in data["releases"]] == [True, True]
+    assert data["files"] == {"count": 2, "good": 1,
+                             "text": text[text.index("files -> new\n"):]}
     assert data["suggestion"] == release(*folders, "--suggest")[1] != ""
 
 
@@ -472,13 +484,15 @@ def test_says_on_the_page_where_parameters_are_defined(release, tmp_path):
                    "level rw { index { input } rangeValid { 0..12, 15 } default { 0 } }")
     assert (older["blocks"]["gain"], newest["blocks"]["level"]) == (
         [{"line": 3, "text": gain}], [{"line": 3, "text": level}])
-    assert newest["blocks"]["gain"] == [] and "level" not in older["blocks"]
+    assert "gain" not in newest["blocks"] and "level" not in older["blocks"]
+    assert older["indices"]["gain"] == newest["indices"]["level"] == ["input"]
+    assert older["blocks"]["input"] == [{"line": 1, "text": OLD["parameters.def"].split("\n")[0]}]
 
 
 def test_writes_a_page_without_anything_that_is_lost(release, tmp_path):
     assert release("old", "same", "--html", "page") == (YES, "", "")
     data = data_of((tmp_path / "page").read_text())
-    assert (data["suggestion"], data["files"]) == ("", "")
+    assert (data["suggestion"], data["files"], data["releases"][0]["lost"]) == ("", None, False)
 
 
 def test_says_that_a_page_cannot_be_written(release):

@@ -392,7 +392,7 @@ private:
             ->excludes(suggest);
         release
             ->add_option("--html", settings_.html,
-                         "Write a page for a browser, with the lines that are missing")
+                         "Write the report as a page for a browser, with what --suggest shows")
             ->type_name("FILE")
             ->excludes(suggest);
     }

@@ -15,7 +15,6 @@
 #include <filesystem>
 #include <iostream>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -68,15 +67,17 @@ public:
     Answer(const Settings& settings, const Release& newest)
         : settings_(settings),
           newest_(newest),
-          suggestion_(newest),
-          page_(newest) {}
+          suggestion_(newest) {
+        if (settings.html)
+            page_.emplace(newest);
+    }
 
     void add(const ReleaseReport& report, const Release& older) {
         isLost_ = isLost_ || report.hasLoss();
-        if (settings_.suggest || settings_.html)
+        if (settings_.suggest || page_)
             suggestion_.add(report, older);
-        if (settings_.html)
-            page_.add(report, older);
+        if (page_)
+            page_->add(report, older);
         else if (settings_.json)
             list_.push_back(jsonOf(report, older));
         else if (!settings_.suggest)
@@ -85,8 +86,8 @@ public:
 
     void add(const std::vector<FileOutcome>& files) {
         isLost_ = isLost_ || hasLoss(files);
-        if (settings_.html)
-            writeFiles(files_, files, settings_.file, newest_);
+        if (page_)
+            page_->add(files, settings_.file);
         else if (settings_.json)
             list_.push_back(jsonOf(files, settings_.file, newest_));
         else
@@ -94,8 +95,8 @@ public:
     }
 
     ExitStatus finish() {
-        if (settings_.html) {
-            const auto status = page_.write(settings_, suggestion_.text(), files_.str());
+        if (page_) {
+            const auto status = page_->write(settings_, suggestion_.text());
             if (status != ExitStatus::yes)
                 return status;
         } else if (settings_.suggest) {
@@ -117,8 +118,7 @@ private:
     const Settings& settings_;
     const Release& newest_;
     TranslationSuggestion suggestion_;
-    ReleasePage page_;
-    std::ostringstream files_; ///< of the page
+    std::optional<ReleasePage> page_; ///< if one is asked for
     Json list_ = Json::array();
     bool isFirst_ = true;
     bool isLost_ = false;

@@ -63,11 +63,6 @@ bool checkOn(std::size_t number, const Variant& variant, std::vector<FileOutcome
     });
 }
 
-std::size_t countOfGood(const std::vector<FileOutcome>& files) {
-    return static_cast<std::size_t>(std::count_if(
-        files.begin(), files.end(), [](const FileOutcome& file) { return file.warnings.empty(); }));
-}
-
 // Such as " [on studio-us]".
 std::string whereText(const FileOutcome& file, const Release& release) {
     const auto& name = release.variants[file.variant].name;
@@ -100,6 +95,11 @@ std::optional<std::vector<FileOutcome>> checkFiles(Release& release, const std::
         release.definitions = std::move(variant.definitions);
     }
     return areRead ? std::optional(std::move(files)) : std::nullopt;
+}
+
+std::size_t countOfGood(const std::vector<FileOutcome>& files) {
+    return static_cast<std::size_t>(std::count_if(
+        files.begin(), files.end(), [](const FileOutcome& file) { return file.warnings.empty(); }));
 }
 
 void writeFiles(std::ostream& stream, const std::vector<FileOutcome>& files,

@@ -28,6 +28,9 @@ struct FileOutcome {
 std::optional<std::vector<FileOutcome>> checkFiles(Release& release, const std::string& folder,
                                                    const Messages& messages);
 
+/// How many files are loaded without a warning.
+std::size_t countOfGood(const std::vector<FileOutcome>& files);
+
 /// Writes how many files are loaded without a warning, and the warnings of the others.
 void writeFiles(std::ostream& stream, const std::vector<FileOutcome>& files,
                 const std::string& folder, const Release& release);

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <map>
+#include <sstream>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -20,7 +21,7 @@ public:
     OlderRelease(const ReleaseReport& report, const Release& release)
         : report_(report),
           release_(release),
-          lines_(blockLines(release.definitions.parameters.text())) {
+          parameters_(release) {
         for (const auto& [variant, presets] : report.compared) {
             for (const auto& preset : presets)
                 presetNumber(preset);
@@ -34,13 +35,14 @@ public:
         for (const auto& variant : release_.variants)
             variants.push_back(jsonOf(variant));
         return {{"name", release_.name},
+                {"lost", report_.hasLoss()},
                 {"variants", std::move(variants)},
                 {"presets", std::move(presets_)},
                 {"gone", goneTexts(report_, release_)},
                 {"sets", std::move(sets_)},
                 {"places", std::move(places_)},
                 {"rows", std::move(rows_)},
-                {"parameters", {{"file", release_.parameterFile}, {"blocks", std::move(blocks_)}}}};
+                {"parameters", parameters_.take()}};
     }
 
 private:
@@ -54,9 +56,7 @@ private:
                          {"values", row.values},
                          {"keys", std::move(keys)},
                          {"place", placeOf(row)}});
-        const auto [block, isNew] = blocks_.emplace(row.parameter, Json());
-        if (isNew)
-            *block = blocksOf(row.parameter, release_.definitions.parameters.text(), lines_);
+        parameters_.add(row.parameter);
     }
 
     // The number of a place, which is added if it is new.
@@ -93,7 +93,7 @@ private:
 
     const ReleaseReport& report_;
     const Release& release_;
-    BlockLines lines_;
+    DefinedParameters parameters_;
     Json rows_ = Json::array();
     Json places_ = Json::array();
     std::map<std::vector<PresetsOnVariant>, std::size_t> placeNumbers_;
@@ -101,28 +101,48 @@ private:
     std::map<std::vector<std::string>, std::size_t> setNumbers_;
     Json presets_ = Json::array();
     Numbering presetNumbers_;
-    Json blocks_ = Json::object();
 };
 
 } // namespace
 
-ReleasePage::ReleasePage(const Release& newest)
-    : newest_(newest),
-      lines_(blockLines(newest.definitions.parameters.text())) {}
+void DefinedParameters::add(const std::string& name) {
+    const auto& parameters = release_.definitions.parameters;
+    const auto addBlocks = [this, &parameters](const std::string& defined) {
+        const auto [blocks, isNew] = blocks_.emplace(defined, Json());
+        if (isNew)
+            *blocks = blocksOf(defined, parameters.text(), lines_);
+        return isNew;
+    };
+    const auto* const parameter = parameters.find(name);
+    if (!addBlocks(name) || parameter == nullptr)
+        return;
+    auto indices = Json::array();
+    for (const auto& index : parameter->indices) {
+        indices.push_back(index.indexName());
+        addBlocks(std::string(index.indexName()));
+    }
+    indices_[name] = std::move(indices);
+}
+
+Json DefinedParameters::take() {
+    return {{"file", release_.parameterFile},
+            {"blocks", std::move(blocks_)},
+            {"indices", std::move(indices_)}};
+}
 
 void ReleasePage::add(const ReleaseReport& report, const Release& older) {
     releases_.push_back(OlderRelease(report, older).take());
-    for (const auto& row : report.rows) {
-        for (const auto& name : {row.parameter, row.newName}) {
-            const auto [block, isNew] = blocks_.emplace(name, Json());
-            if (isNew)
-                *block = blocksOf(name, newest_.definitions.parameters.text(), lines_);
-        }
-    }
+    for (const auto& row : report.rows)
+        parameters_.add(row.newName.empty() ? row.parameter : row.newName);
 }
 
-ExitStatus ReleasePage::write(const Settings& settings, const std::string& suggestion,
-                              const std::string& files) {
+void ReleasePage::add(const std::vector<FileOutcome>& files, const std::string& folder) {
+    std::ostringstream text;
+    writeFiles(text, files, folder, newest_);
+    files_ = {{"count", files.size()}, {"good", countOfGood(files)}, {"text", text.str()}};
+}
+
+ExitStatus ReleasePage::write(const Settings& settings, const std::string& suggestion) {
     auto groups = Json::array();
     auto fates = Json::array();
     for (const auto& [fate, code, text] : fateTexts()) {
@@ -130,14 +150,10 @@ ExitStatus ReleasePage::write(const Settings& settings, const std::string& sugge
             groups.push_back(titleOf(fate));
         fates.push_back({{"code", code}, {"text", text}, {"group", groups.size() - 1}});
     }
-    const Json data{
-        {"newest", newest_.name},
-        {"parameters", {{"file", newest_.parameterFile}, {"blocks", std::move(blocks_)}}},
-        {"groups", std::move(groups)},
-        {"fates", std::move(fates)},
-        {"releases", std::move(releases_)},
-        {"suggestion", suggestion},
-        {"files", files}};
+    const Json data{{"newest", newest_.name},           {"parameters", parameters_.take()},
+                    {"groups", std::move(groups)},      {"fates", std::move(fates)},
+                    {"releases", std::move(releases_)}, {"suggestion", suggestion},
+                    {"files", std::move(files_)}};
     return writePage(*settings.html, releasePage, data,
                      "compare fewer releases, or one variant with --variant", settings.messages);
 }

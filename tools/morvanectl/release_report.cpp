@@ -117,8 +117,8 @@ public:
             last = &text;
             std::cout << "    " << keysText(row);
             if (!row.values.empty())
-                std::cout << ": " << shortList(row.values);
-            std::cout << bracketed(placesText(row, report_, older_)) << '\n';
+                std::cout << ": " << printableText(shortList(row.values));
+            std::cout << printableText(bracketed(placesText(row, report_, older_))) << '\n';
         }
     }
 
@@ -202,7 +202,7 @@ std::string placesText(const ReleaseRow& row, const ReleaseReport& report, const
 void writeReport(const ReleaseReport& report, const Release& older, const std::string& newer) {
     std::cout << older.name << " -> " << newer << '\n';
     for (const auto& line : goneTexts(report, older))
-        std::cout << line << '\n';
+        std::cout << printableText(line) << '\n';
     const ReportWriter writer(report, older);
     writer.writeSummary();
     writer.writeRows();

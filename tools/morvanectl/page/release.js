@@ -2,11 +2,14 @@
 // Everything was decided by the tool: this looks the answers up.
 
 const groupClasses = ["lost", "dropped", "taken", "new"]; // of the colours, by number of a group
-const headings = ["key", "what becomes of it", "then", "keys", "values", "where"];
+const headings = ["key", "what becomes of it", "new key", "keys", "values", "where"];
+columns = headings.slice(1);
 
-data.parameters.blocks = new Map(Object.entries(data.parameters.blocks));
+for (const {parameters} of [data, ...data.releases]) { // of any names, also those that objects have
+    parameters.blocks = new Map(Object.entries(parameters.blocks));
+    parameters.indices = new Map(Object.entries(parameters.indices));
+}
 for (const older of data.releases) {
-    older.parameters.blocks = new Map(Object.entries(older.parameters.blocks));
     older.sets = older.sets.map(presets => new Set(presets));
     for (const place of older.places)
         place.on = new Map(place.on);
@@ -57,7 +60,7 @@ function filter() {
         + `${counted(keyCount(passing), "key")} from ${name}`
         + (variant === null ? "" : onVariant(variants[variant], true));
     showSummary(inView);
-    showRows(passing, headings, 0);
+    showRows(passing, headings, focus.column);
 }
 
 // The variants and presets of another release; what was chosen is chosen again, if it is there.
@@ -77,15 +80,18 @@ function fillChoices() {
 // By fate, how much there is; one that is clicked is the only one in the table.
 function showSummary(inView) {
     const lines = release().gone.map(line => node("li", line, "lost"));
+    let lastGroup = null;
     data.fates.forEach(({code, text, group}, fate) => {
         const own = inView.filter(row => row.fate === fate);
         if (own.length === 0)
             return;
         const parameters = new Set(own.map(({parameter}) => parameter)).size;
+        if (group !== lastGroup)
+            lines.push(node("li", `${data.groups[group]}:`, "group"));
+        lastGroup = group;
         const button = node("button", `${counted(keyCount(own), "key")} of `
             + `${counted(parameters, "parameter")}: ${text}`, groupClasses[group]);
         button.type = "button";
-        button.title = data.groups[group];
         button.dataset.fate = code;
         button.setAttribute("aria-pressed", element("fate").value === code);
         const line = node("li");
@@ -118,16 +124,19 @@ function rowOf(place) {
     const row = node("tr");
     row.setAttribute("aria-rowindex", place + 2);
     row.append(...cellsOf(place));
-    for (const cell of row.children)
+    [...row.children].forEach((cell, column) => {
         cell.title = cell.textContent;
-    opens(row.children[0], {row: place, column: 0});
+        opens(cell, {row: place, column});
+    });
     return row;
 }
 
 // Details
 
-function definitionIn(name, {file, blocks}) {
-    return blocks.get(name)?.length ? excerpts(file, blocks.get(name)) : [];
+// What a release defines of a parameter and of its indices.
+function definitionIn(name, {file, blocks, indices}) {
+    const names = new Set([name, ...indices.get(name) ?? []]);
+    return [...names].flatMap(defined => excerpts(file, blocks.get(defined) ?? []));
 }
 
 function open({row: number}) {
@@ -159,12 +168,24 @@ element("summary").addEventListener("click", event => {
     element("fate").value = element("fate").value === fate ? "changed" : fate;
     filter();
 });
-for (const [id, title] of [["suggestion", "Lines that are missing"], ["files", "Files"]]) {
-    element(id).hidden = data[id] === "";
-    element(id).addEventListener("click", () => showDetail(title, node("pre", data[id])));
+
+// A button for a text, if there is one.
+function offer(id, title, text) {
+    element(id).hidden = text === "";
+    element(id).addEventListener("click", () => showDetail(title, node("pre", text)));
 }
 
-data.releases.forEach(({name}, number) => element("release").append(new Option(name, number)));
+offer("suggestion", "Lines of a translate section that are missing, for all older releases",
+      data.suggestion);
+if (data.files)
+    element("files").textContent = `${data.files.good} of ${counted(data.files.count, "file")} `
+        + "without a warning";
+offer("files", "Files", data.files?.text ?? "");
+
+// The first release of which something is lost is shown first.
+data.releases.forEach(({name, lost}, number) => element("release").append(
+    new Option(lost ? `${name} (with losses)` : name, number)));
+element("release").value = Math.max(0, data.releases.findIndex(({lost}) => lost));
 for (const several of document.querySelectorAll(".several"))
     several.hidden = data.releases.length === 1;
 data.groups.forEach((title, group) => {
@@ -175,5 +196,6 @@ data.groups.forEach((title, group) => {
     element("fate").append(options);
 });
 element("about").textContent = `When ${data.newest} is installed on a device with presets of `
-    + data.releases.map(({name}) => name).join(", ");
+    + (data.releases.length === 1 ? data.releases[0].name
+       : `one of ${data.releases.length} older releases`);
 filter();

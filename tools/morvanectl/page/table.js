@@ -174,10 +174,10 @@ function paperTable(heads, cellsAt) {
     return table;
 }
 
-// What has been chosen with the filters; the variant is in the count.
+// What has been chosen with the filters; the release and the variant are in the count.
 function chosenFilters() {
     return [...element("filters").elements]
-        .filter(field => field.id !== "variant"
+        .filter(field => !["release", "variant"].includes(field.id)
                          && (field.type === "checkbox" ? field.checked : field.value))
         .map(field => `${field.parentElement.firstChild.textContent.trim() || "only what"} `
                       + (field.selectedOptions ? field.selectedOptions[0].text
@@ -188,7 +188,7 @@ function chosenFilters() {
 // Draws what the filters have left, all of it: what is out of view is not in the table.
 function drawPaper() {
     const heads = [...element("names").children];
-    const cells = rows.length * heads.length;
+    const cells = rows.length * columns.length;
     element("paper").replaceChildren(
         node("p", [element("count").textContent, ...chosenFilters()].join("; ")),
         ...(cells > mostPaperCells
