@@ -108,9 +108,9 @@ private:
 void DefinedParameters::add(const std::string& name) {
     const auto& parameters = release_.definitions.parameters;
     const auto addBlocks = [this, &parameters](const std::string& defined) {
-        const auto [blocks, isNew] = blocks_.emplace(defined, Json());
+        const auto [blocks, isNew] = blocks_.try_emplace(defined);
         if (isNew)
-            *blocks = blocksOf(defined, parameters.text(), lines_);
+            blocks->second = blocksOf(defined, parameters.text(), lines_);
         return isNew;
     };
     const auto* const parameter = parameters.find(name);

@@ -7,6 +7,7 @@
 #include "release_files.h"
 #include "settings.h"
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -28,8 +29,9 @@ public:
 private:
     const Release& release_;
     BlockLines lines_;
-    Json blocks_ = Json::object();
-    Json indices_ = Json::object();
+    // A JSON object would search all of its names for each one.
+    std::map<std::string, Json> blocks_;
+    std::map<std::string, Json> indices_;
 };
 
 /// Gathers what the page carries:
